@@ -49,6 +49,9 @@ class InlineVector {
         return true;
     }
 
+    /** Drops the last count elements. */
+    void shrink(size_t count) { mSize -= count; }
+
     /** Empties it and gives back memory that it took from the heap. */
     void clear() {
         if (mData != inlineData()) {

@@ -30,13 +30,14 @@ const char* Message::check(uint8_t* bytes) {
     Message message(bytes);
     const MessageHeader& header = message.header();
     BufferEntry* entries = message.entries();
-    size_t offset = sizeof(MessageHeader) + header.bufferCount * sizeof(BufferEntry) + padded(header.scalarBytes);
+    size_t offset =
+            sizeof(MessageHeader) + header.bufferCount * sizeof(BufferEntry) + padded(header.scalarBytes);
     for (uint32_t i = 0; i < header.bufferCount; ++i) {
         BufferEntry& entry = entries[i];
         // A parent comes before its children, so that whatever points was checked before.
-        if (entry.parent != kNoParent &&
-            (entry.parent >= i || entries[entry.parent].size < sizeof(void*) ||
-             entry.parentOffset > entries[entry.parent].size - sizeof(void*) || entry.parentOffset % 8 != 0)) {
+        if (entry.parent != kNoParent && (entry.parent >= i || entries[entry.parent].size < sizeof(void*) ||
+                                          entry.parentOffset > entries[entry.parent].size - sizeof(void*) ||
+                                          entry.parentOffset % 8 != 0)) {
             return "a buffer's parent is an earlier buffer with room for the pointer";
         }
         if (offset > header.totalBytes || entry.size > header.totalBytes - offset) {

@@ -33,7 +33,7 @@ struct ObjectReference {
 };
 
 enum class MessageKind : uint32_t {
-    HelloCall = 1,     // first on a connection that carries calls; object and nonce hold the sender's endpoint
+    HelloCall = 1,  // first on a connection that carries calls; object and nonce hold the sender's endpoint
     HelloControl = 2,  // first on a connection that carries the kinds from OneWay on
     Call = 3,
     Reply = 4,

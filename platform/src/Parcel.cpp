@@ -4,10 +4,18 @@
 
 namespace android::hardware {
 
+/** Keeps the first failure. */
+status_t Parcel::fail(status_t status) {
+    if (mError == OK) {
+        mError = status;
+    }
+    return status;
+}
+
 status_t Parcel::appendScalar(const void* value, size_t size) {
     uint8_t* place = mScalars.grow(size);
     if (place == nullptr) {
-        return NO_MEMORY;
+        return fail(NO_MEMORY);
     }
     std::memcpy(place, value, size);
     return OK;
@@ -34,7 +42,7 @@ bool Parcel::enforceInterface(const char* descriptor) const {
 status_t Parcel::writeCString(const char* text) {
     const size_t length = std::strlen(text);
     if (length > UINT16_MAX) {
-        return BAD_VALUE;
+        return fail(BAD_VALUE);
     }
     return appendScalar(text, length + 1);
 }
@@ -64,12 +72,12 @@ status_t Parcel::readBool(bool* value) const {
 
 status_t Parcel::appendBuffer(const MessageBuffer& buffer, size_t* handle) {
     *handle = mBuffers.size();
-    return mBuffers.push(buffer) ? OK : NO_MEMORY;
+    return mBuffers.push(buffer) ? OK : fail(NO_MEMORY);
 }
 
 status_t Parcel::writeBuffer(const void* data, size_t size, size_t* handle) {
     if (size > kMaxMessageBytes) {
-        return FAILED_TRANSACTION;
+        return fail(FAILED_TRANSACTION);
     }
     return appendBuffer({data, {static_cast<uint32_t>(size), kNoParent, 0, 0}}, handle);
 }
@@ -77,10 +85,11 @@ status_t Parcel::writeBuffer(const void* data, size_t size, size_t* handle) {
 status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* handle, size_t parentHandle,
                                      size_t parentOffset) {
     if (size > kMaxMessageBytes) {
-        return FAILED_TRANSACTION;
+        return fail(FAILED_TRANSACTION);
     }
-    if (parentHandle >= mBuffers.size() || parentOffset > mBuffers[parentHandle].entry.size) {
-        return BAD_VALUE;
+    if (parentHandle >= mBuffers.size() || mBuffers[parentHandle].entry.size < sizeof(void*) ||
+        parentOffset > mBuffers[parentHandle].entry.size - sizeof(void*)) {
+        return fail(BAD_VALUE);
     }
     return appendBuffer({data,
                          {static_cast<uint32_t>(size), static_cast<uint32_t>(parentHandle),
@@ -117,7 +126,8 @@ status_t Parcel::readEmbeddedBuffer(size_t size, size_t* handle, size_t parentHa
         return BAD_VALUE;
     }
     uint8_t* bytes = nullptr;
-    const status_t status = takeBuffer(size, static_cast<uint32_t>(parentHandle), parentOffset, handle, &bytes);
+    const status_t status =
+            takeBuffer(size, static_cast<uint32_t>(parentHandle), parentOffset, handle, &bytes);
     if (status != OK) {
         return status;
     }
@@ -156,6 +166,7 @@ void Parcel::clear() {
     mScalars.clear();
     mBuffers.clear();
     mObjects.clear();
+    mError = OK;
 }
 
 void Parcel::receive(Message message, ObjectResolver* resolver) {

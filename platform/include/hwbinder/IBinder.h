@@ -18,7 +18,8 @@ class Parcel;
  */
 class IBinder : public virtual RefBase {
   public:
-    /** Given the finished reply; must be called before onTransact() returns, as the reply's buffers end then. */
+    /** Given the finished reply; must be called before onTransact() returns, as the reply's buffers end then.
+     */
     using TransactCallback = std::function<void(Parcel&)>;
 
     enum : uint32_t { FLAG_ONEWAY = 1u };

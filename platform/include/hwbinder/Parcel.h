@@ -74,8 +74,8 @@ class Parcel {
     /** Gives the next buffer, which must have no parent and exactly this size. */
     status_t readBuffer(size_t size, size_t* handle, const void** data) const;
     /**
-     * Gives the next buffer, which must have this size, parent and parent offset, and writes its address (null
-     * when size is 0) into the parent. Both buffers stay writable by the caller through const_cast.
+     * Gives the next buffer, which must have this size, parent and parent offset, and writes its address
+     * (null when size is 0) into the parent. Both buffers stay writable by the caller through const_cast.
      */
     status_t readEmbeddedBuffer(size_t size, size_t* handle, size_t parentHandle, size_t parentOffset,
                                 const void** data) const;
@@ -86,9 +86,12 @@ class Parcel {
     const InlineVector<uint8_t, 192>& scalars() const { return mScalars; }
     const InlineVector<MessageBuffer, 8>& buffers() const { return mBuffers; }
     const std::vector<OutgoingObject>& objects() const { return mObjects; }
+    /** The first failure of a write, which the encoder reports: generated code does not look at each. */
+    status_t error() const { return mError; }
     /** Forgets what was written. */
     void clear();
-    /** Makes this the reader of a message. Objects in it are resolved by the given resolver, in read order. */
+    /** Makes this the reader of a message. Objects in it are resolved by the given resolver, in read order.
+     */
     void receive(Message message, ObjectResolver* resolver);
 
   private:
@@ -102,13 +105,16 @@ class Parcel {
     }
     status_t appendScalar(const void* value, size_t size);
     status_t takeScalar(void* value, size_t size) const;
+    status_t fail(status_t status);
     status_t appendBuffer(const MessageBuffer& buffer, size_t* handle);
-    status_t takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle, uint8_t** data) const;
+    status_t takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
+                        uint8_t** data) const;
 
     // Writing.
     InlineVector<uint8_t, 192> mScalars;
     InlineVector<MessageBuffer, 8> mBuffers;
     std::vector<OutgoingObject> mObjects;
+    status_t mError = OK;
 
     // Reading; the cursors move under const, as generated stubs read from const parcels.
     mutable Message mMessage;

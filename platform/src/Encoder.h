@@ -1,0 +1,57 @@
+#pragma once
+
+#include <hwbinder/Parcel.h>
+
+#include "platform/src/InlineVector.h"
+#include "platform/src/Message.h"
+#include "platform/src/Socket.h"
+
+namespace android::hardware {
+
+/** Gives the reference under which the receiver of a message will know an object. */
+class ObjectExporter {
+  public:
+    virtual status_t exportObject(const sp<IBinder>& object, ObjectReference* reference) = 0;
+
+  protected:
+    ~ObjectExporter() = default;
+};
+
+/**
+ * A parcel laid out for one sendmsg(). Small buffers are copied behind the head, large ones are sent from
+ * where they lie: they and the encoder must live until the bytes are out.
+ *
+ * Addresses of this process do not leave it: where a record holds a pointer to another buffer, zeros are
+ * sent.
+ */
+class Encoder {
+  public:
+    Encoder() = default;
+    Encoder(const Encoder&) = delete;
+    Encoder& operator=(const Encoder&) = delete;
+
+    /**
+     * Lays out head and parcel; magic, lengths and counts of the head are filled in here. Objects are
+     * exported once it is certain that the message can be sent.
+     *
+     * @return FAILED_TRANSACTION when the message would exceed kMaxMessageBytes, NO_MEMORY, the failure of an
+     * earlier write to the parcel, or the exporter's failure
+     */
+    status_t encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter);
+
+    /** Lays out a head alone. */
+    void encode(MessageHeader head);
+
+    Gather gather() { return {mVectors.data(), mVectors.size(), mBytes}; }
+
+  private:
+    // A buffer this long is worth an iovec of its own; shorter ones are cheaper to copy. It also bounds the
+    // vectors of one message: 1 MiB / 4 KiB buffers and as many gaps, below the kernel's 1024.
+    static constexpr size_t kCopyBytes = 4096;
+
+    InlineVector<uint8_t, 1024> mStaging;
+    InlineVector<iovec, 8> mVectors;
+    size_t mBytes = 0;
+};
+
+}  // namespace android::hardware

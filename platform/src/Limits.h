@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+
+#include "platform/src/Message.h"
+
+namespace android::hardware {
+
+// What one peer may cost us. A peer that asks for more loses the connection that asked, or the call; the
+// others notice nothing. Together they bound a peer's memory to about
+// kMaxCallConnections * 2 * kMaxMessageBytes + 3 * kMaxMessageBytes, 35 MiB, of which a well-behaved peer
+// uses what its calls carry.
+
+/** Connections that carry a peer's calls, hence its calls at one time. A caller with more threads waits. */
+constexpr size_t kMaxCallConnections = 16;
+
+/**
+ * One-way messages that wait for a peer to read them, beyond what the kernel's socket buffer holds. The next
+ * one fails with FAILED_TRANSACTION; a Release that finds the queue full costs the peer its connections.
+ */
+constexpr size_t kMaxOneWayQueueBytes = 1024 * 1024;
+
+/** Connections that have not said yet who they are. One more drops the oldest. */
+constexpr size_t kMaxPendingHellos = 64;
+
+/** Endpoints of one process that we talk to: ordinary processes have one, tests a few. */
+constexpr size_t kMaxEndpointsPerProcess = 8;
+
+/** Messages of one connection served in a row before others get their turn. */
+constexpr int kMaxServedInARow = 64;
+
+/**
+ * How long a thread that has just served a connection waits for its next call, or for room for a long reply,
+ * while another thread is free. It saves a caller in a loop two system calls and a wake-up per call; the
+ * kernel rounds it up to its own tick.
+ */
+constexpr int kLingerMilliseconds = 4;
+
+/** How long a caller retries to reach a process whose queue of connections is full. */
+constexpr int kConnectPatienceMilliseconds = 2000;
+
+}  // namespace android::hardware

@@ -1,0 +1,21 @@
+#include <hwbinder/ProcessState.h>
+
+#include "platform/src/Transport.h"
+
+namespace android::hardware {
+
+sp<ProcessState> ProcessState::self() {
+    // Never released: generated code may ask for it while the process ends.
+    static ProcessState* const state = [] {
+        auto* made = new ProcessState;
+        made->incStrong(made);
+        return made;
+    }();
+    return state;
+}
+
+void ProcessState::startThreadPool() {
+    Transport::self().startThreadPool();
+}
+
+}  // namespace android::hardware

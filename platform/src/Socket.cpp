@@ -1,0 +1,161 @@
+#include "platform/src/Socket.h"
+
+#include <errno.h>
+#include <log/log.h>
+#include <sys/random.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace android::hardware {
+
+namespace {
+
+constexpr char kNamePrefix[] = "zvttv-hidl/";
+
+// The most connections that may wait for being accepted; the kernel's own limit may be lower.
+constexpr int kBacklog = 4096;
+
+void fillRandom(void* memory, size_t size) {
+    // Requests of up to 256 bytes are never cut short.
+    const ssize_t got = getrandom(memory, size, 0);
+    LOG_ALWAYS_FATAL_IF(got != static_cast<ssize_t>(size), "the kernel gives no random bytes: %s",
+                        strerror(errno));
+}
+
+/** The address's length depends on the name's: an abstract name has no terminator. */
+socklen_t makeAddress(const Endpoint& endpoint, sockaddr_un* address) {
+    const std::string name = kNamePrefix + toString(endpoint);
+    std::memset(address, 0, sizeof(*address));
+    address->sun_family = AF_UNIX;
+    std::memcpy(address->sun_path + 1, name.data(), name.size());
+    return static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+}
+
+}  // namespace
+
+void UniqueFd::reset(int fd) {
+    if (mFd >= 0) {
+        close(mFd);
+    }
+    mFd = fd;
+}
+
+Endpoint randomEndpoint() {
+    Endpoint endpoint;
+    fillRandom(endpoint.data(), endpoint.size());
+    return endpoint;
+}
+
+uint64_t randomNumber() {
+    uint64_t number;
+    fillRandom(&number, sizeof(number));
+    return number;
+}
+
+std::string toString(const Endpoint& endpoint) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (const uint8_t byte : endpoint) {
+        text += kDigits[byte >> 4];
+        text += kDigits[byte & 15];
+    }
+    return text;
+}
+
+UniqueFd listenOn(const Endpoint& endpoint) {
+    UniqueFd fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address;
+    const socklen_t length = makeAddress(endpoint, &address);
+    if (!fd.ok() || bind(fd.get(), reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+        listen(fd.get(), kBacklog) != 0) {
+        return UniqueFd();
+    }
+    return fd;
+}
+
+bool readCredentials(int fd, Credentials* credentials) {
+    ucred kernel{};
+    socklen_t length = sizeof(kernel);
+    if (getsockopt(fd, SOL_SOCKET, SO_PEERCRED, &kernel, &length) != 0) {
+        return false;
+    }
+    credentials->pid = kernel.pid;
+    credentials->uid = kernel.uid;
+    return true;
+}
+
+bool mayConnect(const Credentials& credentials) {
+    return credentials.uid == geteuid() || credentials.uid == 0;
+}
+
+UniqueFd connectTo(const Endpoint& endpoint, Credentials* credentials) {
+    // Not blocking while it connects, so that a full queue of connections is an error and not a wait.
+    UniqueFd fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address;
+    const socklen_t length = makeAddress(endpoint, &address);
+    if (!fd.ok() || connect(fd.get(), reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+        !readCredentials(fd.get(), credentials)) {
+        return UniqueFd();
+    }
+    if (!mayConnect(*credentials)) {
+        ALOGW("pid %d uid %u listens on an endpoint of ours: a peer runs under our user or root's",
+              credentials->pid, credentials->uid);
+        errno = EPERM;
+        return UniqueFd();
+    }
+    const int flags = fcntl(fd.get(), F_GETFL);
+    if (flags < 0 || fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
+        return UniqueFd();
+    }
+    return fd;
+}
+
+void setWaitLimits(int fd, int milliseconds) {
+    timeval limit{};
+    limit.tv_sec = milliseconds / 1000;
+    limit.tv_usec = (milliseconds % 1000) * 1000;
+    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
+    setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
+}
+
+void Gather::advance(size_t sent) {
+    bytes -= sent;
+    while (count > 0 && sent >= vectors->iov_len) {
+        sent -= vectors->iov_len;
+        ++vectors;
+        --count;
+    }
+    if (count > 0) {
+        vectors->iov_base = static_cast<uint8_t*>(vectors->iov_base) + sent;
+        vectors->iov_len -= sent;
+    }
+}
+
+ssize_t sendSome(int fd, Gather* gather, int flags) {
+    msghdr head{};
+    head.msg_iov = gather->vectors;
+    head.msg_iovlen = gather->count;
+    ssize_t sent;
+    do {
+        sent = sendmsg(fd, &head, flags | MSG_NOSIGNAL);
+    } while (sent < 0 && errno == EINTR);
+    if (sent > 0) {
+        gather->advance(static_cast<size_t>(sent));
+    }
+    return sent;
+}
+
+ssize_t receiveSome(int fd, void* memory, size_t size, int flags) {
+    ssize_t got;
+    do {
+        got = recv(fd, memory, size, flags);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+}  // namespace android::hardware
