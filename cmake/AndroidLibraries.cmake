@@ -10,5 +10,5 @@ foreach(name log utils cutils)
     add_library(android::${name} SHARED IMPORTED GLOBAL)
     set_target_properties(android::${name} PROPERTIES
         IMPORTED_LOCATION ${ANDROID_${name}_LIBRARY}
-        INTERFACE_SYSTEM_INCLUDE_DIRECTORIES ${ANDROID_INCLUDE_DIR})
+        INTERFACE_INCLUDE_DIRECTORIES ${ANDROID_INCLUDE_DIR})
 endforeach()

@@ -297,8 +297,10 @@ void Transport::acceptConnections() {
         UniqueFd fd(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
         if (!fd.ok()) {
             if (errno == EMFILE || errno == ENFILE) {
-                refuseConnection();
-                continue;
+                if (refuseConnection()) {
+                    continue;
+                }
+                return;
             }
             if (errno == EINTR || errno == ECONNABORTED) {
                 continue;
@@ -339,21 +341,25 @@ void Transport::acceptConnections() {
     }
 }
 
-/** Descriptors have run out: takes the next connection with the spare one and closes it. */
-void Transport::refuseConnection() {
+/**
+ * Descriptors have run out: takes the next connection with the spare one and closes it. False when none waits:
+ * without a free descriptor the kernel does not tell that from the lack of one.
+ */
+bool Transport::refuseConnection() {
     mReserve.reset();
     UniqueFd fd(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
     Credentials credentials;
     if (fd.ok() && readCredentials(fd.get(), &credentials)) {
         ALOGW("refused pid %d uid %u: no descriptor is left", credentials.pid, credentials.uid);
     }
-    const bool again = !fd.ok() && (errno == EMFILE || errno == ENFILE);
-    fd.reset();
-    mReserve = reserveDescriptor();
-    if (again) {
-        // Another thread took the spare descriptor; the connection stays in the queue for a moment.
+    const bool refused = fd.ok();
+    if (!refused && (errno == EMFILE || errno == ENFILE)) {
+        // Another thread took the spare descriptor: the connection stays in the queue for a moment.
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+    fd.reset();
+    mReserve = reserveDescriptor();
+    return refused;
 }
 
 void Transport::dropGreeter(std::list<Greeter>::iterator greeter) {

@@ -98,7 +98,7 @@ class Transport final : public ObjectResolver {
     void startPlatformThread();
     void runPlatformThread();
     void acceptConnections();
-    void refuseConnection();
+    bool refuseConnection();
     void readHello(std::list<Greeter>::iterator greeter);
     void welcome(Greeter& greeter);
     void dropGreeter(std::list<Greeter>::iterator greeter);

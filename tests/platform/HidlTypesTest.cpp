@@ -1,0 +1,209 @@
+#include <android/hidl/base/1.0/BpHwBase.h>
+#include <gtest/gtest.h>
+#include <hidl/HidlTransportSupport.h>
+#include <hidl/Static.h>
+#include <hidl/TaskRunner.h>
+#include <zvttv/test/probe/1.0/BnHwProbe.h>
+#include <zvttv/test/probe/1.0/BnHwProbeListener.h>
+#include <zvttv/test/probe/1.0/BpHwProbe.h>
+#include <zvttv/test/probe/1.0/BpHwProbeListener.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace android::hardware {
+namespace {
+
+using zvttv::test::probe::V1_0::Colour;
+using zvttv::test::probe::V1_0::Everything;
+using zvttv::test::probe::V1_0::IProbe;
+using zvttv::test::probe::V1_0::IProbeListener;
+
+TEST(HidlString, HoldsTheBytesThatItWasGiven) {
+    const std::string nulInside("a\0b", 3);
+    struct Case {
+        const char* name;
+        hidl_string text;
+        std::string expected;
+    };
+    const Case cases[] = {
+            {"nothing", hidl_string(), ""},
+            {"null", hidl_string(static_cast<const char*>(nullptr)), ""},
+            {"C text", "text", "text"},
+            {"part of a C text", hidl_string("text", 2), "te"},
+            {"NUL inside", nulInside, nulInside},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        EXPECT_EQ(std::string(each.text), each.expected);
+        EXPECT_EQ(each.text.c_str()[each.text.size()], '\0');
+        const hidl_string copy = each.text;
+        EXPECT_EQ(copy, each.expected);
+        EXPECT_TRUE(copy.empty() || copy.c_str() != each.text.c_str());
+    }
+    EXPECT_TRUE(hidl_string("a") == "a" && "a" != hidl_string("b") && hidl_string("a") < hidl_string("b"));
+}
+
+TEST(HidlString, MayBeAssignedFromItself) {
+    hidl_string text = "prefix and rest";
+    text = text.c_str() + 11;
+    EXPECT_EQ(text, "rest");
+    const hidl_string& same = text;
+    text = same;
+    EXPECT_EQ(text, "rest");
+}
+
+TEST(HidlString, AForeignTextIsNeitherCopiedNorFreed) {
+    char outside[] = "outside";
+    hidl_string text = "own";
+    text.setToExternal(outside, 7);
+    EXPECT_EQ(text.c_str(), outside);
+    hidl_string moved = std::move(text);
+    EXPECT_EQ(moved.c_str(), outside);
+    EXPECT_DEATH(moved.setToExternal(outside, 3), "does not end with NUL");
+}
+
+TEST(HidlVec, ResizingKeepsWhatFitsAndClearsTheRest) {
+    uint16_t outside[] = {1, 2, 3};
+    hidl_vec<uint16_t> numbers;
+    numbers.setToExternal(outside, 3);
+    numbers.resize(5);
+    EXPECT_EQ(numbers, (hidl_vec<uint16_t>{1, 2, 3, 0, 0}));
+    numbers[0] = 9;
+    EXPECT_EQ(outside[0], 1);
+    numbers.resize(2);
+    EXPECT_EQ(numbers, (std::vector<uint16_t>{9, 2}));
+    hidl_vec<uint16_t> moved = std::move(numbers);
+    EXPECT_EQ(moved.size(), 2u);
+    moved.resize(0);
+    EXPECT_EQ(moved.begin(), moved.end());
+    EXPECT_DEATH(moved.resize(size_t{UINT32_MAX} + 1), "more than it can hold");
+}
+
+TEST(HidlVec, CopiesAreDeep) {
+    hidl_vec<hidl_string> texts{"a", "b"};
+    hidl_vec<hidl_string> copy = texts;
+    copy[0] = "c";
+    EXPECT_EQ(texts, (hidl_vec<hidl_string>{"a", "b"}));
+    texts = {"x"};
+    EXPECT_EQ(texts.size(), 1u);
+    const std::vector<hidl_string> standard = copy;
+    EXPECT_TRUE(standard.size() == 2 && standard[0] == "c" && copy != texts);
+}
+
+TEST(HidlArray, LiesAsThePlainArrayDoes) {
+    const uint16_t plain[2][3] = {{1, 2, 3}, {4, 5, 6}};
+    hidl_array<uint16_t, 2, 3> grid(plain);
+    EXPECT_EQ(sizeof(grid), sizeof(plain));
+    EXPECT_EQ(grid[1][0], 4);
+    grid[1][2] = 7;
+    EXPECT_EQ(grid.data()[5], 7);
+    EXPECT_NE(grid, (hidl_array<uint16_t, 2, 3>(plain)));
+}
+
+TEST(HidlEnum, ARangeGivesEveryValueInDeclaredOrder) {
+    std::vector<Colour> values;
+    for (const Colour value : hidl_enum_range<Colour>()) {
+        values.push_back(value);
+    }
+    EXPECT_EQ(values, (std::vector<Colour>{Colour::RED, Colour::GREEN, Colour::BLUE}));
+}
+
+TEST(HidlToString, ARecordIsShownWithAllItHolds) {
+    Everything all{};
+    all.u8 = 200;
+    all.colour = Colour::BLUE;
+    all.quad = hidl_array<uint8_t, 4>({1, 2, 3, 4});
+    all.texts = {"x", "y"};
+    all.leaves = {{true, -1, "leaf"}};
+    all.tables = {{1, 2}, {}};
+    const std::string text = toString(all);
+    for (const char* part :
+         {".u8 = 200", ".colour = BLUE", ".quad = {1, 2, 3, 4}", ".grid = {{0, 0, 0}, {0, 0, 0}}",
+          ".texts = [2]{\"x\", \"y\"}", ".leaves = [1]{{.flag = true, .number = -1, .text = \"leaf\"}}",
+          ".tables = [2]{[2]{1, 2}, [0]{}}"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << " in " << text;
+    }
+    EXPECT_EQ(details::toHexString(int8_t{-1}), "0xff");
+}
+
+class Listener : public IProbeListener {
+  public:
+    Return<void> notice(uint32_t, const hidl_string&) override { return Void(); }
+    Return<void> ask(const hidl_string&, ask_cb _hidl_cb) override {
+        _hidl_cb("");
+        return Void();
+    }
+};
+
+TEST(Objects, ALocalObjectHasOneStubWhileAnybodyHoldsItAndANewOneLater) {
+    const sp<IProbeListener> listener = new Listener;
+    sp<IBinder> stub = toBinder(listener);
+    EXPECT_EQ(toBinder(listener), stub);
+    EXPECT_GT(listener->getStrongCount(), 1);
+    const wp<IBinder> old = stub;
+    stub.clear();
+    EXPECT_EQ(old.promote(), nullptr);
+    EXPECT_EQ(listener->getStrongCount(), 1);
+    EXPECT_NE(toBinder(listener), nullptr);
+}
+
+TEST(Objects, AnObjectOfAnotherInterfaceIsNoneOfTheOneAskedFor) {
+    class NoStub : public BHwBinder {
+        status_t onTransact(uint32_t, const Parcel&, Parcel*, uint32_t, TransactCallback) override {
+            return OK;
+        }
+    };
+    using namespace zvttv::test::probe::V1_0;
+    using namespace ::android::hidl::base::V1_0;
+    const sp<IProbeListener> listener = new Listener;
+    const sp<IBinder> stub = toBinder(listener);
+    const auto asListener = [](const sp<IBinder>& object) {
+        return fromBinder<IProbeListener, BpHwProbeListener, BnHwProbeListener>(object);
+    };
+    EXPECT_EQ(asListener(stub), listener);
+    EXPECT_EQ((fromBinder<IBase, BpHwBase, BnHwBase>(stub)), listener);
+    EXPECT_EQ((fromBinder<IProbe, BpHwProbe, BnHwProbe>(stub)), nullptr);
+    EXPECT_EQ(asListener(new NoStub), nullptr);
+    EXPECT_EQ(asListener(nullptr), nullptr);
+    EXPECT_EQ(sp<IProbe>(IProbe::castFrom(sp<IBase>(listener))), nullptr);
+    EXPECT_EQ(sp<IProbeListener>(IProbeListener::castFrom(sp<IBase>(listener))), listener);
+}
+
+TEST(TaskRunner, RunsWhatItTookInOrderAndRefusesMoreThanItsLimit) {
+    std::mutex lock;
+    std::condition_variable changed;
+    bool started = false;
+    bool released = false;
+    std::vector<int> done;
+    {
+        details::TaskRunner runner;
+        runner.start(2);
+        EXPECT_TRUE(runner.push([&] {
+            std::unique_lock guard(lock);
+            started = true;
+            changed.notify_all();
+            changed.wait(guard, [&] { return released; });
+        }));
+        std::unique_lock guard(lock);
+        changed.wait(guard, [&] { return started; });
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(runner.push([&, i] {
+                const std::lock_guard inner(lock);
+                done.push_back(i);
+                changed.notify_all();
+            }),
+                      i < 2);
+        }
+        released = true;
+        changed.notify_all();
+    }  // the runner ends first
+    std::unique_lock guard(lock);
+    changed.wait(guard, [&] { return done.size() == 2; });
+    EXPECT_EQ(done, (std::vector<int>{0, 1}));
+}
+
+}  // namespace
+}  // namespace android::hardware

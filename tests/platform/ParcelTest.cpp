@@ -1,0 +1,235 @@
+#include <gtest/gtest.h>
+#include <hidl/HidlTransportSupport.h>
+#include <hwbinder/Parcel.h>
+
+#include <string>
+
+#include "platform/src/Encoder.h"
+#include "tests/platform/MessageBuilder.h"
+
+namespace android::hardware {
+namespace {
+
+/** Makes a parcel the reader of what was built, which must pass the message's own checks. */
+void receive(const std::vector<uint8_t>& bytes, Parcel* parcel) {
+    const char* rule = nullptr;
+    Message message = MessageBuilder::receive(bytes, &rule);
+    ASSERT_STREQ(rule, nullptr);
+    parcel->receive(std::move(message), nullptr);
+}
+
+/** The bytes that a socket would carry. */
+std::vector<uint8_t> sent(const Parcel& parcel) {
+    Encoder encoder;
+    MessageHeader head{};
+    head.kind = MessageKind::Call;
+    EXPECT_EQ(encoder.encode(head, parcel, nullptr), OK);
+    std::vector<uint8_t> bytes;
+    const Gather gather = encoder.gather();
+    for (size_t i = 0; i < gather.count; ++i) {
+        const auto* first = static_cast<const uint8_t*>(gather.vectors[i].iov_base);
+        bytes.insert(bytes.end(), first, first + gather.vectors[i].iov_len);
+    }
+    return bytes;
+}
+
+status_t readText(const Parcel& parcel, const hidl_string** text) {
+    size_t handle = 0;
+    const status_t status = parcel.readBuffer(sizeof(**text), &handle, reinterpret_cast<const void**>(text));
+    return status != OK ? status
+                        : readEmbeddedFromParcel(const_cast<hidl_string&>(**text), parcel, handle, 0);
+}
+
+template <typename T>
+status_t readVec(const Parcel& parcel, const hidl_vec<T>** vec, size_t* child) {
+    size_t handle = 0;
+    const status_t status = parcel.readBuffer(sizeof(**vec), &handle, reinterpret_cast<const void**>(vec));
+    return status != OK ? status
+                        : readEmbeddedFromParcel(const_cast<hidl_vec<T>&>(**vec), parcel, handle, 0, child);
+}
+
+TEST(Parcel, WhatIsWrittenIsReadBackInItsOrder) {
+    const hidl_string text = "of several words";
+    const hidl_vec<hidl_vec<hidl_string>> nested{{"a", ""}, {}, {std::string(5000, 'b')}};
+    Parcel out;
+    size_t handle = 0;
+    size_t child = 0;
+    EXPECT_TRUE(out.writeInterfaceToken("a@1.0::IA") == OK && out.writeInt8(-8) == OK &&
+                out.writeUint64(UINT64_MAX) == OK && out.writeDouble(0.5) == OK && out.writeBool(true) == OK);
+    EXPECT_EQ(out.writeBuffer(&text, sizeof(text), &handle), OK);
+    EXPECT_EQ(writeEmbeddedToParcel(text, &out, handle, 0), OK);
+    EXPECT_EQ(out.writeStrongBinder(nullptr), OK);
+    EXPECT_EQ(out.writeBuffer(&nested, sizeof(nested), &handle), OK);
+    EXPECT_EQ(writeEmbeddedToParcel(nested, &out, handle, 0, &child), OK);
+    for (size_t i = 0; i < nested.size(); ++i) {
+        size_t grandchild = 0;
+        EXPECT_EQ(writeEmbeddedToParcel(nested[i], &out, child, i * sizeof(nested[i]), &grandchild), OK);
+        for (size_t j = 0; j < nested[i].size(); ++j) {
+            EXPECT_EQ(writeEmbeddedToParcel(nested[i][j], &out, grandchild, j * sizeof(text)), OK);
+        }
+    }
+
+    Parcel in;
+    receive(sent(out), &in);
+    int8_t s8 = 0;
+    uint64_t u64 = 0;
+    double real = 0;
+    bool flag = false;
+    EXPECT_TRUE(in.enforceInterface("a@1.0::IA"));
+    EXPECT_TRUE(in.readInt8(&s8) == OK && in.readUint64(&u64) == OK && in.readDouble(&real) == OK &&
+                in.readBool(&flag) == OK);
+    EXPECT_TRUE(s8 == -8 && u64 == UINT64_MAX && real == 0.5 && flag);
+    const hidl_string* gotText = nullptr;
+    ASSERT_EQ(readText(in, &gotText), OK);
+    EXPECT_EQ(*gotText, text);
+    sp<IBinder> object;
+    EXPECT_EQ(in.readNullableStrongBinder(&object), OK);
+    EXPECT_EQ(object, nullptr);
+    const hidl_vec<hidl_vec<hidl_string>>* gotNested = nullptr;
+    ASSERT_EQ(readVec(in, &gotNested, &child), OK);
+    for (size_t i = 0; i < gotNested->size(); ++i) {
+        auto& row = const_cast<hidl_vec<hidl_string>&>((*gotNested)[i]);
+        size_t grandchild = 0;
+        ASSERT_EQ(readEmbeddedFromParcel(row, in, child, i * sizeof(row), &grandchild), OK);
+        for (size_t j = 0; j < row.size(); ++j) {
+            ASSERT_EQ(readEmbeddedFromParcel(row[j], in, grandchild, j * sizeof(text)), OK);
+        }
+    }
+    EXPECT_EQ(*gotNested, nested);
+    EXPECT_EQ(in.readInt8(&s8), NOT_ENOUGH_DATA);
+}
+
+TEST(Parcel, ATextThatIsNotWhatItsRecordSaysIsRefused) {
+    const std::string four("four\0", 5);
+    struct Case {
+        const char* name;
+        MessageBuilder message;
+        status_t expected;
+    };
+    const Case cases[] = {
+            {"as announced", MessageBuilder().reference(4).buffer(four, 0), OK},
+            {"empty", MessageBuilder().reference(0).buffer(std::string(1, '\0'), 0), OK},
+            {"no NUL at its end", MessageBuilder().reference(4).buffer("fours", 0), BAD_VALUE},
+            {"shorter than announced", MessageBuilder().reference(5).buffer(four, 0), BAD_VALUE},
+            {"longer than announced", MessageBuilder().reference(3).buffer(four, 0), BAD_VALUE},
+            {"a length that wraps", MessageBuilder().reference(UINT32_MAX).buffer("", 0), BAD_VALUE},
+            {"nobody's text", MessageBuilder().reference(4).buffer(four), BAD_VALUE},
+            {"at another place", MessageBuilder().reference(4).buffer(four, 0, 8), BAD_VALUE},
+            {"missing", MessageBuilder().reference(4), NOT_ENOUGH_DATA},
+            {"before its record", MessageBuilder().buffer(four).reference(4), BAD_VALUE},
+            {"a record of another size", MessageBuilder().buffer(std::string(24, '\4')).buffer(four, 0),
+             BAD_VALUE},
+            {"no record", MessageBuilder().scalar<int64_t>(4), NOT_ENOUGH_DATA},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        Parcel parcel;
+        receive(each.message.bytes(), &parcel);
+        const hidl_string* text = nullptr;
+        EXPECT_EQ(readText(parcel, &text), each.expected);
+    }
+}
+
+TEST(Parcel, ASequenceThatIsNotWhatItsRecordSaysIsRefused) {
+    struct Case {
+        const char* name;
+        MessageBuilder message;
+        status_t expected;
+    };
+    const Case cases[] = {
+            {"as announced", MessageBuilder().reference(2).buffer(std::string(16, 'n'), 0), OK},
+            {"empty", MessageBuilder().reference(0).buffer("", 0), OK},
+            {"empty with elements", MessageBuilder().reference(0).buffer("12345678", 0), BAD_VALUE},
+            {"bytes in place of numbers", MessageBuilder().reference(8).buffer("12345678", 0), BAD_VALUE},
+            {"as many as can be said", MessageBuilder().reference(UINT32_MAX).buffer("12345678", 0),
+             BAD_VALUE},
+            {"another's elements",
+             MessageBuilder().buffer(std::string(16, '\0')).reference(1).buffer("12345678", 0), BAD_VALUE},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        Parcel parcel;
+        receive(each.message.bytes(), &parcel);
+        const hidl_vec<uint64_t>* numbers = nullptr;
+        size_t child = 0;
+        EXPECT_EQ(readVec(parcel, &numbers, &child), each.expected);
+        if (each.expected == OK) {
+            EXPECT_EQ(numbers->data() == nullptr, numbers->empty());
+        }
+    }
+}
+
+TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
+    Parcel parcel;
+    receive(MessageBuilder()
+                    .reference(2, 7)
+                    .buffer(std::string("ok\0", 3), 0)
+                    .reference(1, 1)
+                    .buffer("12345678", 2)
+                    .bytes(),
+            &parcel);
+    const hidl_string* text = nullptr;
+    const hidl_vec<uint64_t>* numbers = nullptr;
+    size_t child = 0;
+    ASSERT_EQ(readText(parcel, &text), OK);
+    ASSERT_EQ(readVec(parcel, &numbers, &child), OK);
+    // Whatever a stub does with its arguments, no byte of the message is given to the allocator.
+    const_cast<hidl_string*>(text)->clear();
+    const_cast<hidl_vec<uint64_t>*>(numbers)->resize(0);
+    // A second pass over the same bytes finds nothing that it may read.
+    EXPECT_EQ(readText(parcel, &text), NOT_ENOUGH_DATA);
+}
+
+TEST(Parcel, AnyByteFromAPeerMakesABooleanOfThisProcess) {
+    Parcel parcel;
+    receive(MessageBuilder().scalar<uint8_t>(7).scalar<uint8_t>(0).reference(3).buffer("\7\1\377", 0).bytes(),
+            &parcel);
+    bool first = false;
+    bool second = true;
+    EXPECT_TRUE(parcel.readBool(&first) == OK && parcel.readBool(&second) == OK);
+    EXPECT_TRUE(first && !second);
+    const hidl_vec<bool>* flags = nullptr;
+    size_t child = 0;
+    ASSERT_EQ(readVec(parcel, &flags, &child), OK);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(flags->data()), 3), "\1\1\1");
+}
+
+TEST(Parcel, ScalarsAndTextsEndWhereTheMessagesScalarsEnd) {
+    struct Case {
+        const char* name;
+        MessageBuilder message;
+        bool hasText;
+        bool hasNumber;  // of 64 bits
+    };
+    // Words of other scalars or buffers follow in the block, so reading on would find something.
+    const std::string tail(16, '\1');
+    const Case cases[] = {
+            {"nothing", MessageBuilder().buffer(tail), false, false},
+            {"seven bytes", MessageBuilder().scalar<uint32_t>(~0u).scalar<uint16_t>(~0).scalar<uint8_t>(~0),
+             false, false},
+            {"eight without a NUL", MessageBuilder().scalar(uint64_t{0x4141414141414141}).buffer(tail), false,
+             true},
+            {"seven and a NUL", MessageBuilder().text("1234567").buffer(tail), true, true},
+            {"an empty text", MessageBuilder().text("").buffer(tail), true, false},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        Parcel parcel;
+        receive(each.message.bytes(), &parcel);
+        uint64_t number = 0;
+        EXPECT_EQ(parcel.readUint64(&number), each.hasNumber ? OK : NOT_ENOUGH_DATA);
+        receive(each.message.bytes(), &parcel);
+        EXPECT_EQ(parcel.readCString() != nullptr, each.hasText);
+    }
+}
+
+TEST(Parcel, OnlyTheExactInterfaceNameIsTheCallsInterface) {
+    for (const char* name : {"a@1.0::IA", "a@1.0::I", "a@1.0::IAB", ""}) {
+        Parcel parcel;
+        receive(MessageBuilder().text(name).bytes(), &parcel);
+        EXPECT_EQ(parcel.enforceInterface("a@1.0::IA"), std::string(name) == "a@1.0::IA") << name;
+    }
+}
+
+}  // namespace
+}  // namespace android::hardware

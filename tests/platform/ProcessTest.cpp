@@ -1,0 +1,493 @@
+// What the runtime promises between real processes. The program is its own client and server: with --role it
+// plays one of them.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <hidl/HidlTransportSupport.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <zvttv/test/probe/1.0/IProbe.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "platform/src/Limits.h"
+#include "platform/src/Registry.h"
+#include "platform/src/Socket.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using android::sp;
+using android::wp;
+using android::hardware::hidl_death_recipient;
+using android::hardware::hidl_string;
+using android::hardware::hidl_vec;
+using android::hardware::Return;
+using android::hardware::Void;
+using android::hidl::base::V1_0::IBase;
+using zvttv::test::probe::V1_0::Colour;
+using zvttv::test::probe::V1_0::Everything;
+using zvttv::test::probe::V1_0::IProbe;
+using zvttv::test::probe::V1_0::IProbeListener;
+using zvttv::test::probe::V1_0::Leaf;
+
+bool eventually(const std::function<bool()>& condition) {
+    for (int i = 0; i < 2000; ++i) {
+        if (condition()) {
+            return true;
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+    return false;
+}
+
+// The server's side.
+
+class Probe : public IProbe {
+  public:
+    Return<void> mirror(const Everything& value, bool flag, const hidl_vec<Leaf>& leaves,
+                        mirror_cb _hidl_cb) override {
+        _hidl_cb(value, flag, leaves);
+        return Void();
+    }
+    Return<void> blob(uint32_t size, blob_cb _hidl_cb) override {
+        const std::vector<uint8_t> bytes(size, 0x5A);
+        hidl_vec<uint8_t> result;
+        result.setToExternal(const_cast<uint8_t*>(bytes.data()), bytes.size());
+        _hidl_cb(result);
+        return Void();
+    }
+    Return<bool> listen(const sp<IProbeListener>& listener) override {
+        if (listener == nullptr) {
+            return false;
+        }
+        const std::lock_guard<std::mutex> lock(mLock);
+        const uint64_t cookie = 100 + mListened++;
+        mListeners.emplace_back(cookie, listener);
+        return bool(listener->linkToDeath(mRecipient, cookie));
+    }
+    Return<void> askBack(const sp<IProbeListener>& listener, const hidl_string& question,
+                         askBack_cb _hidl_cb) override {
+        hidl_string result;
+        const Return<void> asked =
+                listener->ask(question, [&](const hidl_string& answer) { result = answer; });
+        _hidl_cb(asked.isOk() ? result : hidl_string("failed"));
+        return Void();
+    }
+    Return<void> notify(uint32_t count, const hidl_string& text, notify_cb _hidl_cb) override {
+        uint32_t delivered = 0;
+        uint32_t failed = 0;
+        const std::lock_guard<std::mutex> lock(mLock);
+        for (uint32_t i = 0; i < count; ++i) {
+            for (const auto& [cookie, listener] : mListeners) {
+                (listener->notice(i, text).isOk() ? delivered : failed) += 1;
+            }
+        }
+        _hidl_cb(delivered, failed);
+        return Void();
+    }
+    Return<void> deaths(deaths_cb _hidl_cb) override {
+        const std::lock_guard<std::mutex> lock(mRecipient->lock);
+        _hidl_cb(mRecipient->cookies);
+        return Void();
+    }
+    Return<void> forgetDead() override {
+        const std::lock_guard<std::mutex> lock(mLock);
+        const std::lock_guard<std::mutex> deathLock(mRecipient->lock);
+        for (const uint64_t cookie : mRecipient->cookies) {
+            for (auto it = mListeners.begin(); it != mListeners.end();) {
+                it = it->first == cookie ? mListeners.erase(it) : std::next(it);
+            }
+        }
+        return Void();
+    }
+
+  private:
+    struct Recipient : hidl_death_recipient {
+        void serviceDied(uint64_t cookie, const wp<IBase>&) override {
+            const std::lock_guard<std::mutex> guard(lock);
+            cookies.push_back(cookie);
+        }
+        std::mutex lock;
+        std::vector<uint64_t> cookies;
+    };
+
+    std::mutex mLock;
+    std::vector<std::pair<uint64_t, sp<IProbeListener>>> mListeners;
+    uint64_t mListened = 0;
+    const sp<Recipient> mRecipient = new Recipient;
+};
+
+class Listener : public IProbeListener {
+  public:
+    Return<void> notice(uint32_t number, const hidl_string&) override {
+        mOrdered = mOrdered && number == mCount % mRound;
+        ++mCount;
+        return Void();
+    }
+    Return<void> ask(const hidl_string& question, ask_cb _hidl_cb) override {
+        _hidl_cb(std::string(question) + "!");
+        return Void();
+    }
+
+    void expectRoundsOf(uint32_t round) { mRound = round; }
+    uint32_t count() const { return mCount; }
+    bool ordered() const { return mOrdered; }
+
+  private:
+    std::atomic<uint32_t> mCount{0};
+    std::atomic<bool> mOrdered{true};
+    uint32_t mRound = UINT32_MAX;
+};
+
+int playServer(bool fewDescriptors) {
+    if (fewDescriptors) {
+        const rlimit limit{48, 48};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    android::hardware::configureRpcThreadpool(4, true);
+    const sp<IProbe> probe = new Probe;
+    const int status = probe->registerAsService("default");
+    dprintf(STDOUT_FILENO, "%c", status == 0 ? 'r' : 'f');
+    if (status != 0) {
+        return 1;
+    }
+    android::hardware::joinRpcThreadpool();
+    return 0;
+}
+
+int playListener(int count) {
+    android::hardware::configureRpcThreadpool(2, false);
+    const sp<IProbe> probe = IProbe::getService();
+    for (int i = 0; i < count; ++i) {
+        if (!probe->listen(new Listener).withDefault(false)) {
+            return 1;
+        }
+    }
+    dprintf(STDOUT_FILENO, "r");
+    pause();
+    return 0;
+}
+
+int playCaller() {
+    const sp<IProbe> probe = IProbe::getService();
+    const Return<void> result = probe->blob(100000, [](const hidl_vec<uint8_t>&) {});
+    return result.isOk() ? 0 : 1;
+}
+
+// The test's side.
+
+/** A process that plays a role; it ends with this object at the latest. */
+class Player {
+  public:
+    explicit Player(const std::string& role) {
+        int fds[2];
+        EXPECT_EQ(0, pipe2(fds, O_CLOEXEC));
+        mPid = fork();
+        if (mPid == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes leaves nobody behind
+            dup2(fds[1], STDOUT_FILENO);
+            execl("/proc/self/exe", "role", ("--role=" + role).c_str(), nullptr);
+            _exit(127);
+        }
+        close(fds[1]);
+        mOutput = fds[0];
+    }
+    Player(Player&& other) noexcept
+        : mPid(std::exchange(other.mPid, -1)), mOutput(std::exchange(other.mOutput, -1)) {}
+    ~Player() {
+        kill(SIGKILL);
+        close(mOutput);
+    }
+
+    /** Waits for the role's word: 'r' ready, 'f' failed, 0 when it ended without one. */
+    char word() const {
+        char letter = 0;
+        return read(mOutput, &letter, 1) == 1 ? letter : '\0';
+    }
+    void signal(int number) const { ::kill(mPid, number); }
+    void kill(int number) {
+        if (mPid > 0) {
+            ::kill(mPid, number);
+            wait();
+        }
+    }
+    int wait() {
+        int status = 0;
+        waitpid(mPid, &status, 0);
+        mPid = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    pid_t pid() const { return mPid; }
+
+  private:
+    pid_t mPid;
+    int mOutput;
+};
+
+size_t entriesOf(const std::string& folder) {
+    const auto all = std::filesystem::directory_iterator(folder);
+    return static_cast<size_t>(std::distance(begin(all), end(all)));
+}
+
+class ProcessTest : public testing::Test {
+  protected:
+    sp<IProbe> start(const std::string& role = "server") {
+        mServer.emplace_back(role);
+        EXPECT_EQ('r', mServer.back().word());
+        return IProbe::getService();
+    }
+    const Player& server() const { return mServer.back(); }
+    size_t serverDescriptors() const { return entriesOf("/proc/" + std::to_string(server().pid()) + "/fd"); }
+    static std::vector<uint64_t> deathsOf(const sp<IProbe>& probe) {
+        std::vector<uint64_t> result;
+        EXPECT_TRUE(probe->deaths([&](const hidl_vec<uint64_t>& cookies) { result = cookies; }).isOk());
+        return result;
+    }
+    static std::pair<uint32_t, uint32_t> notify(const sp<IProbe>& probe, uint32_t count,
+                                                const std::string& text) {
+        std::pair<uint32_t, uint32_t> result;
+        EXPECT_TRUE(probe->notify(count, text, [&](uint32_t delivered, uint32_t failed) {
+                             result = {delivered, failed};
+                         }).isOk());
+        return result;
+    }
+
+    std::vector<Player> mServer;
+};
+
+TEST_F(ProcessTest, EveryKindOfValueTravelsBothWaysUnchanged) {
+    const sp<IProbe> probe = start();
+    Everything sent{};
+    sent.u8 = 200;
+    sent.s16 = -3;
+    sent.u32 = 0xDEADBEEF;
+    sent.real = 0.1;
+    sent.colour = Colour::BLUE;
+    sent.text = "ü text";
+    sent.quad[3] = 9;
+    sent.grid[1][2] = 65535;
+    sent.bytes = {1, 0, 2};
+    sent.texts = {"", "one", std::string(5000, 'x')};
+    sent.leaves = {{true, INT64_MIN, "leaf"}, {false, 1, ""}};
+    sent.tables = {{1, 2}, {}, {3}};
+    for (const bool empty : {false, true}) {
+        const Everything value = empty ? Everything{} : sent;
+        const hidl_vec<Leaf> leaves = empty ? hidl_vec<Leaf>() : hidl_vec<Leaf>{{true, 5, "x"}};
+        bool called = false;
+        EXPECT_TRUE(probe->mirror(value, !empty, leaves,
+                                  [&](const Everything& back, bool flag, const hidl_vec<Leaf>& leavesBack) {
+                                      called = true;
+                                      EXPECT_EQ(value, back);
+                                      EXPECT_EQ(!empty, flag);
+                                      EXPECT_EQ(leaves, leavesBack);
+                                  })
+                            .isOk());
+        EXPECT_TRUE(called);
+    }
+}
+
+TEST_F(ProcessTest, AResultThatNoMessageCarriesIsATransportErrorForItsCallAlone) {
+    const sp<IProbe> probe = start();
+    bool called = false;
+    const Return<void> result = probe->blob(2 * 1024 * 1024, [&](const auto&) { called = true; });
+    EXPECT_FALSE(result.isOk());
+    EXPECT_FALSE(result.isDeadObject());
+    EXPECT_FALSE(called);
+    size_t size = 0;
+    EXPECT_TRUE(probe->blob(900 * 1024, [&](const auto& bytes) { size = bytes.size(); }).isOk());
+    EXPECT_EQ(900u * 1024, size);
+}
+
+TEST_F(ProcessTest, AServiceMayCallItsClientBackFromInsideTheClientsCall) {
+    const sp<IProbe> probe = start();
+    std::string answer;
+    EXPECT_TRUE(probe->askBack(new Listener, "well", [&](const hidl_string& text) { answer = text; }).isOk());
+    EXPECT_EQ("well!", answer);
+}
+
+TEST_F(ProcessTest, OneWayCallsReachEveryListenerInOrder) {
+    const sp<IProbe> probe = start();
+    const sp<Listener> first = new Listener;
+    const sp<Listener> second = new Listener;
+    first->expectRoundsOf(500);
+    second->expectRoundsOf(500);
+    ASSERT_TRUE(probe->listen(first).withDefault(false));
+    ASSERT_TRUE(probe->listen(second).withDefault(false));
+    EXPECT_EQ(std::pair(1000u, 0u), notify(probe, 500, "hello"));
+    EXPECT_TRUE(eventually([&] { return first->count() == 500 && second->count() == 500; }));
+    EXPECT_TRUE(first->ordered() && second->ordered());
+}
+
+TEST_F(ProcessTest, EachLinkOfAKilledClientReportsItsOwnCookie) {
+    const sp<IProbe> probe = start();
+    Player one("listener1");
+    ASSERT_EQ('r', one.word());
+    Player two("listener2");
+    ASSERT_EQ('r', two.word());
+    Player three("listener1");
+    ASSERT_EQ('r', three.word());
+    two.kill(SIGKILL);
+    EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 2; }));
+    std::vector<uint64_t> cookies = deathsOf(probe);
+    std::sort(cookies.begin(), cookies.end());
+    EXPECT_EQ((std::vector<uint64_t>{101, 102}), cookies);
+    EXPECT_EQ(std::pair(2u, 2u), notify(probe, 1, "x")) << "only the dead one's deliveries fail";
+}
+
+TEST_F(ProcessTest, AStoppedClientDelaysNobodyAndLosesOnlyWhatItsQueueCanNotHold) {
+    const sp<IProbe> probe = start();
+    Player stopped("listener1");
+    ASSERT_EQ('r', stopped.word());
+    stopped.signal(SIGSTOP);
+    const sp<Listener> awake = new Listener;
+    ASSERT_TRUE(probe->listen(awake).withDefault(false));
+    const auto begin = std::chrono::steady_clock::now();
+    uint32_t failures = 0;
+    for (uint32_t sent = 50; sent <= 1000; sent += 50) {
+        failures += notify(probe, 50, std::string(4000, 'x')).second;
+        ASSERT_TRUE(eventually([&] { return awake->count() == sent; }))
+                << "none of the failures is the other's";
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+    EXPECT_GT(failures, 0u);
+    EXPECT_LT(failures, 1000u);
+    stopped.signal(SIGCONT);
+    EXPECT_TRUE(eventually([&] { return notify(probe, 1, "x") == std::pair(2u, 0u); })) << "it catches up";
+    EXPECT_TRUE(deathsOf(probe).empty());
+}
+
+TEST_F(ProcessTest, ClientsThatComeAndGoLeaveNoDescriptorBehind) {
+    const sp<IProbe> probe = start();
+    const auto storm = [&](int rounds) {
+        for (int i = 0; i < rounds; ++i) {
+            std::vector<Player> listeners;
+            for (int j = 0; j < 10; ++j) {
+                listeners.emplace_back(j % 2 == 0 ? "listener1" : "caller");
+            }
+            for (int j = 0; j < 10; ++j) {
+                if (j % 2 == 0) {
+                    EXPECT_EQ('r', listeners[j].word());
+                } else {
+                    EXPECT_EQ(0, listeners[j].wait());
+                }
+            }
+            EXPECT_TRUE(notify(probe, 3, "x").first > 0);
+        }
+    };
+    storm(1);
+    ASSERT_TRUE(eventually([&] { return deathsOf(probe).size() == 5; }));
+    EXPECT_TRUE(probe->forgetDead().isOk());
+    const size_t before = serverDescriptors();
+    storm(10);
+    EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 55; }));
+    EXPECT_TRUE(probe->forgetDead().isOk());
+    EXPECT_TRUE(eventually([&] { return serverDescriptors() <= before; }))
+            << before << " before, " << serverDescriptors() << " after";
+}
+
+TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
+    sp<IProbe> probe = start();
+    Player rival("server");
+    EXPECT_EQ('f', rival.word());
+    EXPECT_EQ(1, rival.wait());
+    mServer.back().kill(SIGKILL);
+    const Return<void> late = probe->blob(1, [](const auto&) {});
+    EXPECT_TRUE(late.isDeadObject());
+    EXPECT_EQ(nullptr, IProbe::tryGetService());
+    probe = start();
+    EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk());
+}
+
+TEST_F(ProcessTest, GetServiceWaitsForTheService) {
+    sp<IProbe> found;
+    std::thread waiter([&] { found = IProbe::getService(); });
+    std::this_thread::sleep_for(50ms);
+    mServer.emplace_back("server");
+    waiter.join();
+    EXPECT_NE(nullptr, found);
+    EXPECT_TRUE(found->blob(1, [](const auto&) {}).isOk());
+}
+
+TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
+    const sp<IProbe> probe = start("poor-server");
+    android::hardware::ObjectReference reference;
+    pid_t pid = 0;
+    ASSERT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
+                                   .find(IProbe::descriptor, "default", &reference, &pid));
+    EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk());
+    {
+        std::vector<android::hardware::UniqueFd> connections;
+        for (int i = 0; i < 100; ++i) {
+            android::hardware::Credentials credentials;
+            connections.push_back(android::hardware::connectTo(reference.endpoint, &credentials));
+        }
+        EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk()) << "who is connected is served";
+    }
+    EXPECT_TRUE(eventually([] { return Player("caller").wait() == 0; }))
+            << "and others again once there is room";
+}
+
+TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
+    if (geteuid() != 0) {
+        SUCCEED() << "only root can play another user";
+        return;
+    }
+    const sp<IProbe> probe = start();
+    android::hardware::ObjectReference reference;
+    pid_t pid = 0;
+    ASSERT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
+                                   .find(IProbe::descriptor, "default", &reference, &pid));
+    // Plain system calls only: the child is a copy of a process with threads.
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr uid_t kNobody = 65534;
+        if (setresuid(kNobody, kNobody, kNobody) != 0) {
+            _exit(2);
+        }
+        // The listener is root's, so this side has nothing against it.
+        android::hardware::Credentials credentials;
+        const android::hardware::UniqueFd fd = android::hardware::connectTo(reference.endpoint, &credentials);
+        char byte;
+        _exit(!fd.ok() ? 3 : read(fd.get(), &byte, 1) == 0 ? 0 : 4);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(0, WEXITSTATUS(status)) << "0: hung up on";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::string role = argc > 1 ? argv[1] : "";
+    if (role == "--role=server" || role == "--role=poor-server") {
+        return playServer(role == "--role=poor-server");
+    }
+    if (role == "--role=listener1" || role == "--role=listener2") {
+        return playListener(role == "--role=listener2" ? 2 : 1);
+    }
+    if (role == "--role=caller") {
+        return playCaller();
+    }
+    testing::InitGoogleTest(&argc, argv);
+    // A registry of our own; the tests share it, as a process opens it once.
+    char folder[] = "/tmp/hidl-test-XXXXXX";
+    if (mkdtemp(folder) == nullptr || setenv("HIDL_RUNTIME_DIR", folder, 1) != 0) {
+        perror("mkdtemp");
+        return 1;
+    }
+    android::hardware::configureRpcThreadpool(2, false);
+    const int result = RUN_ALL_TESTS();
+    std::filesystem::remove_all(folder);
+    return result;
+}

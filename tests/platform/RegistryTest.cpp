@@ -1,0 +1,380 @@
+#include "platform/src/Registry.h"
+
+#include <android/hidl/manager/1.0/IServiceNotification.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/src/ServiceManager.h"
+
+namespace android::hardware {
+namespace {
+
+constexpr char kInterface[] = "a.b@1.0::IThing";
+
+/** A process forked to run a function; it tells the result and waits to be killed. */
+class Child {
+  public:
+    explicit Child(const std::function<status_t()>& function) {
+        int fds[2];
+        EXPECT_EQ(pipe2(fds, O_CLOEXEC), 0);
+        mPid = fork();
+        if (mPid == 0) {
+            const status_t status = function();
+            (void)!write(fds[1], &status, sizeof(status));
+            pause();
+            _exit(0);
+        }
+        close(fds[1]);
+        mResult = UniqueFd(fds[0]);
+    }
+    ~Child() { end(); }
+
+    status_t result() const {
+        status_t status = UNKNOWN_ERROR;
+        EXPECT_EQ(read(mResult.get(), &status, sizeof(status)), static_cast<ssize_t>(sizeof(status)));
+        return status;
+    }
+    pid_t pid() const { return mPid; }
+    void end() {
+        if (mPid > 0) {
+            kill(mPid, SIGKILL);
+            waitpid(mPid, nullptr, 0);
+            mPid = -1;
+        }
+    }
+
+  private:
+    pid_t mPid;
+    UniqueFd mResult;
+};
+
+class RegistryTest : public testing::Test {
+  protected:
+    RegistryTest() {
+        char folder[] = "/tmp/registry-test-XXXXXX";
+        mFolder = mkdtemp(folder);
+        mPath = mFolder + "/names";
+    }
+    ~RegistryTest() override { std::filesystem::remove_all(mFolder); }
+
+    static ObjectReference reference(uint64_t number) { return {randomEndpoint(), number, randomNumber()}; }
+
+    /** The number of the object found; 0 when there is none. */
+    uint64_t found(const std::string& instance = "default") const {
+        Registry registry(mPath);
+        ObjectReference result{};
+        pid_t pid = 0;
+        const status_t status = registry.find(kInterface, instance, &result, &pid);
+        EXPECT_TRUE(status == OK || status == NAME_NOT_FOUND) << status;
+        return status == OK ? result.object : 0;
+    }
+    /** Through a registry that lasts as long as the test, or the child. */
+    status_t take(uint64_t number, const std::string& instance = "default") {
+        mRegistries.push_back(std::make_unique<Registry>(mPath));
+        return mRegistries.back()->take(kInterface, instance, reference(number));
+    }
+    std::string file(const std::string& instance = "default") const {
+        return mPath + "/" + kInterface + "+" + instance;
+    }
+
+    std::string mFolder;
+    std::string mPath;
+    std::vector<std::unique_ptr<Registry>> mRegistries;
+};
+
+TEST_F(RegistryTest, ANameHeldByALiveProcessIsRefusedToOthersAndToItself) {
+    Registry own(mPath);
+    EXPECT_EQ(found(), 0u);
+    EXPECT_EQ(own.take(kInterface, "default", reference(1)), OK);
+    EXPECT_EQ(own.take(kInterface, "default", reference(2)), ALREADY_EXISTS);
+    EXPECT_EQ(Child([&] { return take(3); }).result(), ALREADY_EXISTS);
+    EXPECT_EQ(own.take(kInterface, "other", reference(4)), OK);
+    EXPECT_EQ(found(), 1u);
+    own.release(kInterface, "default");
+    EXPECT_EQ(found(), 0u);
+    EXPECT_EQ(own.take(kInterface, "default", reference(5)), OK);
+    EXPECT_EQ(found(), 5u);
+}
+
+TEST_F(RegistryTest, ANameHeldByADeadProcessIsGoneAndCanBeTakenAgain) {
+    Child child([&] { return take(1); });
+    ASSERT_EQ(child.result(), OK);
+    EXPECT_EQ(found(), 1u);
+    child.end();
+    EXPECT_EQ(found(), 0u);
+    EXPECT_EQ(Child([&] { return take(2); }).result(), OK);
+}
+
+TEST_F(RegistryTest, OfProcessesThatTakeANameAtOneTimeOneWins) {
+    for (int round = 0; round < 20; ++round) {
+        int gate[2];
+        ASSERT_EQ(pipe2(gate, O_CLOEXEC), 0);
+        std::vector<std::unique_ptr<Child>> children;
+        for (uint64_t i = 1; i <= 6; ++i) {
+            children.push_back(std::make_unique<Child>([&, i] {
+                close(gate[1]);
+                char byte;
+                (void)!read(gate[0], &byte, 1);  // until the parent closes it
+                return take(i);
+            }));
+        }
+        close(gate[0]);
+        close(gate[1]);
+        uint64_t winner = 0;
+        for (uint64_t i = 1; i <= children.size(); ++i) {
+            const status_t status = children[i - 1]->result();
+            EXPECT_TRUE(status == ALREADY_EXISTS || (status == OK && winner == 0)) << status;
+            winner = status == OK ? i : winner;
+        }
+        EXPECT_NE(winner, 0u);
+        EXPECT_EQ(found(), winner);
+    }
+}
+
+TEST_F(RegistryTest, LookingIsNeverInTheWayOfTakingAndSeesNoEarlierHolder) {
+    Registry own(mPath);
+    std::atomic<uint64_t> newest{0};
+    std::atomic<bool> ends{false};
+    std::thread looking([&] {
+        while (!ends) {
+            const uint64_t before = newest;
+            const uint64_t seen = found();
+            EXPECT_TRUE(seen == 0 || seen >= before) << seen << " after " << before;
+        }
+    });
+    for (uint64_t i = 1; i <= 2000; ++i) {
+        ASSERT_EQ(own.take(kInterface, "default", reference(i)), OK);
+        newest = i;
+        own.release(kInterface, "default");
+    }
+    ends = true;
+    looking.join();
+}
+
+TEST_F(RegistryTest, NamesThatCouldLeaveTheirFolderOrItsListAreRefused) {
+    struct Case {
+        std::string fqName;
+        std::string instance;
+        status_t expected;
+    };
+    const std::string interface = kInterface;
+    const Case cases[] = {
+            {interface, "default", OK},
+            {interface, "with+plus and space", OK},
+            {interface, std::string(NAME_MAX - 1 - interface.size(), 'x'), OK},
+            {interface, std::string(NAME_MAX - interface.size(), 'x'), BAD_VALUE},
+            {interface, "", BAD_VALUE},
+            {interface, ".", BAD_VALUE},
+            {interface, "..", BAD_VALUE},
+            {interface, "../default", BAD_VALUE},
+            {interface, std::string("a\0b", 3), BAD_VALUE},
+            {interface, "two\nlines", BAD_VALUE},
+            {"", "default", BAD_VALUE},
+            {"../" + interface, "default", BAD_VALUE},
+            {interface + "+x", "default", BAD_VALUE},
+    };
+    Registry own(mPath);
+    for (const Case& each : cases) {
+        EXPECT_EQ(own.take(each.fqName, each.instance, reference(1)), each.expected) << each.instance;
+    }
+    std::vector<RegistryEntry> entries;
+    EXPECT_EQ(own.list(&entries), OK);
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_TRUE(entries[0].instance == "default" && entries[0].fqName == interface &&
+                entries[0].pid == getpid());
+    EXPECT_EQ(entries[1].instance, "with+plus and space");
+}
+
+TEST_F(RegistryTest, AFolderThatOthersMayTouchIsRefused) {
+    struct Case {
+        const char* name;
+        std::function<void()> make;
+        status_t expected;
+    };
+    const auto folder = [this](mode_t mode) {
+        return [this, mode] {
+            mkdir(mPath.c_str(), 0700);
+            chmod(mPath.c_str(), mode);
+        };
+    };
+    const Case cases[] = {
+            {"none yet", [] {}, OK},
+            {"ours", folder(0700), OK},
+            {"readable by others", folder(0704), PERMISSION_DENIED},
+            {"writable by the group", folder(0720), PERMISSION_DENIED},
+            {"a link to a good one",
+             [this] {
+                 mkdir((mFolder + "/real").c_str(), 0700);
+                 EXPECT_EQ(symlink("real", mPath.c_str()), 0);
+             },
+             -ENOTDIR},
+            {"a file", [this] { std::ofstream file(mPath); }, -ENOTDIR},
+            {"another user's",
+             [this] {
+                 mkdir(mPath.c_str(), 0700);
+                 EXPECT_EQ(chown(mPath.c_str(), 1, 1), 0);
+             },
+             PERMISSION_DENIED},
+            {"in a folder that does not exist", [this] { mPath = mFolder + "/no/names"; }, -ENOENT},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        if (geteuid() != 0 && each.name == std::string("another user's")) {
+            continue;  // it takes root to make one
+        }
+        std::filesystem::remove_all(mPath);
+        each.make();
+        for (const char* slash : {"", "/"}) {
+            Registry registry(mPath + slash);
+            EXPECT_EQ(registry.take(kInterface, "default", reference(1)), each.expected);
+        }
+    }
+}
+
+TEST_F(RegistryTest, AFileThatNoHolderMadeIsNoName) {
+    mkdir(mPath.c_str(), 0700);
+    const std::string outside = mFolder + "/outside";
+    std::ofstream(outside) << "precious";
+    struct Case {
+        const char* name;
+        std::function<void()> make;
+    };
+    const Case cases[] = {
+            {"link", [&] { EXPECT_EQ(symlink(outside.c_str(), file().c_str()), 0); }},
+            {"pipe", [&] { EXPECT_EQ(mkfifo(file().c_str(), 0600), 0); }},
+            {"folder", [&] { EXPECT_EQ(mkdir(file().c_str(), 0700), 0); }},
+            {"another user's",
+             [&] {
+                 std::ofstream other(file());
+                 EXPECT_EQ(chown(file().c_str(), 1, 1), 0);
+             }},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        if (geteuid() != 0 && each.name == std::string("another user's")) {
+            continue;  // it takes root to make one
+        }
+        each.make();
+        EXPECT_EQ(found(), 0u);
+        EXPECT_NE(take(1), OK);
+        std::filesystem::remove_all(file());
+    }
+    EXPECT_EQ(std::filesystem::file_size(outside), 8u);
+}
+
+TEST_F(RegistryTest, ADamagedRecordIsNoName) {
+    Registry own(mPath);
+    ASSERT_EQ(own.take(kInterface, "default", reference(1)), OK);
+    std::string good(std::filesystem::file_size(file()), '\0');
+    std::ifstream(file()).read(good.data(), static_cast<std::streamsize>(good.size()));
+    const auto rewrite = [&](const std::string& bytes) {
+        std::filesystem::resize_file(file(), 0);
+        std::ofstream(file(), std::ios::in) << bytes;
+    };
+    for (size_t i = 0; i < good.size(); ++i) {
+        std::string bad = good;
+        bad[i] = static_cast<char>(bad[i] ^ 0x40);
+        rewrite(bad);
+        EXPECT_EQ(found(), 0u) << "byte " << i;
+    }
+    rewrite(good.substr(0, good.size() - 1));
+    EXPECT_EQ(found(), 0u);
+    rewrite("");
+    EXPECT_EQ(found(), 0u);
+    rewrite(good);
+    EXPECT_EQ(found(), 1u);
+}
+
+TEST_F(RegistryTest, AWatchEndsForAnyRegistrationAfterItsStart) {
+    Registry own(mPath);
+    Registry::Watch watch;
+    ASSERT_EQ(watch.start(own), OK);
+    EXPECT_FALSE(watch.wait(0));
+    EXPECT_EQ(own.take(kInterface, "default", reference(1)), OK);
+    EXPECT_TRUE(watch.wait(0));  // it came before the wait
+    EXPECT_EQ(found(), 1u);
+    EXPECT_EQ(found("other"), 0u);
+    EXPECT_FALSE(watch.wait(0)) << "looking is no change";
+    const Child child([&] {
+        usleep(20000);
+        return take(2, "other");
+    });
+    while (found("other") == 0) {
+        ASSERT_TRUE(watch.wait(10000));
+    }
+}
+
+/** Notes what it is told, and waits for it. */
+class Notification : public ::android::hidl::manager::V1_0::IServiceNotification {
+  public:
+    Return<void> onRegistration(const hidl_string& fqName, const hidl_string& name,
+                                bool preexisting) override {
+        const std::lock_guard lock(mLock);
+        mTold.push_back(std::string(fqName) + "/" + std::string(name) +
+                        (preexisting ? " was there" : " came"));
+        mChanged.notify_all();
+        return Void();
+    }
+    std::vector<std::string> afterTelling(size_t count) {
+        std::unique_lock lock(mLock);
+        EXPECT_TRUE(mChanged.wait_for(lock, std::chrono::seconds(20), [&] { return mTold.size() >= count; }));
+        return mTold;
+    }
+
+  private:
+    std::mutex mLock;
+    std::condition_variable mChanged;
+    std::vector<std::string> mTold;
+};
+
+TEST_F(RegistryTest, ANotificationIsCalledForWhatIsThereAndForEachLaterRegistration) {
+    Registry own(mPath);
+    auto* watched = new Registry(mPath);  // used by the notifications' thread until the process ends
+    const sp<ServiceManager> manager = new ServiceManager(*watched);
+    const sp<Notification> early = new Notification;
+    const sp<Notification> late = new Notification;
+    const std::string name = std::string(kInterface) + "/default";
+    EXPECT_FALSE(bool(manager->registerForNotifications(kInterface, "no/name", early)));
+    EXPECT_FALSE(bool(manager->registerForNotifications(kInterface, "default", nullptr)));
+    ASSERT_TRUE(bool(manager->registerForNotifications(kInterface, "default", early)));
+    ASSERT_EQ(own.take(kInterface, "other", reference(1)), OK);
+    ASSERT_EQ(own.take(kInterface, "default", reference(2)), OK);
+    EXPECT_EQ(early->afterTelling(1), (std::vector<std::string>{name + " came"}));
+    ASSERT_TRUE(bool(manager->registerForNotifications(kInterface, "default", late)));
+    EXPECT_EQ(late->afterTelling(1), (std::vector<std::string>{name + " was there"}));
+    own.release(kInterface, "default");
+    ASSERT_EQ(own.take(kInterface, "default", reference(3)), OK);
+    EXPECT_EQ(early->afterTelling(2), (std::vector<std::string>{name + " came", name + " came"}));
+    EXPECT_EQ(late->afterTelling(2), (std::vector<std::string>{name + " was there", name + " came"}));
+
+    EXPECT_TRUE(
+            manager->list([&](const hidl_vec<hidl_string>& names) {
+                       EXPECT_EQ(names, (hidl_vec<hidl_string>{name, std::string(kInterface) + "/other"}));
+                   })
+                    .isOk());
+    EXPECT_TRUE(manager->debugDump([&](const auto& info) {
+                           ASSERT_EQ(info.size(), 2u);
+                           EXPECT_TRUE(info[0].interfaceName == kInterface &&
+                                       info[0].instanceName == "default");
+                           EXPECT_EQ(info[0].pid, getpid());
+                       })
+                        .isOk());
+}
+
+}  // namespace
+}  // namespace android::hardware
