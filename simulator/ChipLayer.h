@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The declarations of the functions that a module's source defines, as the library exports them: everything
+// else in the library is compiled hidden.
+#pragma GCC visibility push(default)
+#include "chiplayer/chiplayer.h"
+#pragma GCC visibility pop

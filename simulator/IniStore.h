@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "simulator/StateDirectory.h"
+
+namespace simulator {
+
+/**
+ * The board's configuration: INI files in the folder ini/ of the state folder.
+ *
+ * A parameter is named by two texts. The first names the file, with or without its ".ini": at most 64
+ * characters out of A-Z a-z 0-9 . _ -, not beginning with a dot. The second is "section:key", or "key" for a
+ * parameter before the first section; at most 255 bytes, of which the section ends at the first colon. A key
+ * with a colon of its own and no section is written ":key". Upper and lower case differ.
+ *
+ * A value is any bytes but NUL and line ends, at most 2047. Where a file has a key twice, the last one
+ * counts.
+ *
+ * Other programs may edit the files at any time; the next read sees it. Every function may be called on any
+ * thread; writes, those of other processes included, come one after the other.
+ */
+class IniStore {
+  public:
+    static constexpr size_t kMaxValueBytes = 2047;
+    static constexpr size_t kMaxNameBytes = 64;
+    static constexpr size_t kMaxParameterBytes = 255;
+    /** Far beyond any real one; what is larger is refused with kBadFile. */
+    static constexpr size_t kMaxFileBytes = 64 * 1024;
+
+    explicit IniStore(const StateDirectory& state);
+    ~IniStore();
+    IniStore(const IniStore&) = delete;
+    IniStore& operator=(const IniStore&) = delete;
+
+    /**
+     * Copies the value, NUL-terminated, into a buffer of size bytes. On failure the buffer holds an empty
+     * text: kNotFound, kBadName, kTooLong, kBadFile, kIoError; kOutOfRange for a null pointer or a size of 0.
+     */
+    int32_t get(const char* file, const char* parameter, char* buffer, size_t size);
+
+    /**
+     * Sets a value; on kOk it is on the disk. kBadName, kOutOfRange (the value), kBadFile, kBusy, kIoError:
+     * nothing has changed, except that after kIoError the change may not survive a power cut.
+     */
+    int32_t set(const char* file, const char* parameter, const char* value);
+
+  private:
+    struct File;
+    static constexpr size_t kCachedFiles = 4;
+
+    int32_t load(const std::string& name, std::shared_ptr<const File>& file);
+
+    const StateDirectory& mState;
+    const std::string mFolderPath;
+
+    // Held by one writer of this process at a time, across the whole write.
+    std::mutex mWriting;
+    std::mutex mCacheMutex;
+    // Guarded by mCacheMutex: parsed files, and the place where the next one goes.
+    std::shared_ptr<const File> mCache[kCachedFiles];
+    size_t mNextSlot = 0;
+};
+
+}  // namespace simulator
