@@ -1,0 +1,14 @@
+#define LOG_TAG "ZvtTvFApiManager(server)"
+
+#include "manager/ClientDeathRecipient.h"
+
+#include "service/frame/Log.h"
+
+namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+void ClientDeathRecipient::serviceDied(uint64_t cookie,
+                                       const ::android::wp<::android::hidl::base::V1_0::IBase>& /*who*/) {
+    FAPI_LOGE("Client disconnect %llu", static_cast<unsigned long long>(cookie));
+}
+
+}  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
+
+#include <cstdint>
+
+#include "chiplayer/types.h"
+
+namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+using ::android::sp;
+using ::android::hardware::hidl_death_recipient;
+using ::android::hardware::Return;
+
+/// Owns the lifecycle of the eight chip-layer modules: made once at start-up, it gives each module its event
+/// handler and then initialises it; destroyed, it undoes both. A module that fails stops neither: the step
+/// that failed is logged, and clients meet the library's own results.
+class ZvtTvFApiManager : public IZvtTvFApiManager {
+  public:
+    /// The service's version, as the log's start line shows it.
+    static constexpr char kVersion[] = "v1.0.0.13";
+
+    ZvtTvFApiManager();
+    ~ZvtTvFApiManager() override;
+
+    // Each calls its function of all eight modules, whatever the earlier ones returned. The result is the
+    // bitwise OR of the eight results: 0 exactly when every module succeeded.
+    Return<int32_t> initCallback();
+    Return<int32_t> initModules();
+    Return<int32_t> deinitCallback();
+    Return<int32_t> deinitModules();
+
+    using Object = fapi_core::ZvtTvFApiEventCommonObject;
+
+    // The modules' event handlers, called on the library's threads, from the moment when they are registered:
+    // even while the constructor still runs. onTvEvent belongs to no module. Result: 0 when every client that
+    // wants events has been told; there are no such clients yet.
+    static int onAudEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                          const Object& stObj3, const Object& stObj4);
+    static int onDispEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                           const Object& stObj3, const Object& stObj4);
+    static int onDispTstEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                              const Object& stObj3, const Object& stObj4);
+    static int onInfoEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                           const Object& stObj3, const Object& stObj4);
+    static int onInpSrcEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                             const Object& stObj3, const Object& stObj4);
+    static int onNetEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                          const Object& stObj3, const Object& stObj4);
+    static int onPrphrlEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                             const Object& stObj3, const Object& stObj4);
+    static int onSysEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                          const Object& stObj3, const Object& stObj4);
+    static int onTvEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
+                         const Object& stObj3, const Object& stObj4);
+
+  private:
+    // Set by the constructor, read-only after.
+    sp<hidl_death_recipient> mDeathRecipient;
+};
+
+}  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

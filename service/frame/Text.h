@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "service/frame/Convert.h"
+
+namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+/// Where the chip-layer library writes a text: Size bytes on the stack, zeroed, terminator included.
+/// Converts to the char* or unsigned char* that the function asks for; the function is told size().
+///
+///     TextBuffer<128> strVersion;
+///     const int32_t s32Ret = forward(a_zvttvfapi_common_get_fapi_version, strVersion, strVersion.size());
+///     _hidl_cb(strVersion.text(), s32Ret);
+template <uint32_t Size>
+class TextBuffer {
+  public:
+    static constexpr uint32_t size() { return Size; }
+
+    explicit operator char*() { return mBytes; }
+    explicit operator unsigned char*() { return reinterpret_cast<unsigned char*>(mBytes); }
+
+    /// What was written, as a NUL-terminated text: at most Size - 1 characters, even if the library filled
+    /// the buffer to its end and left no room for the terminator.
+    const char* c_str() {
+        mBytes[Size - 1] = '\0';
+        return mBytes;
+    }
+
+    /// A copy of c_str().
+    hidl_string text() { return hidl_string(c_str()); }
+
+  private:
+    static_assert(Size > 0, "no room for the terminator");
+    char mBytes[Size] = {};
+};
+
+}  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -1,0 +1,66 @@
+#define LOG_TAG "vendor.zentrovi.tv.zvttvfactory@1.0-service"
+
+#include <android/log.h>
+#include <hidl/HidlTransportSupport.h>
+#include <utils/Errors.h>
+#include <utils/StrongPointer.h>
+
+#include <cstdint>
+
+#include "adapters/audio/ZvtTvFApiAudio.h"
+#include "adapters/display/ZvtTvFApiDisplay.h"
+#include "adapters/displaytest/ZvtTvFApiDisplayTest.h"
+#include "adapters/information/ZvtTvFApiInformation.h"
+#include "adapters/information/ZvtTvFApiTv.h"
+#include "adapters/inputsource/ZvtTvFApiInputSource.h"
+#include "adapters/network/ZvtTvFApiNetwork.h"
+#include "adapters/peripheral/ZvtTvFApiPeripheral.h"
+#include "adapters/system/ZvtTvFApiSystem.h"
+#include "chiplayer/custom.h"
+#include "manager/ZvtTvFApiManager.h"
+#include "service/frame/Debug.h"
+
+using ::android::OK;
+using ::android::sp;
+using ::android::status_t;
+using ::android::hardware::configureRpcThreadpool;
+using ::android::hardware::joinRpcThreadpool;
+using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation;
+
+namespace {
+
+// Creates one interface object and registers it under "default". A refusal ends the process, whatever the
+// debug flag says: half a service is worse than one that the init system starts again.
+template <typename Object>
+sp<Object> registered(const char* name) {
+    sp<Object> object = new Object();
+    const status_t status = object->registerAsService("default");
+    if (status != OK) {
+        __android_log_assert("status != OK", LOG_TAG, "Could not register %s as service", name);
+    }
+    return object;
+}
+
+}  // namespace
+
+int main() {
+    configureRpcThreadpool(10, true /* callerWillJoin */);
+    u8TvFactoryDebug = static_cast<uint8_t>(_a_zvttvfapi_custom_init_debug_level());
+
+    // Clients can call an object as soon as it is registered. The chip-layer modules are up only with the
+    // manager, which comes last; until then the readiness guard answers.
+    const auto zvtTvFApiAudio = registered<ZvtTvFApiAudio>("zvtTvFApiAudio");
+    const auto zvtTvFApiDisplayTest = registered<ZvtTvFApiDisplayTest>("zvtTvFApiDisplayTest");
+    const auto zvtTvFApiDisplay = registered<ZvtTvFApiDisplay>("zvtTvFApiDisplay");
+    const auto zvtTvFApiNetwork = registered<ZvtTvFApiNetwork>("zvtTvFApiNetwork");
+    const auto zvtTvFApiPeripheral = registered<ZvtTvFApiPeripheral>("zvtTvFApiPeripheral");
+    const auto zvtTvFApiInputSource = registered<ZvtTvFApiInputSource>("zvtTvFApiInputSource");
+    const auto zvtTvFApiSystem = registered<ZvtTvFApiSystem>("zvtTvFApiSystem");
+    const auto zvtTvFApiInformation = registered<ZvtTvFApiInformation>("zvtTvFApiInformation");
+    const auto zvtTvFApiTv = registered<ZvtTvFApiTv>("zvtTvFApiTv");
+    const auto zvtTvFApiManager = registered<ZvtTvFApiManager>("zvtTvFApiManager");
+
+    _a_zvttvfapi_custom_init();
+    joinRpcThreadpool();
+    return 0;  // the objects are released in the reverse order of their creation
+}
