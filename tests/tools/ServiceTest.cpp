@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "tests/tools/TestPackage.h"
+
+namespace fapictl {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+/** The tool against a service in a process of its own. */
+class Service : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        char name[] = "/tmp/fapictl-test-XXXXXX";
+        sDirectory = mkdtemp(name);
+        setenv("HIDL_RUNTIME_DIR", (sDirectory + "/run").c_str(), 1);
+    }
+    static void TearDownTestSuite() { std::filesystem::remove_all(sDirectory); }
+
+    ~Service() override { stop(); }
+
+    void start(const std::string& instance) {
+        std::string program = FAPICTL_TEST_SERVICE;
+        std::string argument = instance;
+        char* const arguments[] = {program.data(), argument.data(), nullptr};
+        ASSERT_EQ(posix_spawn(&mPid, program.c_str(), nullptr, nullptr, arguments, environ), 0);
+    }
+    void startAndWait(const std::string& instance) {
+        start(instance);
+        ASSERT_EQ(tool({"wait", "Thing", "--instance", instance, "--timeout", "30"}).code, Exit::Success);
+    }
+    void stop() {
+        if (mPid > 0) {
+            kill(mPid, SIGKILL);
+            waitpid(mPid, nullptr, 0);
+            mPid = 0;
+        }
+    }
+    static Ran tool(const std::vector<std::string>& words) { return ran(testPackage(), words); }
+
+    static std::string sDirectory;
+    pid_t mPid = 0;
+};
+
+std::string Service::sDirectory;
+
+TEST_F(Service, IsWaitedForAndListedWhileItsProcessLives) {
+    Ran waited;
+    std::thread waiter([&] {
+        waited = tool({"wait", "Thing", "--instance", "late", "--timeout", "30", "--json"});
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    start("late");
+    waiter.join();
+    EXPECT_EQ(waited.code, Exit::Success);
+    EXPECT_EQ(waited.out,
+              R"([{"interface":"test.fapictl@1.0::IZvtTvFApiThing","instance":"late","registered":true}])"
+              "\n");
+
+    EXPECT_EQ(tool({"list", "thing", "--instance", "late", "--no-legend"}).out,
+              "test.fapictl@1.0::IZvtTvFApiThing  late  " + std::to_string(mPid) + "\n");
+    stop();
+    const Ran gone = tool({"list", "thing", "--instance", "late"});
+    EXPECT_EQ(gone.code, Exit::NotFound);
+    EXPECT_EQ(gone.out, "");
+}
+
+TEST_F(Service, ThatDoesNotComeIsNotWaitedForLongerThanAsked) {
+    const auto before = std::chrono::steady_clock::now();
+    const Ran waited = tool({"wait", "Thing", "--instance", "never", "--timeout", "0.2"});
+    EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(200));
+    EXPECT_EQ(waited.code, Exit::NotFound);
+    EXPECT_THAT(waited.out, HasSubstr("never     missing"));
+    EXPECT_THAT(waited.err, HasSubstr("not registered within 0.2 s"));
+    for (const char* timeout : {"--timeout=0", "--timeout=0.1"}) {
+        EXPECT_EQ(tool({"call", "thing", "get_level", "--instance", "never", timeout}).code, Exit::NotFound);
+    }
+    EXPECT_EQ(tool({"call", "thing", "get_level", "--instance", "never"}).code, Exit::NotFound);
+}
+
+TEST_F(Service, StatusesDecideTheExitCodeAndTheResultsAreShownAnyway) {
+    startAndWait("default");
+    const struct {
+        std::vector<std::string> words;
+        Exit code;
+        const char* out;
+    } rows[] = {
+            {{"text", "a", "0"},
+             Exit::Success,
+             "strText    string   \"a\"\ns32Status  int32_t  0 (success)\n"},
+            {{"text", "a", "-1"}, Exit::Status, "s32Status  int32_t  -1 (general failure)"},
+            {{"text", "a", "-2"}, Exit::Status, "-2 (invalid argument)"},
+            {{"text", "a", "-4"}, Exit::Status, "-4 (no memory)"},
+            {{"text", "a", "-5"}, Exit::Status, "-5 (not ready)"},
+            {{"text", "a", "12"},
+             Exit::Status,
+             "strText    string   \"a\"\ns32Status  int32_t  12 (library status)"},
+            {{"text", "--json", "--", "-\n", "3"}, Exit::Status, "{\"strText\":\"-\\n\",\"s32Status\":3}\n"},
+            {{"set_watcher", "null"}, Exit::Status, "s32Status  int32_t  -2 (invalid argument)"},
+            {{"get_level"}, Exit::Success, "u8Level  uint8_t  77\n"},
+            {{"hint", "1"}, Exit::Success, "sent; the method gives no answer\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.out);
+        std::vector<std::string> words = {"call", "thing"};
+        words.insert(words.end(), row.words.begin(), row.words.end());
+        const Ran result = tool(words);
+        EXPECT_EQ(result.code, row.code) << result.err;
+        EXPECT_THAT(result.out, HasSubstr(row.out));
+    }
+}
+
+TEST_F(Service, TextAndBytesGoToAFileAsTheyAreUnlessTheMethodFailed) {
+    startAndWait("files");
+    const std::string path = sDirectory + "/out";
+    const auto contents = [&] {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    const auto call = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), {"call", "thing"});
+        words.insert(words.end(), {"--instance", "files"});
+        return tool(words);
+    };
+    const Ran bytes = call({"lists", "00ff0a", "", "", "", "0000", "--out", path});
+    EXPECT_EQ(bytes.code, Exit::Success);
+    EXPECT_THAT(bytes.out, HasSubstr("3 bytes written to " + path));
+    EXPECT_EQ(contents(), std::string("\0\xff\n", 3));
+    EXPECT_EQ(call({"text", "a\tb", "0", "--out", "-"}).out, "a\tb");
+    EXPECT_EQ(call({"text", "new", "-5", "--out", path}).code, Exit::Status);
+    EXPECT_EQ(contents(), std::string("\0\xff\n", 3));
+    EXPECT_EQ(call({"text", "new", "0", "--out", "/dev/full"}).code, Exit::Output);
+    EXPECT_EQ(call({"text", "new", "0", "--out", "/nonexistent/file"}).code, Exit::Output);
+    EXPECT_THAT(call({"get_level", "--out", path}).err, HasSubstr("--out has no effect"));
+}
+
+TEST_F(Service, ThatDiesDuringACallIsATransportFailure) {
+    startAndWait("mortal");
+    const Ran result = tool({"call", "thing", "die", "--instance", "mortal"});
+    EXPECT_EQ(result.code, Exit::Transport);
+    EXPECT_THAT(result.err, HasSubstr("call"));
+}
+
+}  // namespace
+}  // namespace fapictl

@@ -1,0 +1,139 @@
+#include "tools/fapictl/Arguments.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+#include "tools/fapictl/Failure.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Text.h"
+#include "tools/fapictl/Values.h"
+
+namespace fapictl {
+namespace {
+
+/** name.part=value taken apart. */
+struct Assignment {
+    std::string_view name;
+    std::string_view part;  // with its leading '.' or '['
+    std::string_view value;
+};
+
+bool split(std::string_view word, Assignment& out) {
+    const size_t equals = word.find('=');
+    if (equals == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view left = word.substr(0, equals);
+    const size_t end = std::min(left.find_first_of(".["), left.size());
+    out = {left.substr(0, end), left.substr(end), word.substr(equals + 1)};
+    return true;
+}
+
+std::vector<std::string> argumentNames(const Method& method) {
+    std::vector<std::string> names;
+    for (const Field& argument : method.arguments) {
+        names.push_back(argument.label.name);
+    }
+    return names;
+}
+
+size_t findArgument(const Method& method, std::string_view name) {
+    const auto at =
+            std::find_if(method.arguments.begin(), method.arguments.end(),
+                         [&](const Field& argument) { return equalIgnoringCase(argument.label.name, name); });
+    return static_cast<size_t>(at - method.arguments.begin());
+}
+
+bool holdsRecords(const Type& type) {
+    return type.kind == Type::Kind::Record || (type.element != nullptr && holdsRecords(*type.element));
+}
+
+bool isName(std::string_view word) {
+    return !word.empty() && std::all_of(word.begin(), word.end(), [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+    });
+}
+
+/** A positional word with a '=' in it may be an argument's name with a slip of the hand. */
+void refuseMisspeltName(const Method& method, const Field& argument, const std::string& word) {
+    Assignment assignment;
+    if (!split(word, assignment) || !isName(assignment.name) || holdsRecords(*argument.type)) {
+        return;
+    }
+    const std::vector<std::string> names = argumentNames(method);
+    const bool text = argument.type->kind == Type::Kind::Text;
+    const std::string near = nearest(assignment.name, names);
+    if (text && (near.empty() || editDistance(near, assignment.name) > 2)) {
+        return;
+    }
+    std::string message = "no argument " + inQuotes(assignment.name) + suggestion(assignment.name, names);
+    if (text) {
+        message += " To pass it as text, write " + argument.label.name + "=" + word;
+    }
+    throw Failure(Exit::Usage, message);
+}
+
+}  // namespace
+
+std::string argumentTitle(const Field& argument) {
+    return "argument " + argument.label.name;
+}
+
+Json bindArguments(const Method& method, const std::vector<std::string>& words) {
+    const size_t count = method.arguments.size();
+    Json values = Json::array();
+    for (const Field& argument : method.arguments) {
+        values.push_back(zeroValue(*argument.type));
+    }
+    std::vector<bool> given(count);
+    std::vector<std::pair<size_t, Assignment>> named;
+    std::vector<const std::string*> positional;
+    for (const std::string& word : words) {
+        Assignment assignment;
+        const size_t index = split(word, assignment) ? findArgument(method, assignment.name) : count;
+        if (index == count) {
+            positional.push_back(&word);
+        } else {
+            named.emplace_back(index, assignment);
+            given[index] = true;
+        }
+    }
+    // A whole value must not undo the parts that stand before it.
+    std::stable_partition(named.begin(), named.end(),
+                          [](const auto& one) { return one.second.part.empty(); });
+    std::set<std::pair<size_t, std::string_view>> seen;
+    for (const auto& [index, assignment] : named) {
+        const Field& argument = method.arguments[index];
+        if (!seen.emplace(index, assignment.part).second) {
+            throw Failure(Exit::Usage,
+                          argumentTitle(argument) + std::string(assignment.part) + " is given twice");
+        }
+        assign(*argument.type, values[index], assignment.part, assignment.value, argumentTitle(argument));
+    }
+
+    size_t next = 0;
+    for (const std::string* word : positional) {
+        next = static_cast<size_t>(
+                std::find(given.begin() + static_cast<ptrdiff_t>(next), given.end(), false) - given.begin());
+        if (next == count) {
+            throw Failure(Exit::Usage, "one argument too many: " + inQuotes(*word) + "; " + method.name +
+                                               " takes " + (count == 0 ? "none" : std::to_string(count)));
+        }
+        const Field& argument = method.arguments[next];
+        refuseMisspeltName(method, argument, *word);
+        values[next] = parseValue(*argument.type, *word, argumentTitle(argument));
+        given[next] = true;
+    }
+    for (size_t i = 0; i < count; ++i) {
+        if (!given[i]) {
+            const Label& label = method.arguments[i].label;
+            throw Failure(Exit::Usage, argumentTitle(method.arguments[i]) + " (" +
+                                               method.arguments[i].type->name + ") is missing" +
+                                               (label.doc.empty() ? "" : ": " + label.doc));
+        }
+    }
+    return values;
+}
+
+}  // namespace fapictl

@@ -1,0 +1,126 @@
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "tools/fapictl/Arguments.h"
+#include "tools/fapictl/Display.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+namespace {
+
+/** The result that --out writes: the first text or bytes; the number of results when there is none. */
+size_t findPayload(const Method& method) {
+    size_t i = 0;
+    while (i < method.results.size() && method.results[i].type->kind != Type::Kind::Text &&
+           !method.results[i].type->isBytes()) {
+        ++i;
+    }
+    return i;
+}
+
+void writePayload(const Context& context, const Json& value) {
+    const std::string& path = context.options.out;
+    std::ofstream file;
+    if (path != "-") {
+        file.open(path, std::ios::binary | std::ios::trunc);
+    }
+    std::ostream& out = path == "-" ? context.out : file;
+    if (value.is_binary()) {
+        const std::vector<uint8_t>& bytes = value.get_binary();
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    } else {
+        out << value.get_ref<const std::string&>();
+    }
+    if (!out.flush()) {
+        throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
+    }
+}
+
+sp<IBase> findService(const Context& context, const Interface& interface) {
+    const Options& options = context.options;
+    if (options.timeout) {
+        waitFor({&interface}, options.instance, options.timeout);
+    }
+    sp<IBase> service = interface.find(options.instance);
+    if (service == nullptr) {
+        throw Failure(Exit::NotFound, interface.descriptor + "/" + options.instance + " is not registered" +
+                                              (options.timeout ? " in time" : "; is the service running?"));
+    }
+    return service;
+}
+
+void print(const Context& context, const Method& method, const Json& results, size_t payload) {
+    const Options& options = context.options;
+    Table table({"RESULT", "TYPE", "VALUE"});
+    Json json = Json::object();
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        const Field& result = method.results[i];
+        if (i == payload) {
+            const size_t size = results[i].is_binary() ? results[i].get_binary().size()
+                                                       : results[i].get_ref<const std::string&>().size();
+            table.row({result.label.name, result.type->name,
+                       std::to_string(size) + " bytes written to " + escaped(options.out)});
+            json[result.label.name] = {{"file", options.out}, {"size", size}};
+        } else {
+            addRows(table, result, results[i]);
+            json[result.label.name] = forPrograms(*result.type, results[i]);
+        }
+    }
+    if (!options.json.empty()) {
+        printJson(context, json);
+    } else if (!table.empty()) {
+        table.print(context.out, !options.noLegend);
+    } else if (!options.noLegend) {
+        context.out << (method.oneway ? "sent; the method gives no answer\n"
+                                      : "done; the method has no results\n");
+    }
+}
+
+}  // namespace
+
+Exit call(const Context& context) {
+    const Options& options = context.options;
+    const Interface& interface = findInterface(context.package, options.words[0]);
+    if (!interface.isService) {
+        throw Failure(Exit::Usage, shortName(interface) + " is implemented by clients, it cannot be called");
+    }
+    const Method& method = findMethod(interface, options.words[1]);
+    const Json arguments =
+            bindArguments(method, std::vector<std::string>(options.words.begin() + 2, options.words.end()));
+    size_t payload = findPayload(method);
+    if (!options.out.empty() && payload == method.results.size()) {
+        context.err << "fapictl: --out has no effect: the method has no text or bytes among its results\n";
+    } else if (options.out.empty()) {
+        payload = method.results.size();
+    }
+
+    const sp<IBase> service = findService(context, interface);
+    const Reply reply = method.call(*service, arguments);
+    if (!reply.failure.empty()) {
+        throw Failure(Exit::Transport,
+                      (reply.dead ? "the service died during the call: " : "the call failed: ") +
+                              escaped(reply.failure));
+    }
+
+    int64_t status = 0;
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        if (method.results[i].label.name == kStatusResult) {
+            status = reply.results[i].get<int64_t>();
+        }
+    }
+    if (status != 0 && payload != method.results.size()) {
+        context.err << "fapictl: " << escaped(options.out) << " is not written, since the method failed\n";
+        payload = method.results.size();
+    }
+    if (payload != method.results.size()) {
+        writePayload(context, reply.results[payload]);
+    }
+    if (payload == method.results.size() || options.out != "-") {
+        print(context, method, reply.results, payload);
+    }
+    return status == 0 ? Exit::Success : Exit::Status;
+}
+
+}  // namespace fapictl

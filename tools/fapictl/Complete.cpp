@@ -1,0 +1,178 @@
+#include "tools/fapictl/Complete.h"
+
+#include <algorithm>
+#include <set>
+
+#include "tools/fapictl/Failure.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Values.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+namespace {
+
+bool startsWith(const std::string& text, const std::string& start) {
+    return text.size() >= start.size() && equalIgnoringCase(text.substr(0, start.size()), start);
+}
+
+/** Joins what the shell has split at '=' and ':'. */
+std::vector<std::string> joined(const std::vector<std::string>& words) {
+    std::vector<std::string> out;
+    bool glue = false;
+    for (const std::string& word : words) {
+        const bool mark = !word.empty() && word.find_first_not_of("=:") == std::string::npos;
+        if (!out.empty() && (mark || glue)) {
+            out.back() += word;
+        } else {
+            out.push_back(word);
+        }
+        glue = mark;
+    }
+    return out;
+}
+
+/** The verb, its words and the one to complete; options and their values are left out. */
+struct Line {
+    const Verb* verb = nullptr;
+    std::vector<std::string> words;
+    std::string current;
+    std::string optionBefore;  // the current word is this option's value
+};
+
+Line parse(const std::vector<std::string>& words) {
+    static const std::set<std::string> withValue = {"--instance", "--timeout", "--out"};
+    Line line;
+    line.current = words.back();
+    for (size_t i = 0; i + 1 < words.size(); ++i) {
+        if (withValue.count(words[i]) > 0) {
+            if (i + 2 == words.size()) {
+                line.optionBefore = words[i];
+            }
+            ++i;
+        } else if (startsWith(words[i], "--")) {
+            continue;
+        } else if (line.verb == nullptr) {
+            const auto at = std::find_if(verbs().begin(), verbs().end(),
+                                         [&](const Verb& verb) { return words[i] == verb.name; });
+            if (at == verbs().end()) {
+                line.optionBefore = "unknown verb";
+                return line;
+            }
+            line.verb = &*at;
+        } else {
+            line.words.push_back(words[i]);
+        }
+    }
+    return line;
+}
+
+std::vector<std::string> keep(std::vector<std::string> candidates, const std::string& start) {
+    candidates.erase(std::remove_if(candidates.begin(), candidates.end(),
+                                    [&](const std::string& one) { return !startsWith(one, start); }),
+                     candidates.end());
+    return candidates;
+}
+
+/** The shortest form of each name that begins as the word does. */
+template <class T, class Short>
+std::vector<std::string> names(const std::vector<T>& all, const std::string& start, Short shortest) {
+    std::vector<std::string> candidates;
+    for (const T& one : all) {
+        std::vector<std::string> all_forms = forms(one);
+        const std::string shortForm = shortest(one);
+        while (!all_forms.empty()) {
+            // Forms shorter than the shortest would name something else.
+            if (startsWith(all_forms.back(), start) && all_forms.back().size() >= shortForm.size()) {
+                candidates.push_back(all_forms.back());
+                break;
+            }
+            all_forms.pop_back();
+        }
+    }
+    return candidates;
+}
+
+std::vector<std::string> completeArgument(const Method& method, const Line& line) {
+    std::set<std::string> named;
+    size_t positional = 0;
+    for (size_t i = 2; i < line.words.size(); ++i) {
+        const size_t end = line.words[i].find_first_of("=.[");
+        if (end == std::string::npos) {
+            ++positional;
+        } else {
+            named.insert(line.words[i].substr(0, end));
+        }
+    }
+    std::vector<std::string> candidates;
+    for (const Field& argument : method.arguments) {
+        const std::string& name = argument.label.name;
+        if (named.count(name) > 0) {
+            continue;
+        }
+        if (positional > 0) {
+            --positional;
+            continue;
+        }
+        const std::string prefix = name + "=";
+        if (startsWith(line.current, prefix)) {
+            for (const std::string& choice : choices(*argument.type)) {
+                candidates.push_back(prefix + choice);
+            }
+        } else {
+            candidates.push_back(prefix);
+        }
+    }
+    return keep(candidates, line.current);
+}
+
+}  // namespace
+
+std::vector<std::string> complete(const Package& package, const std::vector<std::string>& split) {
+    const std::vector<std::string> words = joined(split.empty() ? std::vector<std::string>{""} : split);
+    const Line line = parse(words);
+    if (!line.optionBefore.empty()) {
+        return {};
+    }
+    if (startsWith(line.current, "--json=")) {
+        return keep({"--json=short", "--json=pretty"}, line.current);
+    }
+    if (startsWith(line.current, "-")) {
+        std::vector<std::string> options = {"--help"};
+        for (const Verb& verb : verbs()) {
+            if (line.verb == nullptr || line.verb == &verb) {
+                for (const std::string& option : verb.options) {
+                    options.push_back("--" + option);
+                }
+            }
+        }
+        std::sort(options.begin(), options.end());
+        options.erase(std::unique(options.begin(), options.end()), options.end());
+        return keep(options, line.current);
+    }
+    if (line.verb == nullptr) {
+        std::vector<std::string> all;
+        for (const Verb& verb : verbs()) {
+            all.push_back(verb.name);
+        }
+        return keep(all, line.current);
+    }
+    const bool listsInterfaces = line.verb->mostWords == SIZE_MAX && line.verb->fewestWords == 0;
+    if (line.words.empty() || listsInterfaces) {
+        return names(package.interfaces, line.current, [](const Interface& one) { return shortName(one); });
+    }
+    try {
+        const Interface& interface = findInterface(package, line.words[0]);
+        if (line.words.size() == 1) {
+            return names(interface.methods, line.current,
+                         [&](const Method& one) { return shortName(interface, one); });
+        }
+        if (line.verb->mostWords > line.words.size()) {
+            return completeArgument(findMethod(interface, line.words[1]), line);
+        }
+    } catch (const Failure&) {
+        // A name that does not exist has no arguments to offer.
+    }
+    return {};
+}
+
+}  // namespace fapictl

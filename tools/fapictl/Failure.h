@@ -1,0 +1,24 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace fapictl {
+
+/** What the process ends with. */
+enum class Exit {
+    Success = 0,
+    Status = 1,     // the method reported a status other than 0
+    Usage = 2,      // a name, option or argument is wrong; nothing was called
+    NotFound = 3,   // the service is not registered, or was not in time
+    Transport = 4,  // the call did not come back
+    Output = 5,     // the results could not be written
+};
+
+/** Ends the command: the message goes to standard error, the code to the caller. */
+struct Failure : std::runtime_error {
+    Failure(Exit exit, const std::string& message) : std::runtime_error(message), code(exit) {}
+    Exit code;
+};
+
+}  // namespace fapictl

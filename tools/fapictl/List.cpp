@@ -1,0 +1,91 @@
+#include <hidl/ServiceManagement.h>
+
+#include <android/hidl/manager/1.0/IServiceManager.h>
+
+#include <algorithm>
+#include <tuple>
+
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Text.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+namespace {
+
+struct Instance {
+    std::string interface;
+    std::string name;
+    int32_t pid;
+};
+
+std::vector<Instance> registered() {
+    using android::hidl::manager::V1_0::IServiceManager;
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    if (manager == nullptr) {
+        throw Failure(Exit::Transport, "there is no service registry");
+    }
+    std::vector<Instance> instances;
+    const auto status = manager->debugDump([&](const auto& infos) {
+        for (const IServiceManager::InstanceDebugInfo& info : infos) {
+            instances.push_back({info.interfaceName, info.instanceName, info.pid});
+        }
+    });
+    if (!status.isOk()) {
+        throw Failure(Exit::Transport, "the service registry did not answer: " + status.description());
+    }
+    std::sort(instances.begin(), instances.end(), [](const Instance& a, const Instance& b) {
+        return std::tie(a.interface, a.name) < std::tie(b.interface, b.name);
+    });
+    return instances;
+}
+
+}  // namespace
+
+Exit list(const Context& context) {
+    const Options& options = context.options;
+    std::vector<const Interface*> wanted;
+    for (const std::string& word : options.words) {
+        for (const Interface* interface : selectInterfaces(context.package, word)) {
+            wanted.push_back(interface);
+        }
+    }
+    const auto isShown = [&](const Instance& instance) {
+        if (options.instanceGiven && instance.name != options.instance) {
+            return false;
+        }
+        const auto is = [&](const Interface& interface) {
+            return interface.descriptor == instance.interface;
+        };
+        if (!wanted.empty()) {
+            return std::any_of(wanted.begin(), wanted.end(), [&](const Interface* one) { return is(*one); });
+        }
+        const std::vector<Interface>& known = context.package.interfaces;
+        return options.all || std::any_of(known.begin(), known.end(), is);
+    };
+
+    Table table({"INTERFACE", "INSTANCE", "PID"});
+    Json json = Json::array();
+    for (const Instance& instance : registered()) {
+        if (isShown(instance)) {
+            table.row({escaped(instance.interface), escaped(instance.name), std::to_string(instance.pid)});
+            json.push_back(
+                    {{"interface", instance.interface}, {"instance", instance.name}, {"pid", instance.pid}});
+        }
+    }
+    if (!options.json.empty()) {
+        printJson(context, json);
+    } else if (!table.empty()) {
+        table.print(context.out, !options.noLegend);
+    }
+    if (!table.empty()) {
+        return Exit::Success;
+    }
+    if (options.json.empty()) {
+        context.err << "fapictl: nothing is registered"
+                    << (wanted.empty() && !options.instanceGiven ? "; is the service running?\n"
+                                                                 : " by that name\n");
+    }
+    return wanted.empty() && !options.instanceGiven ? Exit::Success : Exit::NotFound;
+}
+
+}  // namespace fapictl
