@@ -6,6 +6,25 @@ Block allocateBlock(size_t size) {
     return Block(static_cast<uint8_t*>(std::malloc(size)));
 }
 
+namespace {
+thread_local SizedBlock tSpare;
+}
+
+SizedBlock takeSpareBlock() {
+    if (tSpare.capacity > 0) {
+        return {std::move(tSpare.block), std::exchange(tSpare.capacity, 0)};
+    }
+    Block block = allocateBlock(kSmallBlockBytes);
+    const size_t capacity = block == nullptr ? 0 : kSmallBlockBytes;
+    return {std::move(block), capacity};
+}
+
+void returnSpareBlock(SizedBlock block) {
+    if (block.capacity > tSpare.capacity && block.capacity <= kMaxSpareBytes) {
+        tSpare = std::move(block);
+    }
+}
+
 const char* Message::checkHeader(const MessageHeader& header) {
     if (header.magic != kMessageMagic) {
         return "a message begins with the magic number";

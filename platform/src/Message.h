@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 namespace android::hardware {
 
@@ -112,6 +113,21 @@ using Block = std::unique_ptr<uint8_t, FreeDeleter>;
 /** Memory for a message, aligned for any scalar; null when there is none. */
 Block allocateBlock(size_t size);
 
+/** A block and how much it holds. */
+struct SizedBlock {
+    Block block;
+    size_t capacity = 0;
+};
+
+/**
+ * Where to receive a reply of unknown length: the block of this thread's last reply if it was returned, else
+ * a new one of kSmallBlockBytes. A caller that reads results of one size in a loop so gets each in one
+ * receive, into memory that is there already. A thread keeps one block of at most kMaxSpareBytes.
+ */
+SizedBlock takeSpareBlock();
+void returnSpareBlock(SizedBlock block);
+constexpr size_t kMaxSpareBytes = 160 * 1024;
+
 /**
  * A received message inside a block whose lengths have been checked. It owns the block or looks into one that
  * outlives it.
@@ -121,13 +137,19 @@ class Message {
     Message() = default;
     /** Looks into bytes that check() has accepted. */
     explicit Message(uint8_t* bytes) : mBytes(bytes) {}
-    explicit Message(Block block) : mBlock(std::move(block)), mBytes(mBlock.get()) {}
+    explicit Message(Block block) : mBlock{std::move(block), 0}, mBytes(mBlock.block.get()) {}
+    /** The block goes back to the thread that ends the message. */
+    explicit Message(SizedBlock block) : mBlock(std::move(block)), mBytes(mBlock.block.get()) {}
     Message(Message&& other) noexcept { *this = std::move(other); }
     Message& operator=(Message&& other) noexcept {
-        mBlock = std::move(other.mBlock);
-        mBytes = other.mBytes;
-        other.mBytes = nullptr;
+        std::swap(mBlock, other.mBlock);
+        std::swap(mBytes, other.mBytes);
         return *this;
+    }
+    ~Message() {
+        if (mBlock.capacity > 0) {
+            returnSpareBlock(std::move(mBlock));
+        }
     }
 
     bool empty() const { return mBytes == nullptr; }
@@ -152,7 +174,7 @@ class Message {
     static const char* check(uint8_t* bytes);
 
   private:
-    Block mBlock;
+    SizedBlock mBlock;
     uint8_t* mBytes = nullptr;
 };
 

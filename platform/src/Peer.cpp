@@ -139,13 +139,14 @@ status_t Peer::afterBreak(CallConnection connection) {
 }
 
 status_t Peer::receiveReply(int fd, Message* message) {
-    Block block = allocateBlock(kSmallBlockBytes);
+    SizedBlock space = takeSpareBlock();
+    Block& block = space.block;
     if (block == nullptr) {
         return NO_MEMORY;
     }
     size_t have = 0;
     while (have < sizeof(MessageHeader)) {
-        const ssize_t got = receiveSome(fd, block.get() + have, kSmallBlockBytes - have, 0);
+        const ssize_t got = receiveSome(fd, block.get() + have, space.capacity - have, 0);
         if (got <= 0) {
             return DEAD_OBJECT;
         }
@@ -157,13 +158,13 @@ status_t Peer::receiveReply(int fd, Message* message) {
     if (rule == nullptr && (head.kind != MessageKind::Reply || have > head.totalBytes)) {
         rule = "a call is answered with one reply";
     }
-    if (rule == nullptr && head.totalBytes > kSmallBlockBytes) {
+    if (rule == nullptr && head.totalBytes > space.capacity) {
         Block whole = allocateBlock(head.totalBytes);
         if (whole == nullptr) {
             return NO_MEMORY;
         }
         std::memcpy(whole.get(), block.get(), have);
-        block = std::move(whole);
+        space = {std::move(whole), head.totalBytes};
     }
     while (rule == nullptr && have < head.totalBytes) {
         const ssize_t got = receiveSome(fd, block.get() + have, head.totalBytes - have, MSG_WAITALL);
@@ -179,7 +180,7 @@ status_t Peer::receiveReply(int fd, Message* message) {
         drop(rule);
         return DEAD_OBJECT;
     }
-    *message = Message(std::move(block));
+    *message = Message(std::move(space));
     return OK;
 }
 

@@ -129,13 +129,14 @@ inline constexpr bool isChipArgument = details::isConvertible<Parameter, Argumen
 
 /// Converts one argument to the type that the chip-layer function declares for it:
 ///
-/// | argument | parameter |
-/// |---|---|
-/// | hidl_string | const char*, const unsigned char*: the text's own NUL-terminated bytes, valid as long as
-/// the text | | bool | unsigned char 0 or 1, or bool | | integer | an integer of the same width; the sign may
-/// change, the bits do not | | HIDL enumeration with a ChipTwin | its twin, see toTwin() | | Cell, LentText,
-/// TextBuffer, Scratch | the pointer that the object stands for | | pointer, reference or record of the
-/// parameter's own type | itself |
+/// - hidl_string to const char* or const unsigned char*: the text's own NUL-terminated bytes, valid as long
+/// as
+///   the text;
+/// - bool to unsigned char 0 or 1, or to bool;
+/// - an integer to an integer of the same width: the sign may change, the bits do not;
+/// - a HIDL enumeration with a ChipTwin to its twin, see toTwin();
+/// - Cell, LentText, TextBuffer or Scratch to the pointer that the object stands for;
+/// - a pointer, reference or record of the parameter's own type to itself.
 ///
 /// Everything else does not compile: a narrowing (of a count, say) or widening is written at the call.
 template <typename Parameter, typename Argument>

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "service/frame/Convert.h"
 
@@ -28,8 +29,13 @@ class TextBuffer {
         return mBytes;
     }
 
-    /// A copy of c_str().
-    hidl_string text() { return hidl_string(c_str()); }
+    /// c_str() as a HIDL text that refers to the buffer and must not outlive it.
+    hidl_string text() {
+        hidl_string result;
+        const char* characters = c_str();
+        result.setToExternal(characters, std::strlen(characters));
+        return result;
+    }
 
   private:
     static_assert(Size > 0, "no room for the terminator");

@@ -51,7 +51,7 @@ class hidl_handle {
     const native_handle_t* getNativeHandle() const { return nullptr; }
 
   private:
-    uint64_t mReserved[2] = {};
+    [[maybe_unused]] uint64_t mReserved[2] = {};
 };
 
 /** Place of shared memory in a record. The host does not carry it: it is always empty. */
@@ -60,7 +60,7 @@ class hidl_memory {
     uint64_t size() const { return 0; }
 
   private:
-    uint64_t mReserved[5] = {};
+    [[maybe_unused]] uint64_t mReserved[5] = {};
 };
 
 /** Any combination of the values of an enumeration, as a number. */
