@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Writes the seeds under fuzz/corpus/, each named after what it tries. To be run again when the messages' layout
+changes (platform/src/Message.h)."""
+
+import pathlib
+import struct
+
+CORPUS = pathlib.Path(__file__).parent / "corpus"
+NO_PARENT = 0xFFFFFFFF
+CALL, ONE_WAY = 3, 5
+
+
+def padded(data):
+    return data + bytes(-len(data) % 8)
+
+
+def message(code, scalars=b"", buffers=(), kind=CALL, magic=0x315A5448, total=None, count=None, scalar_bytes=None):
+    """buffers: (bytes, parent, offset of the pointer in the parent)."""
+    table = b"".join(struct.pack("<4I", len(data), parent, offset, 0) for data, parent, offset in buffers)
+    body = table + padded(scalars) + b"".join(padded(data) for data, _, _ in buffers)
+    head = struct.pack("<4I2Qi3I", magic, 48 + len(body) if total is None else total, kind, code, 1, 2, 0,
+                       len(scalars) if scalar_bytes is None else scalar_bytes,
+                       len(buffers) if count is None else count, 0)
+    return head + body
+
+
+def record(size, owns=0):
+    """A text or vector as it lies in a message: a pointer, a size, whether it owns the memory."""
+    return struct.pack("<QIB3x", 0xDEADBEEFDEADBEEF, size, owns)
+
+
+def texts(*values):
+    buffers = []
+    for value in values:
+        buffers += [(record(len(value), owns=1), NO_PARENT, 0), (value + b"\0", len(buffers), 0)]
+    return buffers
+
+
+def parcel(reads, scalars=b"", buffers=(), **head):
+    return bytes(reads).ljust(16, b"\0") + message(1, scalars, buffers, **head)
+
+
+NUMBER, TEXT, BUFFER_16, NUMBERS, TEXTS, OBJECT = 0, 1, 2 + 6 * 2, 3, 4, 5
+two_texts = [(record(2), NO_PARENT, 0), (record(1) + record(0), 0, 0), (b"a\0", 1, 0), (b"\0", 1, 16)]
+
+parcels = {
+    "numbers_then_text": parcel([NUMBER, NUMBER, TEXT], struct.pack("<2I", 1, 2) + b"text\0"),
+    "text_without_end": parcel([TEXT], b"text"),
+    "buffer": parcel([BUFFER_16], buffers=[(bytes(16), NO_PARENT, 0)]),
+    "buffer_of_another_size": parcel([BUFFER_16], buffers=[(bytes(24), NO_PARENT, 0)]),
+    "vector": parcel([NUMBERS], buffers=[(record(3), NO_PARENT, 0), (bytes(6), 0, 0)]),
+    "vector_longer_than_its_buffer": parcel([NUMBERS], buffers=[(record(4), NO_PARENT, 0), (bytes(6), 0, 0)]),
+    "vector_whose_size_overflows": parcel([NUMBERS], buffers=[(record(0x80000000), NO_PARENT, 0), (b"", 0, 0)]),
+    "vector_that_owns_foreign_memory": parcel([NUMBERS], buffers=[(record(0, 1), NO_PARENT, 0), (b"", 0, 0)]),
+    "vector_of_texts": parcel([TEXTS], buffers=two_texts),
+    "vector_of_texts_read_twice": parcel([TEXTS, TEXTS], buffers=two_texts),
+    "pointer_beyond_its_parent": parcel([NUMBERS], buffers=[(record(3), NO_PARENT, 0), (bytes(6), 0, 16)]),
+    "parent_after_its_child": parcel([NUMBERS], buffers=[(bytes(6), 1, 0), (record(3), NO_PARENT, 0)]),
+    "parent_that_is_the_child": parcel([NUMBERS], buffers=[(record(3), 0, 0)]),
+    "object": parcel([OBJECT], struct.pack("<Q", 1) + bytes(32)),
+    "object_null": parcel([OBJECT], bytes(40)),
+    "length_too_large": parcel([NUMBER], bytes(8), total=0x100008),
+    "length_too_small": parcel([NUMBER], bytes(8), total=40),
+    "table_larger_than_message": parcel([NUMBER], bytes(8), count=0x10000000),
+    "scalars_larger_than_message": parcel([NUMBER], bytes(8), scalar_bytes=0xFFFFFFFF),
+    "wrong_magic": parcel([NUMBER], bytes(8), magic=0),
+}
+
+token = b"vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiInformation\0"
+base = b"android.hidl.base@1.0::IBase\0"
+GET_INI, SET_INI, IP_STATUS, VERSION = 1, 2, 3, 4
+CHAIN, DESCRIPTOR, PING = (0x0F000000 | sum(ord(c) << s for c, s in zip(n, (16, 8, 0))) for n in ("CHN", "DSC", "PNG"))
+
+calls = {
+    "get_ini": message(GET_INI, token, texts(b"panel", b"backlight:default")),
+    "get_ini_outside_the_folder": message(GET_INI, token, texts(b"../identity", b"serial")),
+    "get_ini_one_text_missing": message(GET_INI, token, texts(b"panel")),
+    "get_ini_text_without_end": message(GET_INI, token, [(record(5), NO_PARENT, 0), (b"panel!", 0, 0)]),
+    "get_ini_text_longer_than_its_buffer": message(GET_INI, token, [(record(99), NO_PARENT, 0), (b"panel\0", 0, 0)]),
+    "set_ini": message(SET_INI, token, texts(b"panel", b"backlight:level", b"80")),
+    "set_ini_value_with_line_end": message(SET_INI, token, texts(b"panel", b"a:b", b"1\n[c]\nd = 2")),
+    "set_ini_value_with_nul": message(SET_INI, token, texts(b"panel", b"a:b", b"1\x002")),
+    "set_ini_value_too_long": message(SET_INI, token, texts(b"panel", b"a:b", b"v" * 2048)),
+    "ip_status": message(IP_STATUS, token + struct.pack("<I", 3)),
+    "ip_status_out_of_range": message(IP_STATUS, token + struct.pack("<I", 0xFFFFFFFF)),
+    "ip_status_without_number": message(IP_STATUS, token),
+    "version": message(VERSION, token),
+    "version_as_one_way": message(VERSION, token, kind=ONE_WAY),
+    "token_of_another_interface": message(VERSION, base),
+    "method_that_does_not_exist": message(5, token),
+    "interface_chain": message(CHAIN, base),
+    "interface_descriptor": message(DESCRIPTOR, base),
+    "ping": message(PING, base),
+}
+
+names = {
+    "a_name": b"vendor.example@1.0::IThing\ndefault\n",
+    "separator_in_the_instance": b"vendor.example@1.0::IThing\na+b\n",
+    "path_in_the_instance": b"vendor.example@1.0::IThing\n../default\n",
+    "no_instance": b"vendor.example@1.0::IThing\n\n",
+    "longest_name": b"I" * 246 + b"\ninstance\n",
+    "one_byte_too_long": b"I" * 247 + b"\ninstance\n",
+    "record_of_another_version": b"a@1.0::I\nb\n" + struct.pack("<2I", 0x4E5A5448, 2),
+    "record_with_bytes_behind": b"a@1.0::I\nb\n",
+}
+
+for target, seeds in ("fuzz-parcel", parcels), ("fuzz-information", calls), ("fuzz-registry", names):
+    folder = CORPUS / target
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, data in seeds.items():
+        (folder / name).write_bytes(data)
