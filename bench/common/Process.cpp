@@ -1,0 +1,89 @@
+#include "bench/common/Process.h"
+
+#include <errno.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+
+namespace bench {
+
+Child::Child(const std::string& program, const std::vector<std::string>& arguments, int standardInput) {
+    std::vector<char*> argv{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    }
+    argv.push_back(nullptr);
+    mPid = fork();
+    if (mPid < 0) {
+        failOnCall("fork");
+    }
+    if (mPid == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (standardInput >= 0) {
+            dup2(standardInput, STDIN_FILENO);
+        }
+        execv(argv[0], argv.data());
+        const char complaint[] = "can not start a program of the benchmark\n";
+        (void)!write(STDERR_FILENO, complaint, sizeof(complaint) - 1);
+        _exit(127);
+    }
+}
+
+Child::~Child() {
+    kill(mPid, SIGKILL);
+    waitpid(mPid, nullptr, 0);
+}
+
+TemporaryFolder::TemporaryFolder() {
+    mPath = std::filesystem::temp_directory_path() / "zvttv-bench-XXXXXX";
+    if (mkdtemp(mPath.data()) == nullptr) {
+        failOnCall("mkdtemp");
+    }
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+}
+
+OneCpu::OneCpu() {
+    if (sched_getaffinity(0, sizeof(mBefore), &mBefore) != 0) {
+        failOnCall("sched_getaffinity");
+    }
+    // The last one: the first handles the most interrupts.
+    int last = CPU_SETSIZE - 1;
+    while (last > 0 && !CPU_ISSET(last, &mBefore)) {
+        --last;
+    }
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(last, &one);
+    if (sched_setaffinity(0, sizeof(one), &one) != 0) {
+        failOnCall("sched_setaffinity");
+    }
+}
+
+OneCpu::~OneCpu() {
+    sched_setaffinity(0, sizeof(mBefore), &mBefore);
+}
+
+std::string sibling(const std::string& name) {
+    return std::filesystem::read_symlink("/proc/self/exe").replace_filename(name);
+}
+
+void fail(const std::string& what) {
+    std::cerr << "bench: " << what << "\n";
+    std::exit(2);
+}
+
+void failOnCall(const std::string& call) {
+    fail(call + ": " + std::strerror(errno));
+}
+
+}  // namespace bench
