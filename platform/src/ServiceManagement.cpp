@@ -32,7 +32,7 @@ status_t takeAll(const std::vector<std::string>& names, const std::string& insta
         const status_t status = registry().take(names[i], instance, reference);
         if (status != OK) {
             ALOGE("%s/%s is not registered: %s", names[i].c_str(), instance.c_str(),
-                  statusText(status).c_str());
+                  status == ALREADY_EXISTS ? "a live process holds the name" : statusText(status).c_str());
             while (i-- > 0) {
                 registry().release(names[i], instance);
             }

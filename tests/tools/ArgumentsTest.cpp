@@ -39,7 +39,7 @@ TEST(Arguments, ArePositionalOrNamedInAnyMixture) {
             {"lists", {"@/dev/null", "1", "", "", "au8Pair=0102"}, R"(,[1],[],[],)"},
             {"get_level", {}, "[]"},
             {"text", {"hello"}, "argument s32Report (int32_t) is missing"},
-            {"text", {"a", "0", "b"}, "one argument too many: \"b\"; a_hidl_zvttvfapi_thing_text takes 2"},
+            {"text", {"a", "0", "b"}, "one argument too many: \"b\"; a_hidl_zvttvfapi_thg_text takes 2"},
             {"get_level", {"1"}, "takes none"},
             {"text", {"a", "s32Report=0", "s32Report=0"}, "argument s32Report is given twice"},
             {"text", {"a", "s32Repotr=0"}, "no argument \"s32Repotr\"; did you mean \"s32Report\"?"},
@@ -92,9 +92,9 @@ TEST(Calls, CarryEveryTypeThereAndBack) {
 
 TEST(Calls, TakeAnyByteOfAPeerForABool) {
     struct Rogue : test::fapictl::V1_0::Thing {
-        android::hardware::Return<void> a_hidl_a_zvttvfapi_thing_everything(
+        android::hardware::Return<void> a_hidl_a_zvttvfapi_thg_everything(
                 const test::fapictl::V1_0::Everything& all,
-                a_hidl_a_zvttvfapi_thing_everything_cb cb) override {
+                a_hidl_a_zvttvfapi_thg_everything_cb cb) override {
             test::fapictl::V1_0::Everything changed = all;
             std::memset(&changed.stLamp.bOn, 0xfe, 1);
             cb(changed, 0);
@@ -109,9 +109,9 @@ TEST(Calls, TakeAnyByteOfAPeerForABool) {
 
 TEST(Calls, WithoutResultsFromTheServiceAreFailures) {
     struct Silent : test::fapictl::V1_0::Thing {
-        android::hardware::Return<void> a_hidl_zvttvfapi_thing_text(const android::hardware::hidl_string&,
-                                                                    int32_t,
-                                                                    a_hidl_zvttvfapi_thing_text_cb) override {
+        android::hardware::Return<void> a_hidl_zvttvfapi_thg_text(const android::hardware::hidl_string&,
+                                                                  int32_t,
+                                                                  a_hidl_zvttvfapi_thg_text_cb) override {
             return android::hardware::Void();
         }
     };

@@ -68,7 +68,7 @@ TEST(Introspect, ShowsAMethodWithItsTypesAndDocumentation) {
     const Ran result = ran(testPackage(), {"introspect", "thing", "scalars"});
     EXPECT_EQ(result.code, Exit::Success);
     for (const char* text :
-         {"a_hidl_a_zvttvfapi_thing_scalars of test.fapictl@1.0::IZvtTvFApiThing", "Returns every scalar.",
+         {"a_hidl_a_zvttvfapi_thg_scalars of test.fapictl@1.0::IZvtTvFApiThing", "Returns every scalar.",
           "s64       int64_t   a number on two lines", "u32      uint32_t  [Hz] the frequency",
           "GREEN   5       The eye sees it best.", "BELOW  -1"}) {
         EXPECT_THAT(result.out, HasSubstr(text));
@@ -83,8 +83,8 @@ TEST(Introspect, FiltersCompose) {
     EXPECT_EQ(some.out, "oneway notifyEvent(uint32_t u32Type, Lamp stLamp)\n");
     const Ran twins = ran(testPackage(), {"introspect", "thing", "twi?", "--no-legend"});
     EXPECT_EQ(twins.out,
-              "a_hidl_a_zvttvfapi_thing_twin() -> (int32_t s32Status)\n"
-              "a_hidl_zvttvfapi_thing_twin() -> (int32_t s32Status)\n");
+              "a_hidl_a_zvttvfapi_thg_twin() -> (int32_t s32Status)\n"
+              "a_hidl_zvttvfapi_thg_twin() -> (int32_t s32Status)\n");
 }
 
 TEST(Introspect, GivesProgramsEverythingAsJson) {
@@ -117,8 +117,8 @@ TEST(Completion, OffersWhatMayStandThere) {
             {{"wait", "Thing", "w"}, {"Watcher"}},
             {{"call", "IZ"}, {"IZvtTvFApiThing"}},
             {{"call", "test.fapictl@1.0", "::", "IW"}, {"test.fapictl@1.0::IWatcher"}},
-            {{"call", "thing", "t"}, {"text", "thing_scalars"}},
-            {{"call", "thing", "a_hidl_z"}, {"a_hidl_zvttvfapi_thing_text", "a_hidl_zvttvfapi_thing_twin"}},
+            {{"call", "thing", "t"}, {"text", "thg_scalars"}},
+            {{"call", "thing", "a_hidl_z"}, {"a_hidl_zvttvfapi_thg_text", "a_hidl_zvttvfapi_thg_twin"}},
             {{"call", "nothing", ""}, {}},
             {{"call", "thing", "text", ""}, {"strText=", "s32Report="}},
             {{"call", "thing", "text", "hello", ""}, {"s32Report="}},

@@ -31,6 +31,7 @@ TEST(Names, AreUnderstoodWholeAndWithoutPrefixesInAnyCase) {
             {"zvttvfapithing", "IZvtTvFApiThing"},
             {"THING", "IZvtTvFApiThing"},
             {"watcher", "IWatcher"},
+            {"Thg", "IZvtTvFApiThing"},
             {"thign", "no interface \"thign\"; did you mean \"Thing\"?"},
             {"", "no interface \"\""},
             {"elephant\n", "no interface \"elephant\\n\""},
@@ -42,15 +43,15 @@ TEST(Names, AreUnderstoodWholeAndWithoutPrefixesInAnyCase) {
         const char* word;
         const char* result;
     } methods[] = {
-            {"a_hidl_zvttvfapi_thing_text", "a_hidl_zvttvfapi_thing_text"},
-            {"THING_TEXT", "a_hidl_zvttvfapi_thing_text"},
-            {"text", "a_hidl_zvttvfapi_thing_text"},
-            {"get_level", "a_hidl_a_zvttvfapi_thing_get_level"},
-            {"a_hidl_zvttvfapi_thing_twin", "a_hidl_zvttvfapi_thing_twin"},
-            {"twin", "\"twin\" could be any of a_hidl_a_zvttvfapi_thing_twin, a_hidl_zvttvfapi_thing_twin"},
+            {"a_hidl_zvttvfapi_thg_text", "a_hidl_zvttvfapi_thg_text"},
+            {"THG_TEXT", "a_hidl_zvttvfapi_thg_text"},
+            {"text", "a_hidl_zvttvfapi_thg_text"},
+            {"get_level", "a_hidl_a_zvttvfapi_thg_get_level"},
+            {"a_hidl_zvttvfapi_thg_twin", "a_hidl_zvttvfapi_thg_twin"},
+            {"twin", "\"twin\" could be any of a_hidl_a_zvttvfapi_thg_twin, a_hidl_zvttvfapi_thg_twin"},
             {"txet", "no method \"txet\" in Thing; did you mean \"text\"?"},
             {"level", "no method \"level\" in Thing; did you mean \"get_level\"?"},
-            {"thing_*", "no method \"thing_*\" in Thing"},
+            {"thg_*", "no method \"thg_*\" in Thing"},
     };
     for (const auto& row : methods) {
         const Interface& thing = findInterface(testPackage(), "Thing");

@@ -14,39 +14,38 @@ using android::hardware::Void;
 
 /** Gives back what it gets. */
 struct Thing : IZvtTvFApiThing {
-    Return<void> a_hidl_a_zvttvfapi_thing_scalars(int8_t s8, uint8_t u8, int16_t s16, uint16_t u16,
-                                                  int32_t s32, uint32_t u32, int64_t s64, uint64_t u64,
-                                                  bool b, Colour colour, Depth depth,
-                                                  a_hidl_a_zvttvfapi_thing_scalars_cb cb) override {
+    Return<void> a_hidl_a_zvttvfapi_thg_scalars(int8_t s8, uint8_t u8, int16_t s16, uint16_t u16, int32_t s32,
+                                                uint32_t u32, int64_t s64, uint64_t u64, bool b,
+                                                Colour colour, Depth depth,
+                                                a_hidl_a_zvttvfapi_thg_scalars_cb cb) override {
         cb(s8, u8, s16, u16, s32, u32, s64, u64, b, colour, depth);
         return Void();
     }
-    Return<void> a_hidl_zvttvfapi_thing_text(const hidl_string& text, int32_t report,
-                                             a_hidl_zvttvfapi_thing_text_cb cb) override {
+    Return<void> a_hidl_zvttvfapi_thg_text(const hidl_string& text, int32_t report,
+                                           a_hidl_zvttvfapi_thg_text_cb cb) override {
         cb(text, report);
         return Void();
     }
-    Return<void> a_hidl_a_zvttvfapi_thing_lists(const hidl_vec<uint8_t>& bytes,
-                                                const hidl_vec<uint16_t>& curve, const hidl_vec<Point>& path,
-                                                const hidl_vec<Colour>& colours,
-                                                const hidl_array<uint8_t, 2>& pair,
-                                                a_hidl_a_zvttvfapi_thing_lists_cb cb) override {
+    Return<void> a_hidl_a_zvttvfapi_thg_lists(const hidl_vec<uint8_t>& bytes, const hidl_vec<uint16_t>& curve,
+                                              const hidl_vec<Point>& path, const hidl_vec<Colour>& colours,
+                                              const hidl_array<uint8_t, 2>& pair,
+                                              a_hidl_a_zvttvfapi_thg_lists_cb cb) override {
         cb(bytes, curve, path, colours, pair);
         return Void();
     }
-    Return<void> a_hidl_a_zvttvfapi_thing_everything(const Everything& all,
-                                                     a_hidl_a_zvttvfapi_thing_everything_cb cb) override {
+    Return<void> a_hidl_a_zvttvfapi_thg_everything(const Everything& all,
+                                                   a_hidl_a_zvttvfapi_thg_everything_cb cb) override {
         cb(all, 0);
         return Void();
     }
-    Return<int32_t> a_hidl_a_zvttvfapi_thing_set_watcher(const sp<IWatcher>& watcher) override {
+    Return<int32_t> a_hidl_a_zvttvfapi_thg_set_watcher(const sp<IWatcher>& watcher) override {
         return watcher == nullptr ? -2 : 0;
     }
-    Return<uint8_t> a_hidl_a_zvttvfapi_thing_get_level() override { return 77; }
-    Return<int32_t> a_hidl_a_zvttvfapi_thing_twin() override { return 0; }
-    Return<int32_t> a_hidl_zvttvfapi_thing_twin() override { return 7; }
-    Return<void> a_hidl_a_zvttvfapi_thing_die() override { _exit(0); }
-    Return<void> a_hidl_a_zvttvfapi_thing_hint(uint32_t) override { return Void(); }
+    Return<uint8_t> a_hidl_a_zvttvfapi_thg_get_level() override { return 77; }
+    Return<int32_t> a_hidl_a_zvttvfapi_thg_twin() override { return 0; }
+    Return<int32_t> a_hidl_zvttvfapi_thg_twin() override { return 7; }
+    Return<void> a_hidl_a_zvttvfapi_thg_die() override { _exit(0); }
+    Return<void> a_hidl_a_zvttvfapi_thg_hint(uint32_t) override { return Void(); }
 };
 
 }  // namespace test::fapictl::V1_0

@@ -66,46 +66,61 @@ std::string meaning(const Label& label) {
     return (label.unit.empty() ? "" : "[" + label.unit + "] ") + label.doc;
 }
 
-void printFields(std::ostream& out, const char* title, const std::vector<Field>& fields) {
+/** Tables one below the other, with an empty line between them. */
+class Sections {
+  public:
+    Sections(std::ostream& out, bool first) : mOut(out), mFirst(first) {}
+
+    void print(const Table& table) {
+        if (!table.empty()) {
+            mOut << (mFirst ? "" : "\n");
+            table.print(mOut, true);
+            mFirst = false;
+        }
+    }
+
+  private:
+    std::ostream& mOut;
+    bool mFirst;
+};
+
+Table tableOf(const char* title, const std::vector<Field>& fields) {
     Table table({title, "TYPE", "MEANING"});
     for (const Field& field : fields) {
         table.row({field.label.name, field.type->name}, wrapped(meaning(field.label), kWidth / 2));
     }
-    if (!table.empty()) {
-        out << '\n';
-        table.print(out, true);
-    }
+    return table;
 }
 
-void printTypes(std::ostream& out, const Types& types) {
-    for (const Type* type : types) {
-        if (type->kind == Type::Kind::Record) {
-            printFields(out, type->name.c_str(), type->fields);
-            continue;
-        }
-        Table table({type->name, "NUMBER", "MEANING"});
-        for (const Enumerator& one : type->enumerators) {
-            table.row({one.name, one.value.dump()}, wrapped(one.doc, kWidth / 2));
-        }
-        out << '\n';
-        table.print(out, true);
+Table tableOf(const Type& type) {
+    if (type.kind == Type::Kind::Record) {
+        return tableOf(type.name.c_str(), type.fields);
     }
+    Table table({type.name, "NUMBER", "MEANING"});
+    for (const Enumerator& one : type.enumerators) {
+        table.row({one.name, one.value.dump()}, wrapped(one.doc, kWidth / 2));
+    }
+    return table;
 }
 
 void printMethod(const Context& context, const Interface& interface, const Method& method) {
     std::ostream& out = context.out;
     const std::string name = shortName(interface, method);
     if (!context.options.noLegend) {
-        out << method.name << " of " << interface.descriptor << (method.oneway ? ", one-way" : "") << "\n\n";
+        out << method.name << " of " << interface.descriptor << (method.oneway ? ", one-way" : "")
+            << (method.doc.empty() ? "\n" : "\n\n");
         printText(out, method.doc, "");
     }
-    printFields(out, "ARGUMENT", method.arguments);
-    printFields(out, "RESULT", method.results);
-    printTypes(out, typesOf(method));
+    Sections sections(out, context.options.noLegend);
+    sections.print(tableOf("ARGUMENT", method.arguments));
+    sections.print(tableOf("RESULT", method.results));
+    for (const Type* type : typesOf(method)) {
+        sections.print(tableOf(*type));
+    }
     if (!context.options.noLegend && interface.isService) {
         out << "\nfapictl call " << shortName(interface) << ' ' << name;
         for (const Field& argument : method.arguments) {
-            out << ' ' << argument.label.name << "=…";
+            out << ' ' << argument.label.name << "=...";
         }
         out << '\n';
     }

@@ -68,9 +68,16 @@ std::vector<std::string> forms(const Interface& interface) {
     std::string_view rest = interface.name;
     if (dropPrefix(rest, "I")) {
         all.emplace_back(rest);
-        if (dropPrefix(rest, kInterfacePrefix)) {
-            all.emplace_back(rest);
+    }
+    const bool prefixed = dropPrefix(rest, kInterfacePrefix);
+    if (!interface.methods.empty()) {
+        const std::vector<std::string> names = forms(interface.methods.front());
+        if (names.size() > 2) {
+            all.push_back(names[1].substr(0, names[1].find('_')));
         }
+    }
+    if (prefixed) {
+        all.emplace_back(rest);
     }
     return all;
 }

@@ -7,7 +7,8 @@
 #include "tools/fapictl/Model.h"
 
 // How people may write the names of interfaces and methods, in any letter case:
-//   vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiSystem, IZvtTvFApiSystem, ZvtTvFApiSystem, System
+//   vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiSystem, IZvtTvFApiSystem, ZvtTvFApiSystem, System,
+//   and sys, the module's name in those of its methods
 //   a_hidl_a_zvttvfapi_sys_read_file, sys_read_file, read_file
 namespace fapictl {
 

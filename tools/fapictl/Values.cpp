@@ -23,7 +23,7 @@ constexpr size_t kLongestQuote = 60;
                          const std::string& reason) {
     std::string shown = inQuotes(given.substr(0, kLongestQuote));
     if (given.size() > kLongestQuote) {
-        shown += "… (" + std::to_string(given.size()) + " bytes)";
+        shown += "... (" + std::to_string(given.size()) + " bytes)";
     }
     throw Failure(Exit::Usage, where + " (" + type.name + "): " + reason + "; given " + shown);
 }
