@@ -97,6 +97,7 @@ names = {
     "a_name": b"vendor.example@1.0::IThing\ndefault\n",
     "separator_in_the_instance": b"vendor.example@1.0::IThing\na+b\n",
     "path_in_the_instance": b"vendor.example@1.0::IThing\n../default\n",
+    "nul_in_the_interface_name": b"vendor.example@1.0::IThing\0\ndefault\n",
     "no_instance": b"vendor.example@1.0::IThing\n\n",
     "longest_name": b"I" * 246 + b"\ninstance\n",
     "one_byte_too_long": b"I" * 247 + b"\ninstance\n",

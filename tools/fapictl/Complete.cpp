@@ -73,20 +73,22 @@ std::vector<std::string> keep(std::vector<std::string> candidates, const std::st
     return candidates;
 }
 
-/** The shortest form of each name that begins as the word does. */
+/** The names that begin as the word does: the shortest forms, or longer ones when that is what is being
+ * typed. */
 template <class T, class Short>
 std::vector<std::string> names(const std::vector<T>& all, const std::string& start, Short shortest) {
     std::vector<std::string> candidates;
     for (const T& one : all) {
-        std::vector<std::string> all_forms = forms(one);
-        const std::string shortForm = shortest(one);
-        while (!all_forms.empty()) {
-            // Forms shorter than the shortest would name something else.
-            if (startsWith(all_forms.back(), start) && all_forms.back().size() >= shortForm.size()) {
-                candidates.push_back(all_forms.back());
-                break;
-            }
-            all_forms.pop_back();
+        candidates.push_back(shortest(one));
+    }
+    candidates = keep(candidates, start);
+    if (!candidates.empty()) {
+        return candidates;
+    }
+    for (const T& one : all) {
+        const std::vector<std::string> fitting = keep(forms(one), start);
+        if (!fitting.empty()) {
+            candidates.push_back(fitting.back());
         }
     }
     return candidates;
