@@ -4,7 +4,9 @@
 
 #include "chiplayer/chiplayer.h"
 #include "manager/ClientDeathRecipient.h"
+#include "manager/ClientRegistry.h"
 #include "service/frame/Log.h"
+#include "service/frame/Status.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
@@ -82,60 +84,24 @@ Return<int32_t> ZvtTvFApiManager::deinitCallback() {
     return s32Ret;
 }
 
-// Nobody can ask for events yet, so a handler has nobody to tell and nothing fails.
+// Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow; the other one is in
+// EventRelay.cpp.
 
-int ZvtTvFApiManager::onAudEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                 const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onDispEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                  const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onDispTstEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                     const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onInfoEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                  const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onInpSrcEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                    const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onNetEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                 const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onPrphrlEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                    const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onSysEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                 const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
-}
-
-int ZvtTvFApiManager::onTvEvent(unsigned int u32EvtType, const Object&, const Object&, const Object&,
-                                const Object&) {
-    FAPI_LOGD("u32EvtType = %d\n", static_cast<int>(u32EvtType));
-    return 0;
+Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
+        const sp<IZvtTvFApiCallbackManager>& callback) {
+    // The cookie is read without the lock, for the log alone: another registration may be about to take it.
+    FAPI_LOGD(".%p %llu", static_cast<void*>(mDeathRecipient.get()),
+              static_cast<unsigned long long>(sNextCookie.load()));
+    if (callback == nullptr) {
+        return FAPI_INVALID_ARGUMENT;
+    }
+    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const uint64_t u64Cookie = sNextCookie;
+    sCbList[u64Cookie] = callback;
+    // A client that can not be linked stays registered; deliveries to it fail.
+    (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
+    ++sNextCookie;
+    return FAPI_OK;
 }
 
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

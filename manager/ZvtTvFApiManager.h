@@ -30,11 +30,25 @@ class ZvtTvFApiManager : public IZvtTvFApiManager {
     Return<int32_t> deinitCallback();
     Return<int32_t> deinitModules();
 
+    // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow.
+
+    /// Registers a client under the next cookie. Null is refused with -2: it takes no cookie.
+    Return<int32_t> a_hidl_a_zvttvfapi_mngr_set_callback(
+            const sp<IZvtTvFApiCallbackManager>& callback) override;
+    /// Runs the handler that the type's bits choose, on this thread; its result, or -2 if none is chosen, or
+    /// -1 without memory for the records.
+    Return<int32_t> a_hidl_a_zvttvfapi_mngr_post_event(uint32_t u32EvtType,
+                                                       const ZvtTvFApiEventCommonObject& stObj1,
+                                                       const ZvtTvFApiEventCommonObject& stObj2,
+                                                       const ZvtTvFApiEventCommonObject& stObj3,
+                                                       const ZvtTvFApiEventCommonObject& stObj4) override;
+
     using Object = fapi_core::ZvtTvFApiEventCommonObject;
 
     // The modules' event handlers, called on the library's threads, from the moment when they are registered:
-    // even while the constructor still runs. onTvEvent belongs to no module. Result: 0 when every client that
-    // wants events has been told; there are no such clients yet.
+    // even while the constructor still runs. onTvEvent belongs to no module; posted events alone reach it.
+    // Result: 0 when every client was told or there is none, -1 when at least one could not be told, or when
+    // there was no memory for the event's bytes: then none was.
     static int onAudEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
                           const Object& stObj3, const Object& stObj4);
     static int onDispEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,

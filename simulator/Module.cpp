@@ -1,5 +1,7 @@
 #include "simulator/Module.h"
 
+#include <vector>
+
 #include "simulator/Status.h"
 
 namespace simulator {
@@ -36,6 +38,37 @@ class Module::Delivery {
 };
 
 thread_local const Module::Delivery* Module::Delivery::sInnermost = nullptr;
+
+namespace {
+
+struct Named {
+    const char* name;
+    Module* module;
+};
+std::mutex sNamedMutex;
+std::vector<Named>& named() {  // guarded by sNamedMutex
+    static auto& sNamed = *new std::vector<Named>;
+    return sNamed;
+}
+
+}  // namespace
+
+Module::Module(const char* name) {
+    if (name != nullptr) {
+        std::lock_guard<std::mutex> lock(sNamedMutex);
+        named().push_back({name, this});
+    }
+}
+
+Module* Module::find(const std::string& name) {
+    std::lock_guard<std::mutex> lock(sNamedMutex);
+    for (const Named& known : named()) {
+        if (name == known.name) {
+            return known.module;
+        }
+    }
+    return nullptr;
+}
 
 int32_t Module::init() {
     std::lock_guard<std::mutex> lock(mMutex);

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <string>
 
 #include "chiplayer/types.h"
 
@@ -15,7 +16,7 @@ namespace simulator {
  * while the process exits, and forwards its four lifecycle functions to it:
  *
  *     Module& self() {
- *         static Module& sModule = *new Module;
+ *         static Module& sModule = *new Module("sys");
  *         return sModule;
  *     }
  *     int32_t a_zvttvfapi_sys_init() { return self().init(); }
@@ -24,9 +25,13 @@ namespace simulator {
  */
 class Module {
   public:
-    Module() = default;
+    /** The name under which find() knows it, for good; null for none. */
+    explicit Module(const char* name = nullptr);
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
+
+    /** The module that was made with this name, or null. */
+    static Module* find(const std::string& name);
 
     /** kAlreadySetUp when initialised. */
     int32_t init();

@@ -15,7 +15,7 @@ using namespace simulator;
 namespace {
 
 Module& self() {
-    static Module& sModule = *new Module;
+    static Module& sModule = *new Module("info");
     return sModule;
 }
 

@@ -6,7 +6,7 @@ using namespace simulator;
 namespace {
 
 Module& self() {
-    static Module& sModule = *new Module;
+    static Module& sModule = *new Module("inpsrc");
     return sModule;
 }
 

@@ -49,7 +49,7 @@ class Encoder {
     // vectors of one message: 1 MiB / 4 KiB buffers and as many gaps, below the kernel's 1024.
     static constexpr size_t kCopyBytes = 4096;
 
-    InlineVector<uint8_t, 1024> mStaging;
+    InlineVector<uint8_t, 2048> mStaging;
     InlineVector<iovec, 8> mVectors;
     size_t mBytes = 0;
 };

@@ -5,6 +5,7 @@
 
 #include "tests/tools/TestPackage.h"
 #include "tools/fapictl/Complete.h"
+#include "tools/fapictl/FactoryPackage.h"
 
 namespace fapictl {
 namespace {
@@ -44,6 +45,32 @@ TEST(CommandLine, MistakesEndBeforeAnythingIsCalledAndSayWhatWasMeant) {
     }
 }
 
+TEST(CommandLine, EventVerbsRefuseMistakesBeforeAnythingIsSent) {
+    const struct {
+        std::vector<std::string> words;
+        const char* message;
+    } rows[] = {
+            {{"post"}, "too few words; usage: fapictl post TYPE [RECORD...]"},
+            {{"post", "sys"}, "TYPE (uint32_t): not a whole number"},
+            {{"post", "1", "-", "-", "-", "-", "-"}, "one word too many"},
+            {{"post", "1", "-", "txt=a"}, "record 2: no key \"txt\"; did you mean \"text\"?"},
+            {{"watch", "sys"}, "one word too many: \"sys\""},
+            {{"watch", "--module=sys,disptest"}, "no module \"disptest\"; did you mean \"disptst\"?"},
+            {{"watch", "--module", "everything"}, "there are sys, disp, disptst,"},
+            {{"watch", "--count=0"}, "--count is a number of events from 1 on"},
+            {{"watch", "--count", "-1"}, "--count is a number"},
+            {{"wait", "CallbackManager"}, "implemented by clients"},
+            {{"call", "Manager", "set_callback"}, "is missing; fapictl watch registers a callback"},
+            {{"call", "Manager", "set_callback", "me"}, "given \"me\"; fapictl watch registers a callback"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const Ran result = ran(factoryPackage(), row.words);
+        EXPECT_EQ(result.code, Exit::Usage);
+        EXPECT_THAT(result.err, HasSubstr(row.message));
+    }
+}
+
 TEST(CommandLine, UselessOptionsAreWarnedAboutAndTheRestIsDone) {
     const Ran result = ran(testPackage(), {"introspect", "--timeout=3", "--json", "--no-legend", "Thing"});
     EXPECT_EQ(result.code, Exit::Success);
@@ -55,8 +82,8 @@ TEST(CommandLine, UselessOptionsAreWarnedAboutAndTheRestIsDone) {
 TEST(CommandLine, HelpNamesEveryVerbAndExitCode) {
     const Ran help = ran(testPackage(), {"--help"});
     EXPECT_EQ(help.code, Exit::Success);
-    for (const char* text :
-         {"list", "introspect", "call", "wait", "  0  ", "  1  ", "  2  ", "  3  ", "  4  ", "  5  "}) {
+    for (const char* text : {"list", "introspect", "call", "wait", "watch", "post", "  0  ", "  1  ", "  2  ",
+                             "  3  ", "  4  ", "  5  "}) {
         EXPECT_THAT(help.out, HasSubstr(text));
     }
     const Ran verb = ran(testPackage(), {"introspect", "-h"});
@@ -106,9 +133,9 @@ TEST(Completion, OffersWhatMayStandThere) {
         std::vector<std::string> words;
         std::vector<std::string> candidates;
     } rows[] = {
-            {{""}, {"list", "introspect", "call", "wait"}},
+            {{""}, {"list", "introspect", "call", "wait", "watch", "post"}},
             {{"in"}, {"introspect"}},
-            {{"--json", "w"}, {"wait"}},
+            {{"--json", "w"}, {"wait", "watch"}},
             {{"bad", ""}, {}},
             {{"wait", "--"}, {"--help", "--instance", "--json", "--no-legend", "--timeout"}},
             {{"wait", "--json", "=", "p"}, {"--json=pretty"}},
@@ -128,6 +155,12 @@ TEST(Completion, OffersWhatMayStandThere) {
             {{"call", "thing", "scalars", "eColour", "="}, {"eColour=RED", "eColour=GREEN", "eColour=BLUE"}},
             {{"call", "thing", "scalars", "b", "=", "f"}, {"b=false"}},
             {{"introspect", "thing", "text", ""}, {}},
+            {{"watch", ""}, {}},
+            {{"watch", "--module", "sys", "--module", "dis"}, {"disp", "disptst"}},
+            {{"watch", "--module", "=", "n"}, {"--module=net"}},
+            {{"post", ""}, {}},
+            {{"post", "1", "-", ""}, {"value=", "text=", "bytes="}},
+            {{"post", "1", "-", "-", "-", "-", ""}, {}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.words));

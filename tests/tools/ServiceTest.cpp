@@ -4,13 +4,17 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
+#include "tests/tools/Manager.h"
 #include "tests/tools/TestPackage.h"
+#include "tools/fapictl/FactoryPackage.h"
+#include "tools/fapictl/Text.h"
 
 namespace fapictl {
 namespace {
@@ -150,6 +154,121 @@ TEST_F(Service, ThatDiesDuringACallIsATransportFailure) {
     const Ran result = tool({"call", "thing", "die", "--instance", "mortal"});
     EXPECT_EQ(result.code, Exit::Transport);
     EXPECT_THAT(result.err, HasSubstr("call"));
+}
+
+TEST_F(Service, WaitWithoutNamesWantsEveryServiceAndNoCallback) {
+    const Ran all = ran(factoryPackage(), {"wait", "--timeout", "0", "--no-legend", "--instance", "none"});
+    EXPECT_EQ(std::count(all.out.begin(), all.out.end(), '\n'), 10);
+    EXPECT_THAT(all.out, Not(HasSubstr("Callback")));
+}
+
+/** A watch on a thread of this process, of the event manager in the other. */
+class Watch : public Service {
+  protected:
+    void SetUp() override { startAndWait("events"); }
+    ~Watch() override {
+        stop();
+        join();
+    }
+
+    static Ran factory(std::vector<std::string> words) {
+        words.insert(words.end(), {"--instance", "events"});
+        return ran(factoryPackage(), words);
+    }
+    static Ran post(uint32_t type, const std::vector<std::string>& records = {}) {
+        std::vector<std::string> words = {"post", std::to_string(type)};
+        words.insert(words.end(), records.begin(), records.end());
+        return factory(words);
+    }
+    /** Returns when it is registered. */
+    void watch(std::vector<std::string> options) {
+        options.insert(options.begin(), "watch");
+        mThread = std::thread([this, options] { mRan = factory(options); });
+        while (post(Manager::kCountClients).code == Exit::Success) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+    const Ran& join() {
+        if (mThread.joinable()) {
+            mThread.join();
+        }
+        return mRan;
+    }
+
+  private:
+    std::thread mThread;
+    Ran mRan;
+};
+
+TEST_F(Watch, ShowsWhatIsPostedWholeAndInOrderUntilTheCount) {
+    watch({"--json", "--count", "300"});
+    const std::string bytes = toHex(std::vector<uint8_t>(1000, 0x5a));
+    for (int i = 0; i < 300; ++i) {
+        ASSERT_EQ(
+                post(0x20000u << i % 8, {"value=" + std::to_string(i), "-", "text=a, b bytes=" + bytes}).code,
+                Exit::Success);
+    }
+    ASSERT_EQ(join().code, Exit::Success) << join().err;
+    EXPECT_EQ(join().err, "watching: press Ctrl-C to end\n");
+    const char* const modules[] = {"net", "disp", "disptst", "prphrl", "inpsrc", "aud", "info", "tv"};
+    std::istringstream lines(join().out);
+    std::string line;
+    int number = 0;
+    for (; std::getline(lines, line); ++number) {
+        const Json event = Json::parse(line);
+        EXPECT_EQ(event["number"], number + 1);
+        EXPECT_EQ(event["module"], modules[number % 8]);
+        EXPECT_EQ(event["type"], 0x20000u << number % 8);
+        EXPECT_EQ(event["records"][0]["value"], number);
+        EXPECT_EQ(event["records"][1].dump(), R"({"value":0,"text":"","bytes":""})");
+        EXPECT_EQ(event["records"][2]["text"], "a, b");
+        EXPECT_EQ(event["records"][2]["bytes"], bytes);
+    }
+    EXPECT_EQ(number, 300);
+}
+
+TEST_F(Watch, OfSomeModulesCountsTheirsOnlyAndEndsInTime) {
+    watch({"--module", "net", "--module=tv", "--count", "3", "--timeout", "1", "--quiet"});
+    for (const uint32_t type : {0x10001u, 0x20002u, 0x1000003u}) {
+        EXPECT_EQ(post(type).code, Exit::Success);
+    }
+    EXPECT_EQ(join().code, Exit::NotFound);
+    EXPECT_EQ(join().err, "fapictl: 2 of 3 events within 1.0 s\n");
+    EXPECT_THAT(join().out, testing::MatchesRegex("1  .*  net      0x00020002  - \\| - \\| - \\| -\n"
+                                                  "2  .*  tv       0x01000003  - \\| - \\| - \\| -\n"));
+    EXPECT_EQ(factory({"watch", "--timeout", "0.1", "--quiet"}).code, Exit::Success);
+}
+
+TEST_F(Watch, EndsWithTheServiceAfterItsLastEvent) {
+    watch({"--count", "2"});
+    EXPECT_EQ(post(Manager::kDie, {"text=last"}).code, Exit::Transport);
+    EXPECT_EQ(join().code, Exit::Transport);
+    EXPECT_THAT(join().out, HasSubstr("0x0010dead  text=\"last\""));
+    EXPECT_THAT(join().err, HasSubstr("the service died; 1 event was shown"));
+    EXPECT_EQ(factory({"watch"}).code, Exit::NotFound);
+}
+
+TEST_F(Watch, EndsWellWhenItIsAskedTo) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        stop();
+        startAndWait("events");
+        watch({});
+        kill(getpid(), signal);
+        EXPECT_EQ(join().code, Exit::Success);
+    }
+}
+
+TEST_F(Watch, StatusesOfTheManagerAreShown) {
+    const Ran refused = post(4);
+    EXPECT_EQ(refused.code, Exit::Status);
+    EXPECT_THAT(refused.out, HasSubstr("-2 (invalid argument)"));
+    const Ran null = factory({"call", "Manager", "set_callback", "null"});
+    EXPECT_EQ(null.code, Exit::Status);
+    EXPECT_THAT(null.err, HasSubstr("fapictl watch registers a callback"));
+    post(Manager::kRefuseClients);
+    const Ran watched = factory({"watch"});
+    EXPECT_EQ(watched.code, Exit::Status);
+    EXPECT_THAT(watched.err, HasSubstr("refused the callback: -2 (invalid argument)"));
 }
 
 }  // namespace

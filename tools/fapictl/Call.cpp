@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -9,6 +10,9 @@
 
 namespace fapictl {
 namespace {
+
+/** For methods that want an object of the caller's. */
+constexpr const char* kObjectHint = "; fapictl watch registers a callback and shows its events";
 
 /** The result that --out writes: the first text or bytes; the number of results when there is none. */
 size_t findPayload(const Method& method) {
@@ -36,19 +40,6 @@ void writePayload(const Context& context, const Json& value) {
     if (!out.flush()) {
         throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
     }
-}
-
-sp<IBase> findService(const Context& context, const Interface& interface) {
-    const Options& options = context.options;
-    if (options.timeout) {
-        waitFor({&interface}, options.instance, options.timeout);
-    }
-    sp<IBase> service = interface.find(options.instance);
-    if (service == nullptr) {
-        throw Failure(Exit::NotFound, interface.descriptor + "/" + options.instance + " is not registered" +
-                                              (options.timeout ? " in time" : "; is the service running?"));
-    }
-    return service;
 }
 
 void print(const Context& context, const Method& method, const Json& results, size_t payload) {
@@ -80,6 +71,19 @@ void print(const Context& context, const Method& method, const Json& results, si
 
 }  // namespace
 
+sp<IBase> findService(const Context& context, const Interface& interface) {
+    const Options& options = context.options;
+    if (options.timeout) {
+        waitFor({&interface}, options.instance, options.timeout);
+    }
+    sp<IBase> service = interface.find(options.instance);
+    if (service == nullptr) {
+        throw Failure(Exit::NotFound, interface.descriptor + "/" + options.instance + " is not registered" +
+                                              (options.timeout ? " in time" : "; is the service running?"));
+    }
+    return service;
+}
+
 Exit call(const Context& context) {
     const Options& options = context.options;
     const Interface& interface = findInterface(context.package, options.words[0]);
@@ -87,8 +91,25 @@ Exit call(const Context& context) {
         throw Failure(Exit::Usage, shortName(interface) + " is implemented by clients, it cannot be called");
     }
     const Method& method = findMethod(interface, options.words[1]);
-    const Json arguments =
-            bindArguments(method, std::vector<std::string>(options.words.begin() + 2, options.words.end()));
+    const bool takesObject =
+            std::any_of(method.arguments.begin(), method.arguments.end(),
+                        [](const Field& one) { return one.type->kind == Type::Kind::Interface; });
+    Json arguments;
+    try {
+        arguments = bindArguments(method,
+                                  std::vector<std::string>(options.words.begin() + 2, options.words.end()));
+    } catch (const Failure& failure) {
+        throw takesObject ? Failure(failure.code, std::string(failure.what()) + kObjectHint) : failure;
+    }
+    if (takesObject) {
+        context.err << "fapictl: null registers nothing" << kObjectHint << '\n';
+    }
+    return callAndPrint(context, interface, method, arguments);
+}
+
+Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,
+                  const Json& arguments) {
+    const Options& options = context.options;
     size_t payload = findPayload(method);
     if (!options.out.empty() && payload == method.results.size()) {
         context.err << "fapictl: --out has no effect: the method has no text or bytes among its results\n";

@@ -18,8 +18,8 @@ constexpr const char* kExitCodes =
         "  0  success\n"
         "  1  the method reported a status other than 0\n"
         "  2  a name, option or argument is wrong; nothing was called\n"
-        "  3  the service is not registered, or was not in time\n"
-        "  4  the call did not come back, for example because the service died\n"
+        "  3  the service is not registered, or was not in time, or fewer than --count events were\n"
+        "  4  the call did not come back, for example because the service died; or it died while watched\n"
         "  5  the results could not be written\n";
 
 constexpr const char* kNamesHelp =
@@ -41,6 +41,39 @@ constexpr const char* kCallHelp =
         "@FILE works for lists and records too; @- is standard input. Write -- before arguments that begin\n"
         "with a minus sign and are no numbers.\n";
 
+constexpr const char* kWatchHelp =
+        "Prints a line for each event as it comes in: its number in this watch, the local time, the module, "
+        "the\n"
+        "type, and the four payload records, in which empty parts are left out and - is an empty record. "
+        "Texts of\n"
+        "more than 64 bytes and bytes of more than 32 are cut; with --json, an object on a line for each "
+        "event,\n"
+        "nothing is. Modules: sys, disp, disptst, info, inpsrc, prphrl, aud, net, and tv for none of these.\n"
+        "Ends with 0 on Ctrl-C or SIGTERM, after --count events, or after --timeout without --count; ends "
+        "with 3\n"
+        "when --count events have not come within --timeout, and with 4 when the service dies. Says on "
+        "standard\n"
+        "error when it has begun, from when on no event is missed.\n\n"
+        "  fapictl watch --module sys --module net\n"
+        "  fapictl watch --count 1 --timeout 10 --json\n";
+
+constexpr const char* kPostHelp =
+        "Posts an event of a type, 0x10001 or 65537, with up to four payload records, to every client that "
+        "has\n"
+        "registered. The lowest set bit of bits 16 to 24 chooses the module: 16 sys, 17 net, 18 disp, 19 "
+        "disptst,\n"
+        "20 prphrl, 21 inpsrc, 22 aud, 23 info, 24 tv.\n"
+        "A RECORD is one word of the shell, with any of these parts, separated by commas or blanks:\n"
+        "  value=NUMBER  7, 0x1f\n"
+        "  text=TEXT     without quotes it runs to the next KEY= behind a comma or blank, or to the end\n"
+        "  bytes=HEX     dead, de:ad, or @FILE for a file's contents, @- for standard input\n"
+        "or - when it is empty. Records that are not given are empty. A value may stand in double quotes, in "
+        "which\n"
+        "\\n \\t \\r \\\\ \\\" and \\xNN are escapes, as watch writes them.\n\n"
+        "  fapictl post 0x10001 value=7\n"
+        "  fapictl post 0x20000 'value=1, text=hello, world' bytes=00ff\n"
+        "  fapictl post 0x40002 - 'text=\"a=1, b=2\" value=3' bytes=@edid.bin\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -56,12 +89,19 @@ struct Parser {
         app.add_option("--instance", options.instance, "the service's instance name")
                 ->type_name("NAME")
                 ->capture_default_str();
-        app.add_option("--timeout", options.timeout, "how long to wait for the service, in seconds")
+        app.add_option("--timeout", options.timeout,
+                       "how long to wait for the service, or for watch to run, in seconds")
                 ->type_name("S");
         app.add_option("--out", options.out,
                        "write the first text or bytes among the results to a file as they are; - is standard "
                        "output")
                 ->type_name("FILE");
+        app.add_option("--module", options.modules, "show a module's events; may be given several times")
+                ->type_name("M")
+                ->allow_extra_args(false)
+                ->delimiter(',');
+        app.add_option("--count", options.count, "end after so many events")->type_name("N");
+        app.add_flag("--quiet", options.quiet, "do not say when watching begins");
         app.add_flag("--all", options.all, "list other packages' services too");
         app.add_flag("-h,--help", help, "print this help");
     }
@@ -183,6 +223,9 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     if (options.timeout && !(*options.timeout >= 0 && *options.timeout <= 1e9)) {
         throw Failure(Exit::Usage, "--timeout is a number of seconds from 0 to 1000000000");
     }
+    if (options.count && *options.count < 1) {
+        throw Failure(Exit::Usage, "--count is a number of events from 1 on");
+    }
     if (options.words.size() < verb.fewestWords || options.words.size() > verb.mostWords) {
         const bool few = options.words.size() < verb.fewestWords;
         throw Failure(Exit::Usage, std::string(few ? "too few words" : "one word too many: ") +
@@ -203,6 +246,7 @@ const std::vector<Verb>& verbs() {
              "show the registered services",
              "Shows which services are registered, with the process that serves each. An INTERFACE may hold "
              "* and ?.\n",
+             Words::Interfaces,
              {"json", "no-legend", "instance", "all"},
              0,
              kAnyNumber,
@@ -213,6 +257,7 @@ const std::vector<Verb>& verbs() {
              "Describes all interfaces, the methods of one, or one method with its types. Needs no running "
              "service.\n"
              "INTERFACE and METHOD may hold * and ?, quoted from the shell: introspect '*' '*uart*'.\n",
+             Words::Method,
              {"json", "no-legend"},
              0,
              2,
@@ -221,6 +266,7 @@ const std::vector<Verb>& verbs() {
              "INTERFACE METHOD [ARG...]",
              "call a method and show its results",
              kCallHelp,
+             Words::Method,
              {"json", "no-legend", "instance", "timeout", "out"},
              2,
              kAnyNumber,
@@ -230,10 +276,29 @@ const std::vector<Verb>& verbs() {
              "wait until services are registered",
              "Waits until the interfaces are registered, all of them when none is given, for ever without "
              "--timeout.\n",
+             Words::Interfaces,
              {"json", "no-legend", "instance", "timeout"},
              0,
              kAnyNumber,
              wait},
+            {"watch",
+             "",
+             "show events as they come in",
+             kWatchHelp,
+             Words::None,
+             {"module", "count", "timeout", "json", "quiet", "instance"},
+             0,
+             0,
+             watch},
+            {"post",
+             "TYPE [RECORD...]",
+             "send an event to every client",
+             kPostHelp,
+             Words::Event,
+             {"json", "no-legend", "instance", "timeout"},
+             1,
+             5,
+             post},
     };
     return all;
 }

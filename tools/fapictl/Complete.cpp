@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "tools/fapictl/Events.h"
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Values.h"
@@ -40,7 +41,8 @@ struct Line {
 };
 
 Line parse(const std::vector<std::string>& words) {
-    static const std::set<std::string> withValue = {"--instance", "--timeout", "--out"};
+    static const std::set<std::string> withValue = {"--instance", "--timeout", "--out", "--module",
+                                                    "--count"};
     Line line;
     line.current = words.back();
     for (size_t i = 0; i + 1 < words.size(); ++i) {
@@ -132,8 +134,18 @@ std::vector<std::string> completeArgument(const Method& method, const Line& line
 std::vector<std::string> complete(const Package& package, const std::vector<std::string>& split) {
     const std::vector<std::string> words = joined(split.empty() ? std::vector<std::string>{""} : split);
     const Line line = parse(words);
+    if (line.optionBefore == "--module") {
+        return keep(eventModules(), line.current);
+    }
     if (!line.optionBefore.empty()) {
         return {};
+    }
+    if (startsWith(line.current, "--module=")) {
+        std::vector<std::string> candidates = eventModules();
+        for (std::string& one : candidates) {
+            one.insert(0, "--module=");
+        }
+        return keep(candidates, line.current);
     }
     if (startsWith(line.current, "--json=")) {
         return keep({"--json=short", "--json=pretty"}, line.current);
@@ -158,8 +170,14 @@ std::vector<std::string> complete(const Package& package, const std::vector<std:
         }
         return keep(all, line.current);
     }
-    const bool listsInterfaces = line.verb->mostWords == SIZE_MAX && line.verb->fewestWords == 0;
-    if (line.words.empty() || listsInterfaces) {
+    if (line.verb->words == Words::None || line.words.size() >= line.verb->mostWords) {
+        return {};
+    }
+    if (line.verb->words == Words::Event) {
+        return line.words.empty() ? std::vector<std::string>()
+                                  : keep({"value=", "text=", "bytes="}, line.current);
+    }
+    if (line.words.empty() || line.verb->words == Words::Interfaces) {
         return names(package.interfaces, line.current, [](const Interface& one) { return shortName(one); });
     }
     try {

@@ -10,8 +10,8 @@ enum class Exit {
     Success = 0,
     Status = 1,     // the method reported a status other than 0
     Usage = 2,      // a name, option or argument is wrong; nothing was called
-    NotFound = 3,   // the service is not registered, or was not in time
-    Transport = 4,  // the call did not come back
+    NotFound = 3,   // the service is not registered, or it or the watched events were not in time
+    Transport = 4,  // the call did not come back, or the watched service died
     Output = 5,     // the results could not be written
 };
 

@@ -17,8 +17,11 @@ struct Options {
     bool all = false;
     std::string instance = "default";
     bool instanceGiven = false;
-    std::optional<double> timeout;  // seconds
-    std::string out;                // a file, "-" for standard output, empty for none
+    std::optional<double> timeout;     // seconds
+    std::vector<std::string> modules;  // whose events to show, empty for all
+    std::optional<int64_t> count;      // of events
+    bool quiet = false;
+    std::string out;  // a file, "-" for standard output, empty for none
 };
 
 struct Context {
@@ -28,12 +31,16 @@ struct Context {
     std::ostream& err;
 };
 
+/** What a verb's words stand for. */
+enum class Words { None, Interfaces, Method, Event };
+
 /** A verb of the tool; help, completion and the warnings about useless options come from here. */
 struct Verb {
     const char* name;
     const char* arguments;
     const char* summary;
     const char* help;
+    Words words;
     std::vector<std::string> options;
     size_t fewestWords;
     size_t mostWords;
@@ -46,6 +53,18 @@ Exit list(const Context& context);
 Exit introspect(const Context& context);
 Exit call(const Context& context);
 Exit wait(const Context& context);
+Exit watch(const Context& context);
+Exit post(const Context& context);
+
+/**
+ * The service under the options' instance name, waited for as long as they say. Throws Failure (NotFound)
+ * when it is not registered.
+ */
+sp<IBase> findService(const Context& context, const Interface& interface);
+
+/** Calls a method and prints its results. Requires one valid value for each argument. */
+Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,
+                  const Json& arguments);
 
 /**
  * Waits until the interfaces are registered under the instance's name, for ever without a timeout. Returns

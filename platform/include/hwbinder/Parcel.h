@@ -84,7 +84,7 @@ class Parcel {
 
     /** The rest is for the transport. */
     const InlineVector<uint8_t, 192>& scalars() const { return mScalars; }
-    const InlineVector<MessageBuffer, 8>& buffers() const { return mBuffers; }
+    const InlineVector<MessageBuffer, 16>& buffers() const { return mBuffers; }
     const std::vector<OutgoingObject>& objects() const { return mObjects; }
     /** The first failure of a write, which the encoder reports: generated code does not look at each. */
     status_t error() const { return mError; }
@@ -112,7 +112,7 @@ class Parcel {
 
     // Writing.
     InlineVector<uint8_t, 192> mScalars;
-    InlineVector<MessageBuffer, 8> mBuffers;
+    InlineVector<MessageBuffer, 16> mBuffers;
     std::vector<OutgoingObject> mObjects;
     status_t mError = OK;
 

@@ -1,0 +1,9 @@
+#include "manager/ClientRegistry.h"
+
+namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+std::mutex sCbMutex;
+std::unordered_map<uint64_t, ::android::sp<IZvtTvFApiCallbackManager>> sCbList;
+std::atomic<uint64_t> sNextCookie{0};
+
+}  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

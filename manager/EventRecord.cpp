@@ -1,0 +1,27 @@
+#include "manager/EventRecord.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+HidlEventRecord::HidlEventRecord(const fapi_core::ZvtTvFApiEventCommonObject& stChip)
+    : mBytes(Scratch<uint8_t>::zeroed(static_cast<uint32_t>(stChip.vecValue.size()))) {
+    mHidl.u32Value = stChip.u32Value;
+    const char* text = stChip.strValue.c_str();
+    mHidl.strValue.setToExternal(text, std::strlen(text));
+    if (mBytes) {
+        std::copy_n(stChip.vecValue.data(), mBytes.size(), mBytes.get());
+        mHidl.vecValue.setToExternal(mBytes.get(), mBytes.size());
+    }
+}
+
+fapi_core::ZvtTvFApiEventCommonObject toChipRecord(const ZvtTvFApiEventCommonObject& stHidl) {
+    fapi_core::ZvtTvFApiEventCommonObject stChip;
+    stChip.u32Value = stHidl.u32Value;
+    stChip.strValue.assign(stHidl.strValue.c_str(), stHidl.strValue.size());
+    stChip.vecValue.assign(stHidl.vecValue.begin(), stHidl.vecValue.end());
+    return stChip;
+}
+
+}  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

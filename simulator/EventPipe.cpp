@@ -1,0 +1,184 @@
+#include "simulator/EventPipe.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <thread>
+
+#include "simulator/Board.h"
+#include "simulator/StateDirectory.h"
+#include "simulator/Status.h"
+
+namespace simulator {
+namespace {
+
+constexpr char kPipeName[] = "raise";
+
+// A line is read into memory whole; a writer that sends more without a line's end has it thrown away.
+constexpr size_t kMaxLine = 2 * 1024 * 1024;
+
+bool readNumber(const std::string& text, uint32_t* number) {
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long long value = std::strtoull(text.c_str(), &end, 0);
+    if (text.empty() || text[0] == '-' || *end != '\0' || errno != 0 || value > UINT32_MAX) {
+        return false;
+    }
+    *number = static_cast<uint32_t>(value);
+    return true;
+}
+
+int digitOf(char letter) {
+    if (letter >= '0' && letter <= '9') {
+        return letter - '0';
+    }
+    if (letter >= 'a' && letter <= 'f') {
+        return letter - 'a' + 10;
+    }
+    return letter >= 'A' && letter <= 'F' ? letter - 'A' + 10 : -1;
+}
+
+bool readHex(const std::string& text, std::vector<uint8_t>* bytes) {
+    if (text.size() % 2 != 0) {
+        return false;
+    }
+    for (size_t i = 0; i < text.size(); i += 2) {
+        const int high = digitOf(text[i]);
+        const int low = digitOf(text[i + 1]);
+        if (high < 0 || low < 0) {
+            return false;
+        }
+        bytes->push_back(static_cast<uint8_t>(high * 16 + low));
+    }
+    return true;
+}
+
+std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonObject* record) {
+    if (text == "-") {
+        return {};
+    }
+    std::istringstream fields(text);
+    for (std::string field; std::getline(fields, field, ',');) {
+        const size_t equals = field.find('=');
+        const std::string key = field.substr(0, equals);
+        const std::string value = equals == std::string::npos ? "" : field.substr(equals + 1);
+        bool good = equals != std::string::npos;
+        if (key == "value") {
+            good = good && readNumber(value, &record->u32Value);
+        } else if (key == "text") {
+            record->strValue = value;
+        } else if (key == "bytes") {
+            good = good && readHex(value, &record->vecValue);
+        } else {
+            good = false;
+        }
+        if (!good) {
+            return "\"" + field + "\" is not value=NUMBER, text=TEXT or bytes=HEX";
+        }
+    }
+    return {};
+}
+
+void carryOut(const std::string& line) {
+    EventOrder order;
+    const std::string fault = readEventOrder(line, &order);
+    if (!fault.empty()) {
+        fprintf(stderr, "board: no event raised: %s\n", fault.c_str());
+        return;
+    }
+    const int32_t status = order.module->raise(order.type, order.payload);
+    if (status != kOk) {
+        fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
+    }
+}
+
+void serve(Descriptor pipe) {
+    std::string text;
+    bool skipping = false;
+    char chunk[4096];
+    ssize_t got;
+    while ((got = read(pipe.get(), chunk, sizeof(chunk))) > 0 || (got < 0 && errno == EINTR)) {
+        text.append(chunk, got > 0 ? static_cast<size_t>(got) : 0);
+        size_t start = 0;
+        for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+            if (!skipping && end > start) {
+                carryOut(text.substr(start, end - start));
+            }
+            skipping = false;
+        }
+        text.erase(0, start);
+        if (text.size() > kMaxLine) {
+            fprintf(stderr, "board: no event raised: the line is longer than %zu bytes\n", kMaxLine);
+            text.clear();
+            skipping = true;
+        }
+    }
+    fprintf(stderr, "board: the event pipe has ended: %s\n", strerror(errno));
+}
+
+/** The pipe's reading end; it is a writer too, so that it does not end with the last of the others. */
+Descriptor openPipe() {
+    const StateDirectory state = StateDirectory::fromEnvironment();
+    const Descriptor folder = state.openRoot();
+    if (!folder) {
+        return Descriptor();
+    }
+    struct stat info {};
+    if (mkfifoat(folder.get(), kPipeName, 0600) != 0 && errno != EEXIST) {
+        fprintf(stderr, "board: no event pipe in %s: %s\n", state.path().c_str(), strerror(errno));
+        return Descriptor();
+    }
+    Descriptor pipe(openat(folder.get(), kPipeName, O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    if (!pipe || fstat(pipe.get(), &info) != 0 || !S_ISFIFO(info.st_mode)) {
+        fprintf(stderr, "board: %s/%s is not a pipe that can be used\n", state.path().c_str(), kPipeName);
+        return Descriptor();
+    }
+    return pipe;
+}
+
+}  // namespace
+
+std::string readEventOrder(const std::string& line, EventOrder* order) {
+    std::istringstream words(line);
+    std::string module;
+    std::string type;
+    words >> module >> type;
+    order->module = Module::find(module);
+    if (order->module == nullptr) {
+        return "there is no module \"" + module + "\"";
+    }
+    if (!readNumber(type, &order->type)) {
+        return "\"" + type + "\" is not an event type";
+    }
+    size_t count = 0;
+    for (std::string record; words >> record; ++count) {
+        if (count == 4) {
+            return "an event has four records";
+        }
+        const std::string fault = readRecord(record, &order->payload.objects[count]);
+        if (!fault.empty()) {
+            return fault;
+        }
+    }
+    return {};
+}
+
+void startEventPipe() {
+    static const bool sStarted = [] {
+        Descriptor pipe = openPipe();
+        if (pipe) {
+            // For the rest of the process's life.
+            std::thread([](Descriptor end) { serve(std::move(end)); }, std::move(pipe)).detach();
+        }
+        return true;
+    }();
+    (void)sStarted;
+}
+
+}  // namespace simulator

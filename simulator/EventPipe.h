@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "simulator/Module.h"
+
+namespace simulator {
+
+/** One line of the pipe, read. */
+struct EventOrder {
+    Module* module = nullptr;
+    uint32_t type = 0;
+    Module::Payload payload;
+};
+
+/**
+ * Reads an order: `MODULE TYPE [RECORD...]`, separated by blanks; MODULE is a module's short name, TYPE a
+ * number, and each of up to four RECORDs is `-` for an empty one or some of `value=NUMBER`, `text=TEXT` and
+ * `bytes=HEX`, separated by commas. Numbers are decimal, or hexadecimal after 0x.
+ *
+ *     disp 0x10005 value=3,text=signal - bytes=00ff
+ *
+ * @return empty, or what is wrong with it
+ */
+std::string readEventOrder(const std::string& line, EventOrder* order);
+
+/**
+ * Lets whoever may write into the state directory raise events: each line written to the named pipe `raise`
+ * there is an order, which is carried out on a thread of the board. What is wrong with a line, and a handler
+ * that fails, is said on standard error. Called again, it does nothing.
+ */
+void startEventPipe();
+
+}  // namespace simulator

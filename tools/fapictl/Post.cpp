@@ -1,0 +1,20 @@
+#include "tools/fapictl/Events.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Values.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+
+Exit post(const Context& context) {
+    const std::vector<std::string>& words = context.options.words;
+    const Interface& manager = findInterface(context.package, "Manager");
+    const Method& method = findMethod(manager, "post_event");
+    Json arguments = Json::array({parseValue(*method.arguments[0].type, words[0], "TYPE")});
+    for (size_t i = 1; i < method.arguments.size(); ++i) {
+        arguments.push_back(parseEventRecord(*method.arguments[i].type, i < words.size() ? words[i] : "-",
+                                             "record " + std::to_string(i)));
+    }
+    return callAndPrint(context, manager, method, arguments);
+}
+
+}  // namespace fapictl
