@@ -1,119 +1,30 @@
 // The service executable on the simulated board, seen from another process.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <stdlib.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiInformation.h>
-#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
-#include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <sstream>
-#include <thread>
+#include <atomic>
 
-#include "platform/src/Registry.h"
+#include "tests/process/ServiceFixture.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-using ::android::sp;
 using ::android::hardware::hidl_string;
 using ::android::hardware::ObjectReference;
 using ::android::hardware::Registry;
 using ::testing::HasSubstr;
 using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInformation;
-using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager;
 
 // In the order in which the service registers them.
 const std::vector<std::string> kInterfaces = {"Audio",      "DisplayTest", "Display", "Network",
                                               "Peripheral", "InputSource", "System",  "Information",
                                               "Tv",         "Manager"};
 
-std::string descriptorOf(const std::string& name) {
-    return "vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApi" + name;
-}
-
-bool eventually(const std::function<bool()>& condition) {
-    for (int i = 0; i < 4000; ++i) {
-        if (condition()) {
-            return true;
-        }
-        std::this_thread::sleep_for(2ms);
-    }
-    return false;
-}
-
-class ServiceTest : public testing::Test {
+class ServiceTest : public ServiceFixture {
   protected:
-    // A process opens one registry, so all tests share the folder; each has a board of its own.
-    ServiceTest() {
-        static int sCount = 0;
-        mRegistryPath = Registry::defaultPath();
-        mState = mRegistryPath + "-state-" + std::to_string(++sCount);
-        mLog = mState + ".log";
-        setenv("ZVTTV_STATE_DIR", mState.c_str(), 1);
-        setenv("ZVTTV_DEBUG_LEVEL", "1", 1);
-        setenv("ZVTTV_BOARD_READY", "yes", 1);
-        for (const auto& file : std::filesystem::directory_iterator(mRegistryPath)) {
-            std::filesystem::remove(file);
-        }
-    }
-    ~ServiceTest() override {
-        stop(SIGKILL);
-        std::filesystem::remove_all(mState);
-        std::filesystem::remove(mLog);
-    }
-
-    void start() {
-        mPid = fork();
-        if (mPid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            const int log = open(mLog.c_str(), O_CREAT | O_WRONLY | O_APPEND | O_CLOEXEC, 0600);
-            dup2(log, STDERR_FILENO);
-            execl(getenv("ZVTTV_TEST_SERVICE"), getenv("ZVTTV_TEST_SERVICE"), nullptr);
-            _exit(127);
-        }
-    }
-    bool isRegistered(const std::string& name) {
-        ObjectReference reference;
-        pid_t pid = 0;
-        Registry registry(mRegistryPath);
-        return registry.find(descriptorOf(name), "default", &reference, &pid) == android::OK && pid == mPid;
-    }
-    void startAndWait() {
-        start();
-        ASSERT_TRUE(eventually([this] { return isRegistered("Manager"); })) << log();
-    }
-    /** How the process ended: its exit code, or minus the signal. */
-    int wait() {
-        int status = 0;
-        waitpid(mPid, &status, 0);
-        mPid = -1;
-        return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
-    }
-    void stop(int number) {
-        if (mPid > 0) {
-            kill(mPid, number);
-            wait();
-        }
-    }
-    std::string log() const {
-        std::stringstream text;
-        text << std::ifstream(mLog).rdbuf();
-        return text.str();
-    }
     bool hasFile(const std::string& name) const {
         return std::filesystem::exists(mRegistryPath + "/" + descriptorOf(name) + "+default");
     }
-
     static std::pair<std::string, int32_t> version() {
         std::pair<std::string, int32_t> result;
         const auto call = IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_get_fapi_sw_version(
@@ -123,11 +34,6 @@ class ServiceTest : public testing::Test {
         EXPECT_TRUE(call.isOk());
         return result;
     }
-
-    std::string mRegistryPath;
-    std::string mState;
-    std::string mLog;
-    pid_t mPid = -1;
 };
 
 TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
@@ -139,7 +45,7 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
     EXPECT_FALSE(version().first.empty());
     EXPECT_EQ(0, int32_t(IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_set_ini_para(
                          "panel", "test:value", "27")));
-    stop(SIGTERM);
+    service().stop(SIGTERM);
     startAndWait();
     std::pair<std::string, int32_t> value;
     EXPECT_TRUE(IZvtTvFApiInformation::getService()
@@ -180,7 +86,7 @@ TEST_F(ServiceTest, TheDebugLevelsLowByteDecidesWhetherAnythingIsLogged) {
         setenv("ZVTTV_DEBUG_LEVEL", level, 1);
         startAndWait();
         EXPECT_EQ(0, version().second);
-        stop(SIGTERM);
+        service().stop(SIGTERM);
         if (logs) {
             EXPECT_THAT(log(), HasSubstr(entry)) << level;
             EXPECT_THAT(log(), HasSubstr("Start ZvtTvFApi SDK Service: version:v1.0.0.13")) << level;
@@ -195,13 +101,11 @@ TEST_F(ServiceTest, ANameThatIsTakenStopsTheStartThereWithItsMessage) {
     for (size_t taken = 0; taken < kInterfaces.size(); ++taken) {
         std::filesystem::remove(mLog);
         std::filesystem::remove_all(mState);
-        for (const auto& file : std::filesystem::directory_iterator(mRegistryPath)) {
-            std::filesystem::remove(file);
-        }
+        clearRegistry();
         Registry holder(mRegistryPath);
         ASSERT_EQ(android::OK, holder.take(descriptorOf(kInterfaces[taken]), "default", ObjectReference{}));
         start();
-        EXPECT_EQ(-SIGABRT, wait()) << kInterfaces[taken];
+        EXPECT_EQ(-SIGABRT, service().wait()) << kInterfaces[taken];
         EXPECT_THAT(log(), HasSubstr("Could not register zvtTvFApi" + kInterfaces[taken] + " as service"));
         for (size_t i = 0; i < kInterfaces.size(); ++i) {
             EXPECT_EQ(i <= taken, hasFile(kInterfaces[i]))
@@ -227,20 +131,13 @@ TEST_F(ServiceTest, ManyProcessesCallAtOnceAndTheServiceKeepsToItsThreads) {
         caller.join();
     }
     EXPECT_EQ(0, wrong);
-    const auto tasks = std::filesystem::directory_iterator("/proc/" + std::to_string(mPid) + "/task");
-    EXPECT_LE(std::distance(begin(tasks), end(tasks)), 11) << "ten that serve and one that watches";
+    EXPECT_LE(countOf("task"), 12u) << "ten that serve, one that watches, and the board's own";
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    char folder[] = "/tmp/service-test-XXXXXX";
-    if (mkdtemp(folder) == nullptr || setenv("HIDL_RUNTIME_DIR", folder, 1) != 0) {
-        perror("mkdtemp");
-        return 1;
-    }
-    const int result = RUN_ALL_TESTS();
-    std::filesystem::remove_all(folder);
-    return result;
+    const RegistryFolder folder;
+    return RUN_ALL_TESTS();
 }

@@ -1,0 +1,223 @@
+// Events through the real service: raised by the simulated board or posted, received by other processes. With
+// --watch, the program is such a process: it writes the value of each event's first record to its output.
+
+#include <gmock/gmock.h>
+#include <hidl/HidlTransportSupport.h>
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
+
+#include <atomic>
+#include <mutex>
+
+#include "tests/process/ServiceFixture.h"
+
+namespace {
+
+using ::android::sp;
+using ::android::hardware::Return;
+using ::android::hardware::Void;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
+using Record = ZvtTvFApiEventCommonObject;
+
+class Watcher : public IZvtTvFApiCallbackManager {
+  public:
+    using Listener = std::function<void(const std::string& module, uint32_t type, const Record (&)[4])>;
+    explicit Watcher(Listener listener) : mListener(std::move(listener)) {}
+
+#define WATCHER_METHOD(module)                                                              \
+    Return<void> notify##module##Event(uint32_t type, const Record& one, const Record& two, \
+                                       const Record& three, const Record& four) override {  \
+        mListener(#module, type, {one, two, three, four});                                  \
+        return Void();                                                                      \
+    }
+    WATCHER_METHOD(Sys)
+    WATCHER_METHOD(Disp)
+    WATCHER_METHOD(DispTst)
+    WATCHER_METHOD(Info)
+    WATCHER_METHOD(InpSrc)
+    WATCHER_METHOD(Prphrl)
+    WATCHER_METHOD(Aud)
+    WATCHER_METHOD(Net)
+    WATCHER_METHOD(Tv)
+#undef WATCHER_METHOD
+
+  private:
+    const Listener mListener;
+};
+
+int32_t post(uint32_t type, const Record& first = {}) {
+    const Return<int32_t> posted =
+            IZvtTvFApiManager::getService()->a_hidl_a_zvttvfapi_mngr_post_event(type, first, {}, {}, {});
+    return posted.withDefault(INT32_MIN);
+}
+
+bool watch(const sp<Watcher>& watcher) {
+    return IZvtTvFApiManager::getService()->a_hidl_a_zvttvfapi_mngr_set_callback(watcher).withDefault(-1) ==
+           0;
+}
+
+int playWatcher() {
+    if (!watch(new Watcher([](const std::string&, uint32_t, const Record(&records)[4]) {
+            if (write(STDOUT_FILENO, &records[0].u32Value, sizeof(uint32_t)) < 0) {
+                _exit(1);
+            }
+        }))) {
+        return 1;
+    }
+    const uint32_t registered = UINT32_MAX;
+    const bool told = write(STDOUT_FILENO, &registered, sizeof(registered)) == sizeof(registered);
+    pause();
+    return told ? 0 : 1;
+}
+
+class EventsTest : public ServiceFixture {
+  protected:
+    EventsTest() { startAndWait(); }
+
+    static ChildProcess watcher() {
+        ChildProcess child({"/proc/self/exe", "--watch"}, "");
+        EXPECT_EQ(UINT32_MAX, next(child)) << "registered";
+        return child;
+    }
+    /** The next value that a watcher has received. */
+    static uint32_t next(const ChildProcess& child) {
+        uint32_t value = 0;
+        EXPECT_EQ(ssize_t{sizeof(value)}, read(child.output(), &value, sizeof(value)));
+        return value;
+    }
+    void raise(const std::string& order) const { std::ofstream(mState + "/raise") << order << std::endl; }
+};
+
+TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
+    std::mutex lock;
+    std::vector<std::string> seen;
+    const sp<Watcher> local =
+            new Watcher([&](const std::string& module, uint32_t type, const Record(&records)[4]) {
+                const std::lock_guard<std::mutex> guard(lock);
+                seen.push_back(module + " " + std::to_string(type) + " " + toString(records[0]) +
+                               toString(records[3]));
+            });
+    ASSERT_TRUE(watch(local));
+    const ChildProcess other = watcher();
+    const std::pair<const char*, const char*> modules[] = {
+            {"sys", "Sys"},       {"net", "Net"},       {"disp", "Disp"}, {"disptst", "DispTst"},
+            {"prphrl", "Prphrl"}, {"inpsrc", "InpSrc"}, {"aud", "Aud"},   {"info", "Info"}};
+    uint32_t value = 0;
+    std::vector<std::string> expected;
+    const auto expect = [&](const std::string& module, uint32_t type, const Record& first,
+                            const Record& last) {
+        expected.push_back(module + " " + std::to_string(type) + " " + toString(first) + toString(last));
+        EXPECT_TRUE(eventually([&] {
+            const std::lock_guard<std::mutex> guard(lock);
+            return seen == expected;
+        })) << module;
+        EXPECT_EQ(first.u32Value, next(other));
+    };
+    for (const auto& [name, method] : modules) {
+        ++value;
+        raise(std::string(name) + " 0x10005 value=" + std::to_string(value) + ",text=signal - - bytes=00ff");
+        expect(method, 0x10005, {value, "signal", {}}, {0, "", {0, 255}});
+    }
+    EXPECT_EQ(0, post(0x1000000, {77, "posted", {1}}));
+    expect("Tv", 0x1000000, {77, "posted", {1}}, {});
+    EXPECT_EQ(-2, post(0x2000000));
+    raise("nonsense 1");
+    EXPECT_TRUE(eventually([this] { return log().find("there is no module") != std::string::npos; }));
+}
+
+TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
+    const ChildProcess first = watcher();
+    ChildProcess second = watcher();
+    const ChildProcess third = watcher();
+    second.stop(SIGKILL);
+    EXPECT_TRUE(eventually([this] { return log().find("cblist 2") != std::string::npos; }));
+    EXPECT_THAT(log(), HasSubstr("> Client disconnect 1"));
+    EXPECT_THAT(log(), HasSubstr("> cblist 0"));
+    EXPECT_THAT(log(), Not(HasSubstr("cblist 1")));
+    EXPECT_EQ(0, post(0x10000, {5, "", {}}));
+    EXPECT_EQ(5u, next(first));
+    EXPECT_EQ(5u, next(third));
+}
+
+TEST_F(EventsTest, AStoppedClientDelaysNobodyAndGetsWhatItsQueueHeldInOrder) {
+    const ChildProcess stopped = watcher();
+    const ChildProcess awake = watcher();
+    stopped.signal(SIGSTOP);
+    const Record record{0, "", std::vector<uint8_t>(8000, 1)};
+    uint32_t failed = 0;
+    for (uint32_t i = 0; i < 400; ++i) {
+        Record numbered = record;
+        numbered.u32Value = i;
+        failed += post(0x10000, numbered) == -1;
+        ASSERT_EQ(i, next(awake));
+    }
+    EXPECT_GT(failed, 0u);
+    EXPECT_LT(failed, 390u);
+    stopped.signal(SIGCONT);
+    for (uint32_t i = 0; i < 400 - failed; ++i) {
+        ASSERT_EQ(i, next(stopped));
+    }
+    EXPECT_TRUE(eventually([&] { return post(0x10000, {1000, "", {}}) == 0; }));
+    EXPECT_EQ(1000u, next(stopped));
+}
+
+TEST_F(EventsTest, AClientMayPostAndRegisterFromInsideItsCallback) {
+    std::atomic<int> seen{0};
+    std::atomic<int> nested{0};
+    const sp<Watcher> inner = new Watcher([&](const std::string&, uint32_t, const auto&) { ++nested; });
+    const sp<Watcher> outer = new Watcher([&](const std::string&, uint32_t type, const auto&) {
+        if (++seen == 1) {
+            EXPECT_TRUE(watch(inner));
+            EXPECT_EQ(0, post(type + 1));
+        }
+    });
+    ASSERT_TRUE(watch(outer));
+    EXPECT_EQ(0, post(0x10000));
+    EXPECT_TRUE(eventually([&] { return seen == 2 && nested == 1; }));
+}
+
+TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
+    setenv("ZVTTV_DEBUG_LEVEL", "0", 1);
+    startAndWait();
+    std::atomic<uint32_t> received{0};
+    std::atomic<bool> ordered{true};
+    const sp<Watcher> survivor = new Watcher([&](const std::string&, uint32_t, const Record(&records)[4]) {
+        ordered = ordered && records[0].u32Value == received;
+        ++received;
+    });
+    ASSERT_TRUE(watch(survivor));
+    EXPECT_NE(INT32_MIN, post(0x2000000));
+    const size_t before = countOf("fd");
+    uint32_t sent = 0;
+    for (int round = 0; round < 20; ++round) {
+        std::vector<ChildProcess> clients;
+        for (int i = 0; i < 10; ++i) {
+            clients.emplace_back(std::vector<std::string>{"/proc/self/exe", "--watch"}, "");
+            EXPECT_NE(INT32_MIN, post(0x10000, {sent++, "", {}}));
+        }
+        for (size_t i = 0; i < clients.size(); ++i) {
+            if (i % 2 == 0) {
+                clients[i].signal(SIGSTOP);
+            }
+            EXPECT_NE(INT32_MIN, post(0x10000, {sent++, "", {}}));
+        }
+    }
+    EXPECT_TRUE(eventually([&] { return received == sent; }));
+    EXPECT_TRUE(ordered);
+    EXPECT_TRUE(eventually([&] { return countOf("fd") <= before; }))
+            << before << " before, " << countOf("fd");
+    EXPECT_EQ(0, post(0x10000, {sent, "", {}})) << "no dead client is left to fail";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    android::hardware::configureRpcThreadpool(1, false);
+    if (argc > 1 && std::string(argv[1]) == "--watch") {
+        return playWatcher();
+    }
+    testing::InitGoogleTest(&argc, argv);
+    const RegistryFolder folder;
+    return RUN_ALL_TESTS();
+}
