@@ -59,6 +59,19 @@ sp<BHwBinder> Exports::drop(uint64_t number, uint64_t count) {
     return object;
 }
 
+uint64_t Exports::heldBy(uint64_t number, const Holds& holds) {
+    const std::lock_guard<std::mutex> lock(mLock);
+    const auto held = holds.counts.find(number);
+    return held == holds.counts.end() ? 0 : held->second;
+}
+
+void Exports::unpin(uint64_t number) {
+    sp<BHwBinder> last;
+    const std::lock_guard<std::mutex> lock(mLock);
+    mEntries.at(number).pinned = false;
+    last = drop(number, 0);
+}
+
 bool Exports::release(uint64_t number, uint64_t count, Holds* holds) {
     sp<BHwBinder> last;
     const std::lock_guard<std::mutex> lock(mLock);

@@ -24,11 +24,17 @@ class Exports {
     /** Exports for good, for the registry. */
     void pin(const sp<BHwBinder>& object, uint64_t* number, uint64_t* nonce);
 
+    /** Undoes pin(). */
+    void unpin(uint64_t number);
+
     /** Exports the object for one more reference that a peer is sent. False when the peer is gone. */
     bool hold(const sp<BHwBinder>& object, Holds* holds, uint64_t* number, uint64_t* nonce);
 
     /** A peer got the reference elsewhere. False when there is no such object, or no peer. */
     bool hold(uint64_t number, uint64_t nonce, Holds* holds);
+
+    /** How many references to an object a peer holds. */
+    uint64_t heldBy(uint64_t number, const Holds& holds);
 
     /** A peer dropped count references. False when it holds fewer: then it is left with what it had. */
     bool release(uint64_t number, uint64_t count, Holds* holds);

@@ -167,9 +167,7 @@ const char* Inbound::serveMessage(uint8_t* bytes) {
             mTransport.exports().hold(head.object, head.nonce, &mPeer->holds);
             return nullptr;
         case MessageKind::Release:
-            return mTransport.exports().release(head.object, head.code, &mPeer->holds)
-                           ? nullptr
-                           : "a peer releases what it holds";
+            return mPeer->release(head.object, head.code);
         default:
             return "a connection for one-way messages carries no calls";
     }

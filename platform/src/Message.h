@@ -101,6 +101,9 @@ class ObjectResolver {
     /** @return DEAD_OBJECT when the object's process can not be reached. */
     virtual status_t resolve(const ObjectReference& reference, sp<IBinder>* object) = 0;
 
+    /** The message whose reader it was given to is read: no reference of it will be asked for any more. */
+    virtual void messageRead() {}
+
   protected:
     ~ObjectResolver() = default;
 };

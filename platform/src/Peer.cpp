@@ -67,6 +67,51 @@ status_t Peer::Resolver::resolve(const ObjectReference& reference, sp<IBinder>* 
 
 // Calling its objects.
 
+/** Counts a call in progress, until endCall(), and takes a connection for it. */
+status_t Peer::beginCall(CallConnection* connection) {
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        ++mCalls;
+    }
+    const status_t status = borrow(connection);
+    if (status != OK) {
+        endCall();
+    }
+    return status;
+}
+
+void Peer::endCall() {
+    std::unordered_map<uint64_t, uint64_t> releases;
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (--mCalls > 0 || mReleases.empty()) {
+            return;
+        }
+        releases.swap(mReleases);
+    }
+    for (const auto& [object, count] : releases) {
+        // Checked against what it holds when it came.
+        mTransport.exports().release(object, count, &holds);
+    }
+}
+
+const char* Peer::release(uint64_t object, uint64_t count) {
+    constexpr const char* kRule = "a peer releases what it holds";
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (mCalls > 0) {
+            const auto waiting = mReleases.find(object);
+            const uint64_t all = count + (waiting == mReleases.end() ? 0 : waiting->second);
+            if (all < count || mTransport.exports().heldBy(object, holds) < all) {
+                return kRule;
+            }
+            mReleases[object] = all;
+            return nullptr;
+        }
+    }
+    return mTransport.exports().release(object, count, &holds) ? nullptr : kRule;
+}
+
 status_t Peer::borrow(CallConnection* connection) {
     {
         std::unique_lock<std::mutex> lock(mLock);
@@ -192,10 +237,26 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
         }
     }
     CallConnection connection;
-    status_t status = borrow(&connection);
+    status_t status = beginCall(&connection);
     if (status != OK) {
         return status;
     }
+    Message message;
+    status = exchange(head, data, std::move(connection), &message);
+    if (status == OK) {
+        status = message.header().status;
+    }
+    if (status == OK) {
+        reply->receive(std::move(message), &mReplyResolver);  // whose end ends the call
+    } else {
+        endCall();
+    }
+    return status;
+}
+
+/** Sends a call and receives its answer, on a connection that is given back or, if it breaks, closed. */
+status_t Peer::exchange(MessageHeader head, const Parcel& data, CallConnection connection, Message* message) {
+    status_t status;
     {
         ExportScope objects(mTransport, *this);
         Encoder encoder;
@@ -213,8 +274,7 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
         }
         objects.sent();
     }
-    Message message;
-    status = receiveReply(connection.fd.get(), &message);
+    status = receiveReply(connection.fd.get(), message);
     if (status == DEAD_OBJECT) {
         return afterBreak(std::move(connection));
     }
@@ -224,11 +284,7 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
     }
     connection.proven = true;
     giveBack(std::move(connection));
-    status = message.header().status;
-    if (status == OK) {
-        reply->receive(std::move(message), &resolver);
-    }
-    return status;
+    return OK;
 }
 
 status_t Peer::post(MessageHeader head, const Parcel& data) {

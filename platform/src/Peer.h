@@ -62,6 +62,13 @@ class Peer : public std::enable_shared_from_this<Peer> {
     /** What it holds of our objects; guarded by the transport's Exports. */
     Holds holds;
     /**
+     * The peer has dropped references that we sent it. While a call of ours to it is in progress they still
+     * count: its answer may be about to bring one of them back.
+     *
+     * @return null, or the rule that it breaks
+     */
+    const char* release(uint64_t object, uint64_t count);
+    /**
      * Counts a connection that the peer has made.
      *
      * @return null, or the rule that it breaks
@@ -93,19 +100,31 @@ class Peer : public std::enable_shared_from_this<Peer> {
         uint64_t received;  // references that the peer counts for us
         std::vector<wp<IBinder::DeathRecipient>> links;
     };
-    class Resolver final : public ObjectResolver {
+    class Resolver : public ObjectResolver {
       public:
         explicit Resolver(Peer& peer) : mPeer(peer) {}
         status_t resolve(const ObjectReference& reference, sp<IBinder>* object) override;
 
-      private:
+      protected:
+        ~Resolver() = default;
         Peer& mPeer;
     };
+    class RequestResolver final : public Resolver {
+        using Resolver::Resolver;
+    };
+    class ReplyResolver final : public Resolver {
+      public:
+        using Resolver::Resolver;
+        void messageRead() override { mPeer.endCall(); }
+    };
 
+    status_t beginCall(CallConnection* connection);
+    void endCall();
     status_t borrow(CallConnection* connection);
     void giveBack(CallConnection connection);
     void discard(CallConnection connection);
     status_t afterBreak(CallConnection connection);
+    status_t exchange(MessageHeader head, const Parcel& data, CallConnection connection, Message* message);
     status_t receiveReply(int fd, Message* message);
     sp<IBinder> proxyFor(const ObjectReference& reference, uint64_t received);
 
@@ -118,6 +137,8 @@ class Peer : public std::enable_shared_from_this<Peer> {
     std::condition_variable mConnectionFree;
     std::vector<CallConnection> mIdle;
     size_t mCallConnections = 0;
+    size_t mCalls = 0;                                 // in progress, until their answers are read
+    std::unordered_map<uint64_t, uint64_t> mReleases;  // that wait for them, by object
     std::unordered_map<uint64_t, Known> mProxies;
     std::unordered_set<int> mInbound;
     bool mInboundControl = false;
@@ -128,7 +149,10 @@ class Peer : public std::enable_shared_from_this<Peer> {
 
   public:
     /** Resolves references that this peer sent. */
-    Resolver resolver{*this};
+    RequestResolver resolver{*this};
+
+  private:
+    ReplyResolver mReplyResolver{*this};
 };
 
 /** An object of another process. */

@@ -72,6 +72,9 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
     status_t status = Transport::self().publish(object, &reference);
     if (status == OK) {
         status = takeAll(names, instance, reference);
+        if (status != OK) {
+            Transport::self().withdraw(reference);
+        }
     }
     if (status == OK) {
         Transport::self().startThreadPool();

@@ -342,8 +342,8 @@ void Transport::acceptConnections() {
 }
 
 /**
- * Descriptors have run out: takes the next connection with the spare one and closes it. False when none waits:
- * without a free descriptor the kernel does not tell that from the lack of one.
+ * Descriptors have run out: takes the next connection with the spare one and closes it. False when none
+ * waits: without a free descriptor the kernel does not tell that from the lack of one.
  */
 bool Transport::refuseConnection() {
     mReserve.reset();

@@ -45,6 +45,9 @@ class Transport final : public ObjectResolver {
      */
     status_t publish(const sp<IBinder>& object, ObjectReference* reference);
 
+    /** Undoes publish(); who holds the object by now keeps it. */
+    void withdraw(const ObjectReference& reference) { mExports.unpin(reference.object); }
+
     /** Object of a reference found in the registry; DEAD_OBJECT when its process can not be reached. */
     status_t resolve(const ObjectReference& reference, sp<IBinder>* object) override;
 

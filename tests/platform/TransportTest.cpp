@@ -32,7 +32,7 @@ bool eventually(const std::function<bool()>& condition) {
     return false;
 }
 
-enum Method : uint32_t { kAdd = 1, kKeep, kBlob, kBlock, kNote, kSelf, kSum };
+enum Method : uint32_t { kAdd = 1, kKeep, kBlob, kBlock, kNote, kSelf, kSum, kReturn };
 
 /** An object with methods of every shape that the transport tells apart. */
 class Probe : public BHwBinder {
@@ -51,7 +51,7 @@ class Probe : public BHwBinder {
     status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
                         TransactCallback callback) override {
         int32_t number = 0;
-        status_t status = code == kSelf || code == kKeep ? OK : data.readInt32(&number);
+        status_t status = code == kSelf || code == kKeep || code == kReturn ? OK : data.readInt32(&number);
         if (status != OK) {
             return status;
         }
@@ -88,6 +88,12 @@ class Probe : public BHwBinder {
             case kSelf:
                 reply->writeStrongBinder(new Probe(mAlive));
                 break;
+            case kReturn: {
+                sp<IBinder> object;
+                status = data.readNullableStrongBinder(&object);
+                reply->writeStrongBinder(object);
+                break;
+            }
             case kSum: {
                 const void* bytes = nullptr;
                 status = data.readBuffer(static_cast<size_t>(number), &handle, &bytes);
@@ -283,6 +289,23 @@ TEST_F(TransportTest, TheSameRemoteObjectIsTheSameProxyAndOnesOwnIsTheObjectItse
     object->kept.clear();
     ASSERT_EQ(OK, pass(proxy, nullptr));
     EXPECT_EQ(nullptr, object->kept);
+}
+
+TEST_F(TransportTest, AnObjectComesBackToItsOwnerThoughTheOtherSideLetsGoAtOnce) {
+    Transport client;
+    client.setMaxThreads(2, false);
+    const sp<IBinder> proxy = objectFor(client);
+    for (int i = 0; i < 300; ++i) {
+        const sp<Probe> mine = new Probe;
+        Parcel data;
+        Parcel reply;
+        data.writeStrongBinder(mine);
+        ASSERT_EQ(OK, proxy->transact(kReturn, data, &reply));
+        sp<IBinder> back;
+        ASSERT_EQ(OK, reply.readNullableStrongBinder(&back)) << i;
+        ASSERT_EQ(mine.get(), back.get());
+    }
+    EXPECT_TRUE(eventually([&] { return client.exports().size() == 0; }));
 }
 
 TEST_F(TransportTest, OneWayCallsReachTheirObjectInOrder) {
@@ -495,6 +518,10 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
         LogCapture log;
         Attacker attacker(server.endpoint());
         const UniqueFd other = attacker.connect(MessageKind::HelloCall);
+        MessageHeader first{};
+        first.kind = MessageKind::Call;
+        Attacker::send(other, Attacker::head(first, 0));
+        EXPECT_EQ(DEAD_OBJECT, Attacker::status(other)) << "it is in use";
         const UniqueFd fd = attacker.connect(test.connection);
         MessageHeader header{};
         header.kind = MessageKind::Call;

@@ -29,6 +29,11 @@ namespace android::hardware {
 class Parcel {
   public:
     Parcel() = default;
+    ~Parcel() {
+        if (mResolver != nullptr) {
+            mResolver->messageRead();
+        }
+    }
     Parcel(const Parcel&) = delete;
     Parcel& operator=(const Parcel&) = delete;
 
@@ -90,7 +95,9 @@ class Parcel {
     status_t error() const { return mError; }
     /** Forgets what was written. */
     void clear();
-    /** Makes this the reader of a message. Objects in it are resolved by the given resolver, in read order.
+    /**
+     * Makes this the reader of a message, once. Objects in it are resolved by the given resolver, in read
+     * order; the resolver is told when the parcel ends, and must live until then.
      */
     void receive(Message message, ObjectResolver* resolver);
 
