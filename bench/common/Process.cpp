@@ -13,12 +13,31 @@
 
 namespace bench {
 
+namespace {
+
+volatile sig_atomic_t sEndingChild = 0;  // a child of ours is being ended by us
+
+/** Without the other end a measurement would wait for ever. */
+void onChildEnded(int) {
+    if (sEndingChild == 0) {
+        const char complaint[] = "bench: a program that is needed has ended\n";
+        (void)!write(STDERR_FILENO, complaint, sizeof(complaint) - 1);
+        _exit(2);
+    }
+}
+
+}  // namespace
+
 Child::Child(const std::string& program, const std::vector<std::string>& arguments, int standardInput) {
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }
     argv.push_back(nullptr);
+    struct sigaction action {};
+    action.sa_handler = onChildEnded;
+    action.sa_flags = SA_NOCLDSTOP | SA_RESTART;
+    sigaction(SIGCHLD, &action, nullptr);
     mPid = fork();
     if (mPid < 0) {
         failOnCall("fork");
@@ -36,8 +55,10 @@ Child::Child(const std::string& program, const std::vector<std::string>& argumen
 }
 
 Child::~Child() {
+    sEndingChild = 1;
     kill(mPid, SIGKILL);
     waitpid(mPid, nullptr, 0);
+    sEndingChild = 0;
 }
 
 TemporaryFolder::TemporaryFolder() {

@@ -8,7 +8,10 @@
 
 namespace bench {
 
-/** A program that runs until this object ends. It is killed with us, too. */
+/**
+ * A program that runs until this object ends. It is killed with us, too; if it ends before, so do we. From
+ * one thread.
+ */
 class Child {
   public:
     /**

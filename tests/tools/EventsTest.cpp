@@ -47,7 +47,7 @@ TEST(EventRecord, IsReadFromPlainWords) {
         const Json record = parseEventRecord(recordType(), row.word, "record 1");
         EXPECT_EQ(record["u32Value"], row.record.value);
         EXPECT_EQ(record["strValue"], row.record.text);
-        EXPECT_EQ(record["vecValue"].get_binary(), row.record.bytes);
+        EXPECT_EQ(std::vector<uint8_t>(record["vecValue"].get_binary()), row.record.bytes);
     }
 }
 

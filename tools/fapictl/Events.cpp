@@ -28,17 +28,19 @@ struct Key {
 };
 constexpr Key kKeys[] = {{"value", "u32Value"}, {"text", "strValue"}, {"bytes", "vecValue"}};
 
-std::string timeText(std::chrono::system_clock::time_point time, const char* form, bool zone) {
-    const auto whole = std::chrono::floor<std::chrono::seconds>(time);
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(whole);
+/** Local time to the millisecond; whole is with the date and the zone. */
+std::string timeText(std::chrono::system_clock::time_point time, bool whole) {
+    const auto start = std::chrono::floor<std::chrono::seconds>(time);
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(start);
     std::tm local = {};
     localtime_r(&seconds, &local);
     char text[64];
-    size_t length = std::strftime(text, sizeof text, form, &local);
-    const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(time - whole).count();
+    size_t length = whole ? std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local)
+                          : std::strftime(text, sizeof text, "%H:%M:%S", &local);
+    const auto rest = std::chrono::duration_cast<std::chrono::milliseconds>(time - start).count();
     length += static_cast<size_t>(
             std::snprintf(text + length, sizeof text - length, ".%03d", static_cast<int>(rest)));
-    if (zone) {
+    if (whole) {
         std::strftime(text + length, sizeof text - length, "%z", &local);
     }
     return text;
@@ -161,8 +163,8 @@ std::string eventLine(uint64_t number, const Event& event) {
     std::snprintf(type, sizeof type, "0x%08x", event.type);
     std::string module = event.module;
     module.resize(std::max<size_t>(module.size(), kModuleColumns), ' ');
-    std::string line = std::to_string(number) + "  " + timeText(event.time, "%H:%M:%S", false) + "  " +
-                       module + "  " + type;
+    std::string line =
+            std::to_string(number) + "  " + timeText(event.time, false) + "  " + module + "  " + type;
     const char* separator = "  ";
     for (const Event::Record& record : event.records) {
         line += separator + recordText(record);
@@ -177,7 +179,7 @@ Json eventJson(uint64_t number, const Event& event) {
         records.push_back({{"value", record.value}, {"text", record.text}, {"bytes", toHex(record.bytes)}});
     }
     return {{"number", number},
-            {"time", timeText(event.time, "%Y-%m-%dT%H:%M:%S", true)},
+            {"time", timeText(event.time, true)},
             {"module", event.module},
             {"type", event.type},
             {"records", std::move(records)}};

@@ -1,0 +1,74 @@
+// bench-listener [<message bytes>]: one of several clients that receive events; with a number, messages of
+// this length from its standard input instead. Answers a byte there after every kBatch of them.
+
+#include <hidl/HidlTransportSupport.h>
+#include <unistd.h>
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
+
+#include <atomic>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "bench/events/Batch.h"
+#include "bench/transport/Raw.h"
+
+namespace {
+
+using ::android::hardware::Return;
+using ::android::hardware::Void;
+using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
+using Record = ZvtTvFApiEventCommonObject;
+
+class Listener : public IZvtTvFApiCallbackManager {
+  public:
+#define LISTENER_METHOD(name)                                                                               \
+    Return<void> name(uint32_t type, const Record&, const Record&, const Record&, const Record&) override { \
+        count(type);                                                                                        \
+        return Void();                                                                                      \
+    }
+    LISTENER_METHOD(notifySysEvent)
+    LISTENER_METHOD(notifyDispEvent)
+    LISTENER_METHOD(notifyDispTstEvent)
+    LISTENER_METHOD(notifyInfoEvent)
+    LISTENER_METHOD(notifyInpSrcEvent)
+    LISTENER_METHOD(notifyPrphrlEvent)
+    LISTENER_METHOD(notifyAudEvent)
+    LISTENER_METHOD(notifyNetEvent)
+    LISTENER_METHOD(notifyTvEvent)
+#undef LISTENER_METHOD
+
+  private:
+    void count(uint32_t type) {
+        ++mCount;
+        if (mCount % bench::kBatch == 0 || (type & bench::kAnswerAtOnce) != 0) {
+            mCount = 0;
+            bench::writeFully(STDIN_FILENO, "", 1);
+        }
+    }
+
+    std::atomic<uint32_t> mCount{0};
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 2) {
+        std::vector<char> message(std::stoul(argv[1]));
+        for (uint32_t count = 1; bench::readFully(STDIN_FILENO, message.data(), message.size()); ++count) {
+            if (count % bench::kBatch == 0 && !bench::writeFully(STDIN_FILENO, "", 1)) {
+                break;
+            }
+        }
+        return 0;
+    }
+    android::hardware::configureRpcThreadpool(1, false);
+    const android::sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
+    if (manager->a_hidl_a_zvttvfapi_mngr_set_callback(new Listener).withDefault(-1) != 0 ||
+        !bench::writeFully(STDIN_FILENO, "", 1)) {
+        std::fprintf(stderr, "bench-listener: not registered\n");
+        return 2;
+    }
+    pause();
+    return 0;
+}
