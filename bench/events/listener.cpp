@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
         }
         return 0;
     }
-    android::hardware::configureRpcThreadpool(1, false);
+    android::hardware::configureRpcThreadpool(2, false);
     const android::sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
     if (manager->a_hidl_a_zvttvfapi_mngr_set_callback(new Listener).withDefault(-1) != 0 ||
         !bench::writeFully(STDIN_FILENO, "", 1)) {

@@ -1,7 +1,6 @@
 // bench-startup: from the start of the service to its last registration, and what it costs when idle, beside
 // a process that opens one socket.
 
-#include <android/log.h>
 #include <hidl/ServiceManagement.h>
 #include <poll.h>
 #include <sys/inotify.h>
@@ -53,45 +52,82 @@ size_t registeredNames() {
     return count;
 }
 
-/** The process under test, and how to tell that it is ready. */
+/**
+ * Tells what happens in a folder. It lasts as long as the program, as ending a watch takes the kernel some
+ * milliseconds.
+ */
+class FolderWatch {
+  public:
+    FolderWatch(const std::string& folder, uint32_t events) : mFd(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+        if (mFd < 0 || inotify_add_watch(mFd, folder.c_str(), events) < 0) {
+            failOnCall("inotify");
+        }
+    }
+    ~FolderWatch() { close(mFd); }
+    FolderWatch(const FolderWatch&) = delete;
+    FolderWatch& operator=(const FolderWatch&) = delete;
+
+    /** Forgets what has happened so far. */
+    void drain() const {
+        char events[4096];
+        while (read(mFd, events, sizeof(events)) > 0) {
+        }
+    }
+
+    /** Waits until something happens to a file with this text in its name. */
+    void await(const std::string& name) const {
+        while (true) {
+            pollfd ready{mFd, POLLIN, 0};
+            const int count = poll(&ready, 1, kPatienceMilliseconds);
+            if (count == 0) {
+                fail(name + " does not appear");
+            }
+            alignas(inotify_event) char events[4096];
+            const ssize_t got = read(mFd, events, sizeof(events));
+            for (ssize_t at = 0; at < got;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(events + at);
+                if (event->len > 0 && std::string(event->name).find(name) != std::string::npos) {
+                    return;
+                }
+                at += static_cast<ssize_t>(sizeof(*event) + event->len);
+            }
+        }
+    }
+
+  private:
+    static constexpr int kPatienceMilliseconds = 10'000;
+
+    const int mFd;
+};
+
+/** The process under test, and how to tell that it is ready without asking it. */
 struct Subject {
     std::function<std::unique_ptr<Child>()> start;
     std::function<void()> awaitReady;
 };
 
-Subject bareProcess(const TemporaryFolder& folder) {
+Subject bareProcess(const TemporaryFolder& folder, const FolderWatch& watch) {
     const std::string socket = folder / "bare";
-    return {[socket] {
+    return {[socket, &watch] {
                 std::filesystem::remove(socket);
+                watch.drain();
                 return std::make_unique<Child>(sibling("bench-raw-server"), std::vector<std::string>{socket});
             },
-            [socket] {
-                // The folder tells of the socket's name; it listens a moment later.
-                const int watch = inotify_init1(IN_CLOEXEC);
-                if (watch < 0 ||
-                    inotify_add_watch(watch, socket.substr(0, socket.rfind('/')).c_str(), IN_CREATE) < 0) {
-                    failOnCall("inotify");
-                }
-                while (!std::filesystem::exists(socket)) {
-                    pollfd ready{watch, POLLIN, 0};
-                    if (poll(&ready, 1, 5000) != 1) {
-                        fail("the bare process does not start");
-                    }
-                    char events[4096];
-                    (void)!read(watch, events, sizeof(events));
-                }
-                close(watch);
-                const RawClient client(socket, {0, 0});
+            [socket, &watch] {
+                watch.await("bare");
+                const RawClient client(socket, {0, 0});  // it has its name a moment before it listens
             }};
 }
 
-Subject service(const std::string& program) {
-    return {[program] { return std::make_unique<Child>(program); },
-            [] {
-                // The manager is registered last.
-                if (IZvtTvFApiManager::getService("default") == nullptr) {
-                    fail("the service does not come up");
-                }
+Subject service(const std::string& program, const FolderWatch& watch) {
+    return {[program, &watch] {
+                watch.drain();
+                return std::make_unique<Child>(program);
+            },
+            [&watch] {
+                do {
+                    watch.await("IZvtTvFApiManager");  // the last one
+                } while (registeredNames() < kNames);
             }};
 }
 
@@ -160,18 +196,20 @@ int main(int argc, char** argv) {
             ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
 
-    __android_log_set_minimum_priority(ANDROID_LOG_WARN);  // waiting for the service is what is measured
     const TemporaryFolder folder;
-    setenv("HIDL_RUNTIME_DIR", (folder / "runtime").c_str(), 1);
+    const std::string runtime = folder / "runtime";
+    setenv("HIDL_RUNTIME_DIR", runtime.c_str(), 1);
+    setenv("ZVTTV_DEBUG_LEVEL", "0", 1);
     setenv("ZVTTV_STATE_DIR", (folder / "state").c_str(), 1);
-    const Subject bare = bareProcess(folder);
-    const Subject own = service(program);
+    std::filesystem::create_directory(runtime);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
+    const FolderWatch folderWatch(folder / ".", IN_CREATE);
+    const FolderWatch registryWatch(runtime, IN_MODIFY);
+    const Subject bare = bareProcess(folder, folderWatch);
+    const Subject own = service(program, registryWatch);
     {
         const std::unique_ptr<Child> first = own.start();  // it also makes the board's files
         own.awaitReady();
-        if (registeredNames() != kNames) {
-            fail("the service has registered " + std::to_string(registeredNames()) + " names");
-        }
     }
 
     std::vector<Table> tables;

@@ -47,7 +47,7 @@ Exchange bytesOf(const std::function<void()>& call) {
     call();  // the first one greets, too
     sMoved = {};
     call();
-    if (sMoved.request == 0 || sMoved.reply == 0) {
+    if (sMoved.request == 0) {
         fail("the transport uses other system calls than the ones that are counted");
     }
     return sMoved;

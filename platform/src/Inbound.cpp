@@ -35,10 +35,12 @@ class ReplyExporter final : public ObjectExporter {
 }  // namespace
 
 Inbound::Inbound(Transport& transport, std::shared_ptr<Peer> peer, UniqueFd fd, bool control)
-    : mTransport(transport), mPeer(std::move(peer)), mFd(std::move(fd)), mControl(control) {
-    if (!mControl) {
-        setWaitLimits(mFd.get(), kLingerMilliseconds);
-    }
+    : mTransport(transport),
+      mPeer(std::move(peer)),
+      mFd(std::move(fd)),
+      mControl(control),
+      mBlockBytes(control ? kControlBlockBytes : kSmallBlockBytes) {
+    setWaitLimits(mFd.get(), kLingerMilliseconds);
 }
 
 Inbound::~Inbound() {
@@ -71,7 +73,7 @@ bool Inbound::serve() {
             mTransport.armInbound(this, EPOLLIN | EPOLLOUT);
             return true;
         }
-        justServed = served > before && !mControl;
+        justServed = served > before;
         const Read read = readMore(justServed && mTransport.mayLinger());
         if (read == Read::End) {
             break;
@@ -86,8 +88,8 @@ bool Inbound::serve() {
 
 Inbound::Read Inbound::readMore(bool wait) {
     if (mCapacity == 0) {
-        mBlock = allocateBlock(kSmallBlockBytes);
-        mCapacity = mBlock == nullptr ? 0 : kSmallBlockBytes;
+        mBlock = allocateBlock(mBlockBytes);
+        mCapacity = mBlock == nullptr ? 0 : mBlockBytes;
     }
     if (mHave == mCapacity) {
         // A message that has announced its length: the head is checked.
@@ -136,12 +138,12 @@ const char* Inbound::serveBuffered(int* served) {
     if (start > 0) {
         mHave -= start;
         std::memmove(mBlock.get(), mBlock.get() + start, mHave);
-        if (mCapacity > kSmallBlockBytes && mHave <= kSmallBlockBytes) {
-            Block small = allocateBlock(kSmallBlockBytes);
+        if (mCapacity > mBlockBytes && mHave <= mBlockBytes) {
+            Block small = allocateBlock(mBlockBytes);
             if (small != nullptr) {
                 std::memcpy(small.get(), mBlock.get(), mHave);
                 mBlock = std::move(small);
-                mCapacity = kSmallBlockBytes;
+                mCapacity = mBlockBytes;
             }
         }
     }

@@ -53,6 +53,7 @@ class Inbound {
     const std::shared_ptr<Peer> mPeer;
     UniqueFd mFd;
     const bool mControl;
+    const size_t mBlockBytes;  // what a read is offered, unless a message is longer
     Block mBlock;
     size_t mCapacity = 0;
     size_t mHave = 0;

@@ -26,6 +26,9 @@ constexpr size_t kMaxPendingHellos = 64;
 /** Endpoints of one process that we talk to: ordinary processes have one, tests a few. */
 constexpr size_t kMaxEndpointsPerProcess = 8;
 
+/** What a read of one-way messages is offered: a burst of events is fetched at once. */
+constexpr size_t kControlBlockBytes = 64 * 1024;
+
 /** Messages of one connection served in a row before others get their turn. */
 constexpr int kMaxServedInARow = 64;
 

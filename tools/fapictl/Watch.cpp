@@ -241,7 +241,9 @@ std::vector<std::string> chosenModules(const Options& options) {
     return chosen;
 }
 
-void subscribe(const sp<IBase>& service, const sp<Watcher>& watcher, const sp<DeathNotice>& notice) {
+/** The manager, which must be kept for as long as its death is to be noticed: a link ends with its proxy. */
+sp<IZvtTvFApiManager> subscribe(const sp<IBase>& service, const sp<Watcher>& watcher,
+                                const sp<DeathNotice>& notice) {
     // One thread: events are queued in the order in which they come in.
     android::hardware::configureRpcThreadpool(1, false);
     const sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::castFrom(service);
@@ -260,6 +262,7 @@ void subscribe(const sp<IBase>& service, const sp<Watcher>& watcher, const sp<De
         throw Failure(Exit::Status, "the service refused the callback: " + std::to_string(number) + " (" +
                                             statusName(number) + ")");
     }
+    return manager;
 }
 
 /** Sleeps until something happens or the time has come; false in the latter case. */
@@ -342,7 +345,7 @@ Exit watch(const Context& context) {
     } const closer = {watcher->queue};
     const sp<IBase> service = findService(context, findInterface(context.package, "Manager"));
     const EndSignals signals;
-    subscribe(service, watcher, notice);
+    const sp<IZvtTvFApiManager> manager = subscribe(service, watcher, notice);
     if (!options.quiet) {
         context.err << "watching: press Ctrl-C to end" << std::endl;
     }
