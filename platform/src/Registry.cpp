@@ -56,7 +56,7 @@ uint64_t checksumOf(const Record& record) {
 bool isInterfaceName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](unsigned char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               std::strchr("._@:", c) != nullptr;
+               (c != 0 && std::strchr("._@:", c) != nullptr);
     });
 }
 

@@ -3,7 +3,9 @@
 #include <unistd.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
+#include <chrono>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace fapictl {
@@ -17,7 +19,7 @@ class Manager : public vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManag
 
   public:
     static constexpr uint32_t kCountClients = 1;   // the status is the number of registrations
-    static constexpr uint32_t kDie = 0x10dead;     // after the event has been relayed
+    static constexpr uint32_t kDie = 0x10dead;     // soon after the event has been relayed
     static constexpr uint32_t kRefuseClients = 2;  // that register from now on
 
     Return<int32_t> a_hidl_a_zvttvfapi_mngr_set_callback(const android::sp<Callback>& callback) override {
@@ -51,6 +53,8 @@ class Manager : public vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManag
             (callback.get()->*kMethods[module])(type, object1, object2, object3, object4).isOk();
         }
         if (type == kDie) {
+            // A client may not get what it has not read when the sender dies.
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
             _exit(0);
         }
         return 0;

@@ -25,12 +25,15 @@ using testing::Not;
 /** The tool against a service in a process of its own. */
 class Service : public testing::Test {
   protected:
+    // The process knows one registry, so its suites share the directory.
     static void SetUpTestSuite() {
+        if (!sDirectory.path.empty()) {
+            return;
+        }
         char name[] = "/tmp/fapictl-test-XXXXXX";
-        sDirectory = mkdtemp(name);
-        setenv("HIDL_RUNTIME_DIR", (sDirectory + "/run").c_str(), 1);
+        sDirectory.path = mkdtemp(name);
+        setenv("HIDL_RUNTIME_DIR", (sDirectory.path + "/run").c_str(), 1);
     }
-    static void TearDownTestSuite() { std::filesystem::remove_all(sDirectory); }
 
     ~Service() override { stop(); }
 
@@ -53,11 +56,18 @@ class Service : public testing::Test {
     }
     static Ran tool(const std::vector<std::string>& words) { return ran(testPackage(), words); }
 
-    static std::string sDirectory;
+    static struct Directory {
+        ~Directory() {
+            if (!path.empty()) {
+                std::filesystem::remove_all(path);
+            }
+        }
+        std::string path;
+    } sDirectory;
     pid_t mPid = 0;
 };
 
-std::string Service::sDirectory;
+Service::Directory Service::sDirectory;
 
 TEST_F(Service, IsWaitedForAndListedWhileItsProcessLives) {
     Ran waited;
@@ -127,7 +137,7 @@ TEST_F(Service, StatusesDecideTheExitCodeAndTheResultsAreShownAnyway) {
 
 TEST_F(Service, TextAndBytesGoToAFileAsTheyAreUnlessTheMethodFailed) {
     startAndWait("files");
-    const std::string path = sDirectory + "/out";
+    const std::string path = sDirectory.path + "/out";
     const auto contents = [&] {
         std::ifstream file(path, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
@@ -239,7 +249,7 @@ TEST_F(Watch, OfSomeModulesCountsTheirsOnlyAndEndsInTime) {
     EXPECT_EQ(factory({"watch", "--timeout", "0.1", "--quiet"}).code, Exit::Success);
 }
 
-TEST_F(Watch, EndsWithTheServiceAfterItsLastEvent) {
+TEST_F(Watch, EndsWhenTheServiceDies) {
     watch({"--count", "2"});
     EXPECT_EQ(post(Manager::kDie, {"text=last"}).code, Exit::Transport);
     EXPECT_EQ(join().code, Exit::Transport);

@@ -53,7 +53,7 @@ constexpr const char* kWatchHelp =
         "with 3\n"
         "when --count events have not come within --timeout, and with 4 when the service dies. Says on "
         "standard\n"
-        "error when it has begun, from when on no event is missed.\n\n"
+        "error when it has registered. A reader of its output that stalls can cost it events.\n\n"
         "  fapictl watch --module sys --module net\n"
         "  fapictl watch --count 1 --timeout 10 --json\n";
 

@@ -241,7 +241,7 @@ std::vector<std::string> chosenModules(const Options& options) {
     return chosen;
 }
 
-/** The manager, which must be kept for as long as its death is to be noticed: a link ends with its proxy. */
+/** Returns the manager, whose proxy must live for the notice to come. */
 sp<IZvtTvFApiManager> subscribe(const sp<IBase>& service, const sp<Watcher>& watcher,
                                 const sp<DeathNotice>& notice) {
     // One thread: events are queued in the order in which they come in.
