@@ -24,13 +24,20 @@ void* unlessRefused(std::size_t size, Allocate allocate) {
 
 }  // namespace
 
-// The program's own, in place of the standard library's.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+// The linker leads every call of the two operators here (--wrap); to define them anew would clash with a
+// sanitizer's.
+extern "C" {
+
+void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept;
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept;
+
+void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
     return unlessRefused(size, [](std::size_t bytes) { return ::operator new(bytes); });
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
     return unlessRefused(size, [](std::size_t bytes) { return ::operator new[](bytes); });
+}
 }
 
 FailingAllocation::FailingAllocation(int nth) {
