@@ -188,7 +188,7 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     });
     ASSERT_TRUE(watch(survivor));
     EXPECT_NE(INT32_MIN, post(0x2000000));
-    const size_t before = countOf("fd");
+    const size_t before = openDescriptors();
     uint32_t sent = 0;
     for (int round = 0; round < 20; ++round) {
         std::vector<ChildProcess> clients;
@@ -205,8 +205,8 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     }
     EXPECT_TRUE(eventually([&] { return received == sent; }));
     EXPECT_TRUE(ordered);
-    EXPECT_TRUE(eventually([&] { return countOf("fd") <= before; }))
-            << before << " before, " << countOf("fd");
+    EXPECT_TRUE(eventually([&] { return openDescriptors() <= before; }))
+            << before << " before, " << openDescriptors();
     EXPECT_EQ(0, post(0x10000, {sent, "", {}})) << "no dead client is left to fail";
 }
 

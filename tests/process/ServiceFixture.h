@@ -130,10 +130,8 @@ class ServiceFixture : public testing::Test {
             std::filesystem::remove(file);
         }
     }
-    /** Entries of a folder of the service in /proc: its threads ("task") or descriptors ("fd"). */
-    size_t countOf(const std::string& folder) {
-        const std::string path = "/proc/" + std::to_string(service().pid()) + "/" + folder;
-        const std::filesystem::directory_iterator all(path);
+    size_t openDescriptors() {
+        const std::filesystem::directory_iterator all("/proc/" + std::to_string(service().pid()) + "/fd");
         return static_cast<size_t>(std::distance(begin(all), end(all)));
     }
     std::string log() const {
