@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include <memory>
 
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Names.h"
@@ -30,18 +29,17 @@ constexpr size_t kLongestQuote = 60;
 
 std::string readFile(const Type& type, std::string_view word, const std::string& where) {
     const std::string path(word.substr(1));
-    errno = 0;
-    std::ifstream file;
-    if (path != "-") {
-        file.open(path, std::ios::binary);
-    }
-    std::istream& in = path == "-" ? std::cin : file;
+    // Not a stream: some standard libraries' take a read error, as of a directory, for the end of the file.
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(
+            path == "-" ? nullptr : std::fopen(path.c_str(), "rb"), std::fclose);
+    std::FILE* const file = path == "-" ? stdin : opened.get();
     std::string contents(kLargestFile + 1, '\0');
-    in.read(contents.data(), static_cast<std::streamsize>(contents.size()));
-    if (in.bad() || (!file.is_open() && path != "-")) {
+    if (file != nullptr) {
+        contents.resize(std::fread(contents.data(), 1, contents.size(), file));
+    }
+    if (file == nullptr || std::ferror(file)) {
         refuse(type, where, word, std::string("cannot read the file: ") + std::strerror(errno));
     }
-    contents.resize(static_cast<size_t>(in.gcount()));
     if (contents.size() > kLargestFile) {
         refuse(type, where, word, "the file is too large");
     }
