@@ -170,6 +170,7 @@ class TransportTest : public testing::Test {
         return proxy;
     }
 
+    std::atomic<int> alive{0};  // outlives the objects that the server keeps
     const sp<Probe> object = new Probe;
     ObjectReference reference;
     Transport server;
@@ -229,7 +230,6 @@ TEST_F(TransportTest, MessagesUpToTheLimitPassAndLongerOnesFailForTheirCallAlone
 }
 
 TEST_F(TransportTest, AnObjectLivesAsLongAsAPeerHoldsIt) {
-    std::atomic<int> alive{0};
     const sp<Probe> maker = new Probe(&alive);
     ObjectReference made;
     ASSERT_EQ(OK, server.publish(maker, &made));
