@@ -19,7 +19,10 @@ struct Crowd::Member {
         mChild = std::make_unique<Child>(sibling("bench-caller"), arguments, ends[1]);
         close(ends[1]);
     }
-    ~Member() { close(mOrders); }
+    ~Member() {
+        mChild.reset();  // before its standard input ends and it with it
+        close(mOrders);
+    }
 
     uint64_t receive() const {
         uint64_t calls = 0;
