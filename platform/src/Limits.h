@@ -42,4 +42,10 @@ constexpr int kLingerMilliseconds = 4;
 /** How long a caller retries to reach a process whose queue of connections is full. */
 constexpr int kConnectPatienceMilliseconds = 2000;
 
+/**
+ * How long a caller whose first call on a connection broke off waits for the end of the other process, which
+ * closes its descriptors one by one, before it takes the break for a refusal.
+ */
+constexpr int kExitPatienceMilliseconds = 50;
+
 }  // namespace android::hardware

@@ -4,7 +4,10 @@
 
 #include <errno.h>
 #include <log/log.h>
+#include <poll.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -55,6 +58,15 @@ bool sendHello(int fd, MessageKind kind, const Endpoint& self) {
     encoder.encode(head);
     Gather gather = encoder.gather();
     return sendSome(fd, &gather, MSG_DONTWAIT) > 0 && gather.bytes == 0;
+}
+
+bool endsWithin(pid_t pid, int milliseconds) {
+    const UniqueFd process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+    if (!process.ok()) {
+        return errno == ESRCH;
+    }
+    pollfd end{process.get(), POLLIN, 0};
+    return poll(&end, 1, milliseconds) > 0;
 }
 
 }  // namespace
@@ -145,7 +157,7 @@ status_t Peer::borrow(CallConnection* connection) {
     }
     discard({});
     if (!fd.ok() && (error == ECONNREFUSED || error == EPERM)) {
-        markDead();
+        markGone();
         return DEAD_OBJECT;
     }
     ALOGW("no connection to pid %d: %s", credentials.pid, strerror(error));
@@ -174,10 +186,11 @@ status_t Peer::afterBreak(CallConnection connection) {
     discard(std::move(connection));
     if (!gone) {
         Credentials who;
-        gone = !connectTo(mEndpoint, &who).ok() && errno == ECONNREFUSED;
+        gone = (!connectTo(mEndpoint, &who).ok() && errno == ECONNREFUSED) ||
+               endsWithin(credentials.pid, kExitPatienceMilliseconds);
     }
     if (gone) {
-        markDead();
+        markGone();
         return DEAD_OBJECT;
     }
     return FAILED_TRANSACTION;
@@ -335,7 +348,7 @@ status_t Peer::ensureControl() {
             ALOGW("no connection to pid %d: %s", credentials.pid, strerror(errno));
             return FAILED_TRANSACTION;
         }
-        markDead();
+        markGone();
         return DEAD_OBJECT;
     }
     if (!mTransport.admit(*this, who) ||
@@ -464,9 +477,9 @@ void Peer::removeInbound(int fd, bool control) {
         mInbound.erase(fd);
         ended = ended || (mInbound.empty() && mCallConnections == 0 && mProxies.empty());
     }
-    // Without any connection nothing would tell us of its end.
+    // With its one-way messages all is said; and without any connection nothing would tell us of its end.
     if (ended && (control || !mControl.isOpen())) {
-        markDead();
+        end();
     }
 }
 
@@ -483,32 +496,45 @@ void Peer::complain(const MessageHeader& head, status_t status) {
 
 // Its end.
 
-void Peer::markDead() {
+void Peer::markGone() {
+    bool more;
     {
         const std::lock_guard<std::mutex> lock(mLock);
-        if (mDead) {
-            return;
-        }
         mDead = true;
         mCallConnections -= mIdle.size();
         mIdle.clear();
+        more = mInboundControl && !mEnded;
+        mConnectionFree.notify_all();
+    }
+    mControl.shutdown();
+    if (!more) {
+        end();
+    }
+}
+
+void Peer::end() {
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (mEnded) {
+            return;
+        }
+        mEnded = true;
         for (const int fd : mInbound) {
             ::shutdown(fd, SHUT_RDWR);
         }
-        mConnectionFree.notify_all();
     }
+    markGone();
     mTransport.exports().releaseAll(&holds);
     mTransport.forget(*this);
-    mControl.shutdown();
 }
 
 void Peer::drop(const char* rule) {
     ALOGW("dropped pid %d uid %u: it broke the rule that %s", credentials.pid, credentials.uid, rule);
-    markDead();
+    end();
 }
 
 void Peer::bury() {
-    markDead();
+    markGone();
     std::vector<std::pair<sp<IBinder::DeathRecipient>, wp<IBinder>>> links;
     {
         const std::lock_guard<std::mutex> lock(mLock);

@@ -80,8 +80,12 @@ class Peer : public std::enable_shared_from_this<Peer> {
 
     // Its end.
 
-    /** Ends it; any thread, any number of times. Links are reported by bury(). */
-    void markDead();
+    /**
+     * Its process is gone: nothing is sent to it from here on. What it holds, and its connections to us, last
+     * until its one-way messages have been read: it may have sent some just before. Any thread, any number of
+     * times. Links are reported by bury().
+     */
+    void markGone();
     /** Ends it for breaking a rule, and says so in the log. */
     void drop(const char* rule);
     /** Reports its death to every link, once. On the platform thread, without locks. */
@@ -118,6 +122,8 @@ class Peer : public std::enable_shared_from_this<Peer> {
         void messageRead() override { mPeer.endCall(); }
     };
 
+    void end();
+
     status_t beginCall(CallConnection* connection);
     void endCall();
     status_t borrow(CallConnection* connection);
@@ -143,6 +149,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
     std::unordered_set<int> mInbound;
     bool mInboundControl = false;
     bool mDead = false;
+    bool mEnded = false;
     bool mBuried = false;
 
     std::atomic<uint32_t> mComplaints{0};

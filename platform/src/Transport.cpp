@@ -284,6 +284,7 @@ void Transport::runPlatformThread() {
                 const std::lock_guard<std::mutex> lock(mLock);
                 mWatched.erase(event.data.fd);
             }
+            hearOut(*watched.peer);
             watched.peer->bury();
             watched.peer->control().close();
         } else {
@@ -360,6 +361,20 @@ bool Transport::refuseConnection() {
     fd.reset();
     mReserve = reserveDescriptor();
     return refused;
+}
+
+/** A peer has ended: takes the connection on which it may have sent messages just before. */
+void Transport::hearOut(const Peer& peer) {
+    if (mListener.ok()) {
+        acceptConnections();
+    }
+    for (auto greeter = mGreeters.begin(); greeter != mGreeters.end();) {
+        const auto next = std::next(greeter);
+        if (greeter->credentials.pid == peer.credentials.pid) {
+            readHello(greeter);
+        }
+        greeter = next;
+    }
 }
 
 void Transport::dropGreeter(std::list<Greeter>::iterator greeter) {

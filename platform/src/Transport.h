@@ -102,6 +102,7 @@ class Transport final : public ObjectResolver {
     void runPlatformThread();
     void acceptConnections();
     bool refuseConnection();
+    void hearOut(const Peer& peer);
     void readHello(std::list<Greeter>::iterator greeter);
     void welcome(Greeter& greeter);
     void dropGreeter(std::list<Greeter>::iterator greeter);

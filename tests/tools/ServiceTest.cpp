@@ -253,7 +253,8 @@ TEST_F(Watch, EndsWhenTheServiceDies) {
     watch({"--count", "2"});
     EXPECT_EQ(post(Manager::kDie, {"text=last"}).code, Exit::Transport);
     EXPECT_EQ(join().code, Exit::Transport);
-    EXPECT_THAT(join().err, HasSubstr("the service died"));
+    EXPECT_THAT(join().out, HasSubstr("0x0010dead  text=\"last\""));
+    EXPECT_THAT(join().err, HasSubstr("the service died; 1 event was shown"));
     EXPECT_EQ(factory({"watch"}).code, Exit::NotFound);
 }
 
