@@ -12,7 +12,7 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 namespace {
 
-using Object = ZvtTvFApiManager::Object;
+using ChipEventObject = ZvtTvFApiManager::ChipEventObject;
 
 /// The callback method of one handler.
 using Notification = Return<void> (IZvtTvFApiCallbackManager::*)(uint32_t, const ZvtTvFApiEventCommonObject&,
@@ -23,8 +23,8 @@ using Notification = Return<void> (IZvtTvFApiCallbackManager::*)(uint32_t, const
 /// What every handler does: converts the records, once for all clients and before the lock, then tells each
 /// client. A client that can not be told costs the others nothing; only its death removes it. Without memory
 /// for the records nobody is told, and the result says so.
-int relay(const char* name, Notification notify, uint32_t u32EvtType, const Object& stObj1,
-          const Object& stObj2, const Object& stObj3, const Object& stObj4) {
+int relay(const char* name, Notification notify, uint32_t u32EvtType, const ChipEventObject& stObj1,
+          const ChipEventObject& stObj2, const ChipEventObject& stObj3, const ChipEventObject& stObj4) {
     const HidlEventRecord first(stObj1);
     const HidlEventRecord second(stObj2);
     const HidlEventRecord third(stObj3);
@@ -66,10 +66,10 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
         const ZvtTvFApiEventCommonObject& stObj2, const ZvtTvFApiEventCommonObject& stObj3,
         const ZvtTvFApiEventCommonObject& stObj4) {
     try {
-        const Object first = toChipRecord(stObj1);
-        const Object second = toChipRecord(stObj2);
-        const Object third = toChipRecord(stObj3);
-        const Object fourth = toChipRecord(stObj4);
+        const ChipEventObject first = toChipRecord(stObj1);
+        const ChipEventObject second = toChipRecord(stObj2);
+        const ChipEventObject third = toChipRecord(stObj3);
+        const ChipEventObject fourth = toChipRecord(stObj4);
         for (const auto& route : kRoutes) {
             if ((u32EvtType & route.u32Mask) != 0) {
                 return route.handler(u32EvtType, first, second, third, fourth);
@@ -83,56 +83,65 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
 
 // The handlers.
 
-int ZvtTvFApiManager::onSysEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                 const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onSysEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                 const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                 const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifySysEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onNetEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                 const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onNetEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                 const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                 const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyNetEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onDispEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                  const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onDispEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                  const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                  const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyDispEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onDispTstEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                     const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onDispTstEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                     const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                     const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyDispTstEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onPrphrlEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                    const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onPrphrlEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                    const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                    const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyPrphrlEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onInpSrcEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                    const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onInpSrcEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                    const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                    const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyInpSrcEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onAudEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                 const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onAudEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                 const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                 const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyAudEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onInfoEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                  const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onInfoEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                  const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                  const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyInfoEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }
 
-int ZvtTvFApiManager::onTvEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                                const Object& stObj3, const Object& stObj4) {
+int ZvtTvFApiManager::onTvEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                                const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                                const ChipEventObject& stObj4) {
     return relay(__func__, &IZvtTvFApiCallbackManager::notifyTvEvent, u32EvtType, stObj1, stObj2, stObj3,
                  stObj4);
 }

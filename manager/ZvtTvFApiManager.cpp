@@ -2,6 +2,8 @@
 
 #include "manager/ZvtTvFApiManager.h"
 
+#include <new>
+
 #include "chiplayer/chiplayer.h"
 #include "manager/ClientDeathRecipient.h"
 #include "manager/ClientRegistry.h"
@@ -97,9 +99,14 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
     }
     const std::lock_guard<std::mutex> lock(sCbMutex);
     const uint64_t u64Cookie = sNextCookie;
-    sCbList[u64Cookie] = callback;
-    // A client that can not be linked stays registered; deliveries to it fail.
-    (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
+    try {
+        sCbList[u64Cookie] = callback;
+        // A client that can not be linked stays registered; deliveries to it fail.
+        (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
+    } catch (const std::bad_alloc&) {
+        sCbList.erase(u64Cookie);
+        return FAPI_FAIL;
+    }
     ++sNextCookie;
     return FAPI_OK;
 }

@@ -17,14 +17,17 @@ using ::android::hardware::Return;
 /// that failed is logged, and clients meet the library's own results.
 class ZvtTvFApiManager : public IZvtTvFApiManager {
   public:
+    using ChipEventObject = fapi_core::ZvtTvFApiEventCommonObject;
+
     /// The service's version, as the log's start line shows it.
     static constexpr char kVersion[] = "v1.0.0.13";
 
     ZvtTvFApiManager();
     ~ZvtTvFApiManager() override;
 
-    // Each calls its function of all eight modules, whatever the earlier ones returned. The result is the
-    // bitwise OR of the eight results: 0 exactly when every module succeeded.
+    /// The constructor's and destructor's steps, public so that a failing library can be met step by step.
+    /// Each calls its function of all eight modules, whatever the earlier ones returned. The result is the
+    /// bitwise OR of the eight results: 0 exactly when every module succeeded.
     Return<int32_t> initCallback();
     Return<int32_t> initModules();
     Return<int32_t> deinitCallback();
@@ -32,7 +35,8 @@ class ZvtTvFApiManager : public IZvtTvFApiManager {
 
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow.
 
-    /// Registers a client under the next cookie. Null is refused with -2: it takes no cookie.
+    /// Registers a client under the next cookie. Null is refused with -2, and -1 is the answer without
+    /// memory for it: neither takes a cookie.
     Return<int32_t> a_hidl_a_zvttvfapi_mngr_set_callback(
             const sp<IZvtTvFApiCallbackManager>& callback) override;
     /// Runs the handler that the type's bits choose, on this thread; its result, or -2 if none is chosen, or
@@ -43,30 +47,37 @@ class ZvtTvFApiManager : public IZvtTvFApiManager {
                                                        const ZvtTvFApiEventCommonObject& stObj3,
                                                        const ZvtTvFApiEventCommonObject& stObj4) override;
 
-    using Object = fapi_core::ZvtTvFApiEventCommonObject;
-
-    // The modules' event handlers, called on the library's threads, from the moment when they are registered:
-    // even while the constructor still runs. onTvEvent belongs to no module; posted events alone reach it.
-    // Result: 0 when every client was told or there is none, -1 when at least one could not be told, or when
-    // there was no memory for the event's bytes: then none was.
-    static int onAudEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                          const Object& stObj3, const Object& stObj4);
-    static int onDispEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                           const Object& stObj3, const Object& stObj4);
-    static int onDispTstEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                              const Object& stObj3, const Object& stObj4);
-    static int onInfoEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                           const Object& stObj3, const Object& stObj4);
-    static int onInpSrcEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                             const Object& stObj3, const Object& stObj4);
-    static int onNetEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                          const Object& stObj3, const Object& stObj4);
-    static int onPrphrlEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                             const Object& stObj3, const Object& stObj4);
-    static int onSysEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                          const Object& stObj3, const Object& stObj4);
-    static int onTvEvent(unsigned int u32EvtType, const Object& stObj1, const Object& stObj2,
-                         const Object& stObj3, const Object& stObj4);
+    /// The modules' event handlers, called on the library's threads, from the moment when they are
+    /// registered: even while the constructor still runs. onTvEvent belongs to no module; posted events alone
+    /// reach it. Result: 0 when every client was told or there is none, -1 when at least one could not be
+    /// told, or when there was no memory for the event's bytes: then none was.
+    static int onAudEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                          const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                          const ChipEventObject& stObj4);
+    static int onDispEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                           const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                           const ChipEventObject& stObj4);
+    static int onDispTstEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                              const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                              const ChipEventObject& stObj4);
+    static int onInfoEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                           const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                           const ChipEventObject& stObj4);
+    static int onInpSrcEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                             const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                             const ChipEventObject& stObj4);
+    static int onNetEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                          const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                          const ChipEventObject& stObj4);
+    static int onPrphrlEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                             const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                             const ChipEventObject& stObj4);
+    static int onSysEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                          const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                          const ChipEventObject& stObj4);
+    static int onTvEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
+                         const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+                         const ChipEventObject& stObj4);
 
   private:
     // Set by the constructor, read-only after.

@@ -44,11 +44,12 @@ sp<Object> registered(const char* name) {
 }  // namespace
 
 int main() {
+    // The most calls that are served at once; this thread is one of those that serve them.
     configureRpcThreadpool(10, true /* callerWillJoin */);
     u8TvFactoryDebug = static_cast<uint8_t>(_a_zvttvfapi_custom_init_debug_level());
 
     // Clients can call an object as soon as it is registered. The chip-layer modules are up only with the
-    // manager, which comes last; until then the readiness guard answers.
+    // manager, which comes last: until then only the library's readiness answer keeps calls from them.
     const auto zvtTvFApiAudio = registered<ZvtTvFApiAudio>("zvtTvFApiAudio");
     const auto zvtTvFApiDisplayTest = registered<ZvtTvFApiDisplayTest>("zvtTvFApiDisplayTest");
     const auto zvtTvFApiDisplay = registered<ZvtTvFApiDisplay>("zvtTvFApiDisplay");

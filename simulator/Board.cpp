@@ -33,9 +33,8 @@ int64_t readyTime() {
     const unsigned long delay = strtoul(text, &end, 10);
     if (text[0] < '0' || text[0] > '9' || *end != '\0' || errno != 0 || delay > kMaxDelayMilliseconds) {
         fprintf(stderr,
-                "board: ZVTTV_BOARD_READY is \"%s\", not \"yes\", \"no\" or a number of milliseconds up to "
-                "%lu: "
-                "the board stays not ready\n",
+                "board: ZVTTV_BOARD_READY is \"%s\", not \"yes\", \"no\" or a number of milliseconds "
+                "up to %lu: the board stays not ready\n",
                 text, kMaxDelayMilliseconds);
         return kNever;
     }

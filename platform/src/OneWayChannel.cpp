@@ -22,6 +22,11 @@ bool OneWayChannel::isOpen() {
     return mFd.ok() && !mBroken;
 }
 
+bool OneWayChannel::isBroken() {
+    const std::lock_guard<std::mutex> lock(mLock);
+    return mBroken;
+}
+
 status_t OneWayChannel::send(Gather message) {
     const std::lock_guard<std::mutex> lock(mLock);
     if (!mFd.ok() || mBroken) {

@@ -19,6 +19,8 @@ class OneWayChannel {
     /** Takes a connected socket that is (about to be) watched for input by the epoll instance. */
     void open(UniqueFd fd, int epoll);
     bool isOpen();
+    /** It was open, and ends with its peer. */
+    bool isBroken();
 
     /**
      * Sends one message whole or not at all.

@@ -341,6 +341,9 @@ status_t Peer::ensureControl() {
     if (mControl.isOpen()) {
         return OK;
     }
+    if (mControl.isBroken()) {
+        return DEAD_OBJECT;
+    }
     Credentials who;
     UniqueFd fd = connectTo(mEndpoint, &who);
     if (!fd.ok()) {
@@ -429,15 +432,20 @@ void Peer::forgetProxy(Proxy* proxy) {
 }
 
 status_t Peer::link(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient) {
-    const status_t status = ensureControl();
-    if (status != OK) {
+    status_t status = ensureControl();
+    if (status != OK && status != DEAD_OBJECT) {
         return status;
     }
-    const std::lock_guard<std::mutex> lock(mLock);
-    if (mBuried) {
-        return DEAD_OBJECT;
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (mBuried) {
+            status = DEAD_OBJECT;
+        }
+        mProxies[proxy->object()].links.push_back(recipient);
     }
-    mProxies[proxy->object()].links.push_back(recipient);
+    if (status == DEAD_OBJECT) {
+        mTransport.buryLater(shared_from_this());  // the caller may hold a lock that its recipient takes
+    }
     return OK;
 }
 

@@ -54,6 +54,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
     /** A proxy that was found, but not counted by the peer: of an object that is exported for good. */
     sp<IBinder> proxyOfPinned(const ObjectReference& reference);
     void forgetProxy(Proxy* proxy);
+    /** A peer that has ended already is reported to the new link as well, soon after. */
     status_t link(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient);
     status_t unlink(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient);
 
@@ -88,7 +89,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
     void markGone();
     /** Ends it for breaking a rule, and says so in the log. */
     void drop(const char* rule);
-    /** Reports its death to every link, once. On the platform thread, without locks. */
+    /** Reports its death to every link that has not been told. On the platform thread, without locks. */
     void bury();
     OneWayChannel& control() { return mControl; }
 

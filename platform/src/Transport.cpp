@@ -45,16 +45,19 @@ Transport& Transport::self() {
 Transport::Transport()
     : mEndpoint(randomEndpoint()),
       mWake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      mBuryWake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       mReserve(reserveDescriptor()) {
     mPoolEpoll = makeEpoll(mWake.get());
     // The platform thread tells sources apart by descriptor, so this event is told from them by its own.
     mPlatformEpoll = UniqueFd(epoll_create1(EPOLL_CLOEXEC));
-    epoll_event event{};
-    event.events = EPOLLIN;
-    event.data.fd = mWake.get();
-    LOG_ALWAYS_FATAL_IF(
-            !mPlatformEpoll.ok() || epoll_ctl(mPlatformEpoll.get(), EPOLL_CTL_ADD, mWake.get(), &event) != 0,
-            "no epoll instance: %s", strerror(errno));
+    for (const int fd : {mWake.get(), mBuryWake.get()}) {
+        epoll_event event{};
+        event.events = EPOLLIN;
+        event.data.fd = fd;
+        LOG_ALWAYS_FATAL_IF(
+                !mPlatformEpoll.ok() || epoll_ctl(mPlatformEpoll.get(), EPOLL_CTL_ADD, fd, &event) != 0,
+                "no epoll instance: %s", strerror(errno));
+    }
 }
 
 Transport::~Transport() {
@@ -81,8 +84,7 @@ Transport::~Transport() {
 }
 
 void Transport::wake() {
-    const uint64_t one = 1;
-    if (write(mWake.get(), &one, sizeof(one)) < 0) {
+    if (eventfd_write(mWake.get(), 1) != 0) {
         ALOGE("can not wake the threads: %s", strerror(errno));
     }
 }
@@ -267,6 +269,10 @@ void Transport::runPlatformThread() {
             acceptConnections();
             continue;
         }
+        if (event.data.fd == mBuryWake.get()) {
+            buryWaiting();
+            continue;
+        }
         Watched watched;
         {
             const std::lock_guard<std::mutex> lock(mLock);
@@ -290,6 +296,28 @@ void Transport::runPlatformThread() {
         } else {
             watched.peer->control().flush();
         }
+    }
+}
+
+void Transport::buryLater(const std::shared_ptr<Peer>& peer) {
+    const std::lock_guard<std::mutex> lock(mLock);
+    mToBury.push_back(peer);
+    startPlatformThread();
+    if (eventfd_write(mBuryWake.get(), 1) != 0) {
+        ALOGE("can not wake the platform thread: %s", strerror(errno));
+    }
+}
+
+void Transport::buryWaiting() {
+    eventfd_t count;
+    eventfd_read(mBuryWake.get(), &count);
+    std::vector<std::shared_ptr<Peer>> peers;
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        peers.swap(mToBury);
+    }
+    for (const auto& peer : peers) {
+        peer->bury();
     }
 }
 

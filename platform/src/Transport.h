@@ -70,6 +70,8 @@ class Transport final : public ObjectResolver {
     status_t exportTo(Peer& peer, const sp<IBinder>& object, ObjectReference* reference);
     /** Watches a control connection for the peer's end; the platform thread will flush its channel. */
     bool watchControl(const std::shared_ptr<Peer>& peer, UniqueFd fd);
+    /** Has the platform thread report a peer's end to links that came too late for the first report. */
+    void buryLater(const std::shared_ptr<Peer>& peer);
     /** Notes who a peer is with its first connection; false when another process uses its endpoint. */
     bool admit(Peer& peer, const Credentials& credentials);
     void forget(const Peer& peer);
@@ -100,6 +102,7 @@ class Transport final : public ObjectResolver {
     status_t listenOnce();
     void startPlatformThread();
     void runPlatformThread();
+    void buryWaiting();
     void acceptConnections();
     bool refuseConnection();
     void hearOut(const Peer& peer);
@@ -115,14 +118,16 @@ class Transport final : public ObjectResolver {
     Exports mExports;
     UniqueFd mPoolEpoll;
     UniqueFd mPlatformEpoll;
-    UniqueFd mWake;     // an eventfd in both epoll instances, readable once the transport ends
-    UniqueFd mReserve;  // given up for a moment to refuse a connection when descriptors have run out
+    UniqueFd mWake;      // an eventfd in both epoll instances, readable once the transport ends
+    UniqueFd mBuryWake;  // an eventfd, readable while mToBury has peers
+    UniqueFd mReserve;   // given up for a moment to refuse a connection when descriptors have run out
     UniqueFd mListener;
 
     std::mutex mLock;  // guards the rest but the atomics
     std::map<Endpoint, std::shared_ptr<Peer>> mPeers;
     std::map<int, Watched> mWatched;  // by descriptor; entries are removed by the platform thread alone
     std::unordered_set<Inbound*> mInbounds;
+    std::vector<std::shared_ptr<Peer>> mToBury;
     std::list<Greeter> mGreeters;  // oldest first; the platform thread's own
     std::thread mPlatformThread;
     std::list<std::thread> mPool;

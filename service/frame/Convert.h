@@ -129,9 +129,8 @@ inline constexpr bool isChipArgument = details::isConvertible<Parameter, Argumen
 
 /// Converts one argument to the type that the chip-layer function declares for it:
 ///
-/// - hidl_string to const char* or const unsigned char*: the text's own NUL-terminated bytes, valid as long
-/// as
-///   the text;
+/// - hidl_string to const char* or const unsigned char*: the text's own NUL-terminated bytes, valid as
+///   long as the text;
 /// - bool to unsigned char 0 or 1, or to bool;
 /// - an integer to an integer of the same width: the sign may change, the bits do not;
 /// - a HIDL enumeration with a ChipTwin to its twin, see toTwin();

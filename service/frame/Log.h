@@ -51,7 +51,7 @@
 #define FAPI_LOG_VALUES(priority, name, format, ...) \
     __android_log_print(priority, LOG_TAG, "<%s:%d> " format, name, __LINE__, __VA_ARGS__)
 
-// Texts that recur across interfaces. Clients' log filters match them to the letter, typing errors included.
+// Texts that recur across interfaces. They are fixed to the letter, typing errors included: do not correct them.
 
 /// A record of the client's has no counterpart in the chip-layer library.
 #define FAPI_TEXT_TYPES_MISMATCH "FAIL: types & a_zvttvfapi_types are mismatch! Please check it!\n"

@@ -9,8 +9,8 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 /// Success.
 inline constexpr int32_t FAPI_OK = 0;
-/// The service could not do it: a record that cannot be converted, a kind of request that is not supported,
-/// a result that could not be turned into its HIDL form.
+/// The service could not do it: a record that cannot be converted, a kind of request that is not supported or
+/// is switched off, a result that could not be turned into its HIDL form or exceeds its buffer, among others.
 inline constexpr int32_t FAPI_FAIL = -1;
 /// An argument from the client is unusable: nothing to write, an unknown kind. The library was not called.
 inline constexpr int32_t FAPI_INVALID_ARGUMENT = -2;
