@@ -5,9 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -23,15 +24,16 @@ constexpr char kPipeName[] = "raise";
 // A line is read into memory whole; a writer that sends more without a line's end has it thrown away.
 constexpr size_t kMaxLine = 2 * 1024 * 1024;
 
+std::string tooLong() {
+    return "the line is longer than " + std::to_string(kMaxLine) + " bytes";
+}
+
 bool readNumber(const std::string& text, uint32_t* number) {
-    char* end = nullptr;
-    errno = 0;
-    const unsigned long long value = std::strtoull(text.c_str(), &end, 0);
-    if (text.empty() || text[0] == '-' || *end != '\0' || errno != 0 || value > UINT32_MAX) {
-        return false;
-    }
-    *number = static_cast<uint32_t>(value);
-    return true;
+    const bool hexadecimal = text.compare(0, 2, "0x") == 0 || text.compare(0, 2, "0X") == 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] =
+            std::from_chars(text.data() + (hexadecimal ? 2 : 0), end, *number, hexadecimal ? 16 : 10);
+    return error == std::errc() && rest == end;
 }
 
 int digitOf(char letter) {
@@ -64,6 +66,7 @@ std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonO
         return {};
     }
     std::istringstream fields(text);
+    std::set<std::string> given;
     for (std::string field; std::getline(fields, field, ',');) {
         const size_t equals = field.find('=');
         const std::string key = field.substr(0, equals);
@@ -81,6 +84,9 @@ std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonO
         if (!good) {
             return "\"" + field + "\" is not value=NUMBER, text=TEXT or bytes=HEX";
         }
+        if (!given.insert(key).second) {
+            return key + " is given twice";
+        }
     }
     return {};
 }
@@ -93,7 +99,9 @@ void carryOut(const std::string& line) {
         return;
     }
     const int32_t status = order.module->raise(order.type, order.payload);
-    if (status != kOk) {
+    if (status == kNotSetUp) {
+        fprintf(stderr, "board: no event raised: the module is not set up\n");
+    } else if (status != kOk) {
         fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
     }
 }
@@ -114,7 +122,7 @@ void serve(Descriptor pipe) {
         }
         text.erase(0, start);
         if (text.size() > kMaxLine) {
-            fprintf(stderr, "board: no event raised: the line is longer than %zu bytes\n", kMaxLine);
+            fprintf(stderr, "board: no event raised: %s\n", tooLong().c_str());
             text.clear();
             skipping = true;
         }
@@ -145,6 +153,12 @@ Descriptor openPipe() {
 }  // namespace
 
 std::string readEventOrder(const std::string& line, EventOrder* order) {
+    if (line.size() > kMaxLine) {
+        return tooLong();
+    }
+    if (line.find('\0') != std::string::npos) {
+        return "a line holds no NUL";
+    }
     std::istringstream words(line);
     std::string module;
     std::string type;

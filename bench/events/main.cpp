@@ -19,6 +19,7 @@
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
 #include "bench/events/Batch.h"
+#include "bench/transport/Allocations.h"
 #include "bench/transport/Raw.h"
 #include "bench/transport/WireBytes.h"
 #include "manager/ClientRegistry.h"
@@ -114,6 +115,14 @@ void raise(uint32_t type, const Record& record) {
     }
 }
 
+uint64_t allocationsOfBatch(const Record& record) {
+    startCountingAllocations();
+    for (uint32_t i = 0; i < kBatch; ++i) {
+        raise(0x10000, record);
+    }
+    return stopCountingAllocations();
+}
+
 Table measure(bool pinned, const Options& options) {
     std::optional<OneCpu> binding;
     if (pinned) {
@@ -124,6 +133,7 @@ Table measure(bool pinned, const Options& options) {
 
     // 292 bytes a record: a number, a text of 32 characters, and bytes.
     const Record record{1, std::string(32, 't'), std::vector<uint8_t>(kRecordBytes - 4 - 32, 0x5A)};
+    const uint64_t allocatedForNobody = allocationsOfBatch(record);
     Listeners own = startListeners(kClients, {});
     awaitAll(own);
     const uint64_t messageBytes = bytesOf([&] { raise(0x10000, record); }).request / kClients;
@@ -147,6 +157,16 @@ Table measure(bool pinned, const Options& options) {
                     });
                 },
                 [&] { return deliveriesPerSecond(options.seconds, own, [&] { raise(0x10000, record); }); }));
+    }
+
+    const std::string allocations = "heap allocations per delivery, ten clients";
+    if (options.wants(allocations)) {
+        // The conversion happens once for all clients: what a batch takes without any is taken off.
+        const auto forClients =
+                static_cast<double>(allocationsOfBatch(record)) - static_cast<double>(allocatedForNobody);
+        awaitAll(own);
+        table.rows.push_back(single(allocations, Unit::Count, limit(Limit::Kind::AtMost, 0),
+                                    forClients / (kBatch * kClients)));
     }
 
     const std::string death = "kill to removal of a client";

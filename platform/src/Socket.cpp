@@ -142,7 +142,10 @@ ssize_t sendSome(int fd, Gather* gather, int flags) {
     head.msg_iovlen = gather->count;
     ssize_t sent;
     do {
-        sent = sendmsg(fd, &head, flags | MSG_NOSIGNAL);
+        // Most messages are one piece, which the kernel takes sooner without a list.
+        sent = gather->count == 1
+                       ? send(fd, gather->vectors->iov_base, gather->vectors->iov_len, flags | MSG_NOSIGNAL)
+                       : sendmsg(fd, &head, flags | MSG_NOSIGNAL);
     } while (sent < 0 && errno == EINTR);
     if (sent > 0) {
         gather->advance(static_cast<size_t>(sent));

@@ -15,8 +15,10 @@ namespace {
 using ::android::sp;
 using ::android::hardware::Return;
 using ::android::hardware::Void;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::Value;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
 using Record = ZvtTvFApiEventCommonObject;
 
@@ -86,6 +88,14 @@ class EventsTest : public ServiceFixture {
         EXPECT_EQ(ssize_t{sizeof(value)}, read(child.output(), &value, sizeof(value)));
         return value;
     }
+    /** The next line of a process, empty at its end. */
+    static std::string line(const ChildProcess& child) {
+        std::string text;
+        for (char c = 0; c != '\n' && read(child.output(), &c, 1) == 1;) {
+            text += c;
+        }
+        return text;
+    }
     void raise(const std::string& order) const { std::ofstream(mState + "/raise") << order << std::endl; }
 };
 
@@ -122,8 +132,50 @@ TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
     EXPECT_EQ(0, post(0x1000000, {77, "posted", {1}}));
     expect("Tv", 0x1000000, {77, "posted", {1}}, {});
     EXPECT_EQ(-2, post(0x2000000));
+    raise("sys 1 text=" + std::string(3 * 1024 * 1024, 'x'));
+    EXPECT_TRUE(eventually([this] { return log().find("the line is longer") != std::string::npos; }));
     raise("nonsense 1");
     EXPECT_TRUE(eventually([this] { return log().find("there is no module") != std::string::npos; }));
+}
+
+TEST_F(EventsTest, TheToolShowsWhatTheBoardRaisesAndWhatTheToolPosts) {
+    const std::string tool = getenv("ZVTTV_TEST_FAPICTL");
+    std::vector<ChildProcess> tools;
+    for (int i = 0; i < 2; ++i) {
+        const std::string errors = mState + "/tool" + std::to_string(i);
+        tools.emplace_back(
+                std::vector<std::string>{tool, "watch", "--json", "--count", "2", "--timeout", "60"}, errors);
+        ASSERT_TRUE(eventually([&] { return contentOf(errors).find("watching") != std::string::npos; }));
+    }
+    raise("disp 0x40005 value=3,text=signal - bytes=00ff");
+    for (const ChildProcess& watching : tools) {
+        EXPECT_THAT(line(watching), AllOf(HasSubstr(R"("number":1,)"), HasSubstr(R"("module":"disp")"),
+                                          HasSubstr(R"("type":262149)"), HasSubstr(R"("text":"signal")"),
+                                          HasSubstr(R"("bytes":"00ff")")));
+    }
+    ChildProcess posting({tool, "post", "0x1000000", "value=9"}, "");
+    EXPECT_EQ(0, posting.wait());
+    for (ChildProcess& watching : tools) {
+        EXPECT_THAT(line(watching), AllOf(HasSubstr(R"("number":2,)"), HasSubstr(R"("module":"tv")"),
+                                          HasSubstr(R"("value":9)")));
+        EXPECT_EQ("", line(watching)) << "no third event";
+        EXPECT_EQ(0, watching.wait());
+    }
+}
+
+TEST_F(EventsTest, AnEventTooLongForAMessageFailsForItsPosterAloneAndTheNextOneArrives) {
+    const ChildProcess other = watcher();
+    Record record{1, "", std::vector<uint8_t>(1024 * 1024)};
+    EXPECT_EQ(INT32_MIN, post(0x10000, record));
+    // What just fits the call exceeds the notification, whose interface has the longer name.
+    int32_t posted = INT32_MIN;
+    for (size_t size = 1024 * 1024; posted == INT32_MIN && size > 1000 * 1024; size -= 8) {
+        record.vecValue.resize(size);
+        posted = post(0x10000, record);
+    }
+    EXPECT_EQ(-1, posted);
+    EXPECT_EQ(0, post(0x10000, {2, "", {}}));
+    EXPECT_EQ(2u, next(other));
 }
 
 TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
@@ -131,9 +183,9 @@ TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
     ChildProcess second = watcher();
     const ChildProcess third = watcher();
     second.stop(SIGKILL);
-    EXPECT_TRUE(eventually([this] { return log().find("cblist 2") != std::string::npos; }));
-    EXPECT_THAT(log(), HasSubstr("> Client disconnect 1"));
-    EXPECT_THAT(log(), HasSubstr("> cblist 0"));
+    const auto told =
+            AllOf(HasSubstr("> Client disconnect 1"), HasSubstr("> cblist 0"), HasSubstr("> cblist 2"));
+    EXPECT_TRUE(eventually([&] { return Value(log(), told); })) << log();
     EXPECT_THAT(log(), Not(HasSubstr("cblist 1")));
     EXPECT_EQ(0, post(0x10000, {5, "", {}}));
     EXPECT_EQ(5u, next(first));

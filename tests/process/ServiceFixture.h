@@ -134,11 +134,12 @@ class ServiceFixture : public testing::Test {
         const std::filesystem::directory_iterator all("/proc/" + std::to_string(service().pid()) + "/fd");
         return static_cast<size_t>(std::distance(begin(all), end(all)));
     }
-    std::string log() const {
+    static std::string contentOf(const std::string& path) {
         std::stringstream text;
-        text << std::ifstream(mLog).rdbuf();
+        text << std::ifstream(path).rdbuf();
         return text.str();
     }
+    std::string log() const { return contentOf(mLog); }
 
     std::string mRegistryPath;
     std::string mState;
