@@ -39,18 +39,6 @@ class Collector final : public benchmark::BenchmarkReporter {
 
 }  // namespace
 
-void addOptions(CLI::App& app, Options* options) {
-    app.add_flag("--json", options->json, "Print JSON instead of tables");
-    app.add_flag("--check", options->check, "End with status 1 when a limit is exceeded");
-    app.add_option("--rounds", options->rounds, "Rounds of baseline and ours")
-            ->check(CLI::Range(1, 1000))
-            ->capture_default_str();
-    app.add_option("--seconds", options->seconds, "How long each side of a round is measured")
-            ->check(CLI::Range(0.001, 60.0))
-            ->capture_default_str();
-    app.add_option("--only", options->only, "Measure the workloads whose name has this text in it");
-}
-
 Row compare(const std::string& workload, Unit unit, Limit limit, int rounds, const Measure& baseline,
             const Measure& ours) {
     std::vector<double> theirFigures, ourFigures, ratios, differences;

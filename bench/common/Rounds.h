@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 
@@ -10,9 +9,6 @@ namespace bench {
 
 /** Gives one round's figure. */
 using Measure = std::function<double()>;
-
-/** Adds the options that all programs share. */
-void addOptions(CLI::App& app, Options* options);
 
 /**
  * Measures baseline and ours by turns, the one first in every other round, so that whatever changes on the

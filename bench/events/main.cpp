@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/common/CommandLine.h"
 #include "bench/common/Process.h"
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
@@ -248,9 +249,9 @@ Table measurePosting(const Options& options, const TemporaryFolder& folder) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Measures events to client processes beside raw sockets that move the same bytes.");
-    addOptions(app, &options);
-    CLI11_PARSE(app, argc, argv);
+    parseOptions(argc, argv,
+                 "Measures events to client processes beside raw sockets that move the same bytes.",
+                 &options);
 
     // A child's end is seen on its socket here; a signal would reach the threads that serve calls.
     sigset_t childEnded;

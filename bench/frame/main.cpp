@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "adapters/information/ZvtTvFApiInformation.h"
+#include "bench/common/CommandLine.h"
 #include "bench/common/Process.h"
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
@@ -27,9 +28,8 @@ const unsigned char* bytes(const hidl_string& text) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Measures what a method of the service adds to the chip-layer call under it.");
-    addOptions(app, &options);
-    CLI11_PARSE(app, argc, argv);
+    parseOptions(argc, argv, "Measures what a method of the service adds to the chip-layer call under it.",
+                 &options);
 
     u8TvFactoryDebug = 0;
     const sp<ZvtTvFApiInformation> object = new ZvtTvFApiInformation;

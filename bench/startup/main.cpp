@@ -18,6 +18,7 @@
 #include <string>
 #include <thread>
 
+#include "bench/common/CommandLine.h"
 #include "bench/common/Process.h"
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
@@ -186,15 +187,13 @@ Row beside(const std::string& workload, Unit unit, double limit, double baseline
 int main(int argc, char** argv) {
     Options options;
     std::string program = sibling("vendor.zentrovi.tv.zvttvfactory@1.0-service");
-    double idleSeconds = 3;
-    CLI::App app("Measures the service's start and its idle cost beside a process that opens one socket.");
-    addOptions(app, &options);
-    app.add_option("--service", program, "The service's executable")
-            ->check(CLI::ExistingFile)
-            ->capture_default_str();
-    app.add_option("--idle-seconds", idleSeconds, "How long the idle process is watched")
-            ->capture_default_str();
-    CLI11_PARSE(app, argc, argv);
+    std::string idleText = "3";
+    parseOptions(argc, argv,
+                 "Measures the service's start and its idle cost beside a process that opens one socket.",
+                 &options,
+                 {{"--service", "The service's executable", &program},
+                  {"--idle-seconds", "How long the idle process is watched", &idleText}});
+    const double idleSeconds = std::stod(idleText);
 
     const TemporaryFolder folder;
     const std::string runtime = folder / "runtime";

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/common/CommandLine.h"
 #include "bench/common/Process.h"
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
@@ -115,9 +116,9 @@ Table measure(bool pinned, const TemporaryFolder& folder, const Options& options
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app("Measures calls between two processes beside raw sockets that move the same bytes.");
-    addOptions(app, &options);
-    CLI11_PARSE(app, argc, argv);
+    parseOptions(argc, argv,
+                 "Measures calls between two processes beside raw sockets that move the same bytes.",
+                 &options);
 
     __android_log_set_minimum_priority(ANDROID_LOG_WARN);
     const TemporaryFolder folder;
