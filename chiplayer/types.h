@@ -16,9 +16,9 @@
  *     a_zvttvfapi_<m>_deinit()                puts it back into the state before init
  *     a_zvttvfapi_<m>_unreg_callback()        empties the slot
  *
- * The service calls the first two at start-up, from the main thread; the other two when the manager is destroyed,
- * which in practice is never. The handler is therefore in place before
- * init runs, and a library may call it from then on, during init as well, until unreg_callback returns; after
+ * The service calls the first two at start-up, from the main thread; the other two when the manager is
+ * destroyed, which in practice is never. The handler is therefore in place before init runs, and a library
+ * may call it from then on, during init as well, until unreg_callback returns; after
  * that it must not be called again, so that unreg_callback waits for a call in progress.
  */
 

@@ -47,20 +47,38 @@ std::atomic<int64_t> sReadyAt{readyTime()};
 }  // namespace
 
 bool boardReady() {
-    const int64_t readyAt = sReadyAt.load(std::memory_order_relaxed);
+    int64_t readyAt = sReadyAt.load(std::memory_order_relaxed);
     if (readyAt == kReady) {
         return true;
     }
     if (readyAt == kNever || now() < readyAt) {
         return false;
     }
-    sReadyAt.store(kReady, std::memory_order_relaxed);
+    // Unless it has been set anew meanwhile.
+    sReadyAt.compare_exchange_strong(readyAt, kReady, std::memory_order_relaxed);
     return true;
 }
 
+void setBoardReadyIn(uint32_t milliseconds) {
+    sReadyAt.store(milliseconds == 0             ? kReady
+                   : milliseconds == kNeverReady ? kNever
+                                                 : now() + int64_t{milliseconds} * 1'000'000,
+                   std::memory_order_relaxed);
+}
+
+const StateDirectory& boardState() {
+    static const StateDirectory& sState = *new StateDirectory(StateDirectory::fromEnvironment());
+    return sState;
+}
+
 IniStore& boardIni() {
-    static IniStore& sIni = *new IniStore(*new StateDirectory(StateDirectory::fromEnvironment()));
+    static IniStore& sIni = *new IniStore(boardState());
     return sIni;
+}
+
+IniStore& boardSettings() {
+    static IniStore& sSettings = *new IniStore(boardState(), "settings");
+    return sSettings;
 }
 
 }  // namespace simulator

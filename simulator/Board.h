@@ -16,7 +16,17 @@ constexpr const char* kBoardVersion = "sim-1.0.0";
  */
 bool boardReady();
 
+/** Makes it not ready for that many milliseconds from now on, kNeverReady for good; 0 makes it ready. */
+void setBoardReadyIn(uint32_t milliseconds);
+constexpr uint32_t kNeverReady = UINT32_MAX;
+
+/** The board's flash; made on first use, never destroyed. */
+const StateDirectory& boardState();
+
 /** The board's configuration files; made on first use, never destroyed. */
 IniStore& boardIni();
+
+/** What modules keep of their settings, out of clients' reach: settings/ of the state folder. */
+IniStore& boardSettings();
 
 }  // namespace simulator

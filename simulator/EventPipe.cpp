@@ -13,6 +13,9 @@
 #include <thread>
 
 #include "simulator/Board.h"
+#include "simulator/BoardOrders.h"
+#include "simulator/ChipCall.h"
+#include "simulator/DriveOrders.h"
 #include "simulator/StateDirectory.h"
 #include "simulator/Status.h"
 
@@ -91,21 +94,6 @@ std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonO
     return {};
 }
 
-void carryOut(const std::string& line) {
-    EventOrder order;
-    const std::string fault = readEventOrder(line, &order);
-    if (!fault.empty()) {
-        fprintf(stderr, "board: no event raised: %s\n", fault.c_str());
-        return;
-    }
-    const int32_t status = order.module->raise(order.type, order.payload);
-    if (status == kNotSetUp) {
-        fprintf(stderr, "board: no event raised: the module is not set up\n");
-    } else if (status != kOk) {
-        fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
-    }
-}
-
 void serve(Descriptor pipe) {
     std::string text;
     bool skipping = false;
@@ -116,7 +104,10 @@ void serve(Descriptor pipe) {
         size_t start = 0;
         for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
             if (!skipping && end > start) {
-                carryOut(text.substr(start, end - start));
+                // What is wrong with it has been said, but for this.
+                if (guarded([&] { return carryOutOrder(text.substr(start, end - start)); }) == kNoMemory) {
+                    fprintf(stderr, "board: no memory for an order of the pipe\n");
+                }
             }
             skipping = false;
         }
@@ -181,6 +172,37 @@ std::string readEventOrder(const std::string& line, EventOrder* order) {
         }
     }
     return {};
+}
+
+int32_t carryOutOrder(const std::string& line) {
+    std::istringstream words(line);
+    std::string first;
+    words >> first >> std::ws;
+    if (first == "force" || first == "state") {
+        std::string rest;
+        std::getline(words, rest, '\0');
+        return first == "force" ? forceOrder(rest) : printState(rest);
+    }
+    if (isDriveOrder(line)) {
+        const std::string refusal = drive(line);
+        if (!refusal.empty()) {
+            fprintf(stderr, "board: not obeyed: %s\n", refusal.c_str());
+        }
+        return refusal.empty() ? kOk : kOutOfRange;
+    }
+    EventOrder order;
+    const std::string fault = readEventOrder(line, &order);
+    if (!fault.empty()) {
+        fprintf(stderr, "board: no event raised: %s\n", fault.c_str());
+        return kOutOfRange;
+    }
+    const int32_t status = order.module->raise(order.type, order.payload);
+    if (status == kNotSetUp) {
+        fprintf(stderr, "board: no event raised: the module is not set up\n");
+    } else if (status != kOk) {
+        fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
+    }
+    return status == kOk || status == kNotSetUp ? status : kNotTold;
 }
 
 void startEventPipe() {

@@ -26,9 +26,16 @@ struct EventOrder {
 std::string readEventOrder(const std::string& line, EventOrder* order);
 
 /**
+ * Carries out one order: raises an event, `force ...` and `state ...` as simulator/BoardOrders.h has them, or
+ * what simulator/DriveOrders.h knows.
+ * What is wrong with the line, and a handler that fails, is said on standard error. kOutOfRange for the line,
+ * kNotSetUp for a module without a handler, kNotTold for the handler, or the order's own status.
+ */
+int32_t carryOutOrder(const std::string& line);
+
+/**
  * Lets whoever may write into the state directory raise events: each line written to the named pipe `raise`
- * there is an order, which is carried out on a thread of the board. What is wrong with a line, and a handler
- * that fails, is said on standard error. Called again, it does nothing.
+ * there is an order, which is carried out on a thread of the board. Called again, it does nothing.
  */
 void startEventPipe();
 

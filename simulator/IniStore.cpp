@@ -5,23 +5,13 @@
 #include <cstring>
 #include <ctime>
 
+#include "simulator/IniParser.h"
 #include "simulator/IniText.h"
 #include "simulator/Status.h"
-
-// Bytes are kept as they are, and the parser is compiled here rather than loaded as one more library.
-#define SI_NO_CONVERSION
-#define SI_IMPLEMENTATION
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wundef"
-#pragma GCC diagnostic ignored "-Wcast-qual"
-#pragma GCC diagnostic ignored "-Wshadow"
-#include <SimpleIni.h>
-#pragma GCC diagnostic pop
 
 namespace simulator {
 namespace {
 
-constexpr const char* kFolder = "ini";
 constexpr mode_t kNewFileMode = 0644;
 
 // A file that was written this recently may be written again without any of its times changing: the kernel's
@@ -88,8 +78,8 @@ struct IniStore::File {
     CSimpleIniCaseA ini;
 };
 
-IniStore::IniStore(const StateDirectory& state)
-    : mState(state), mFolderPath(state.path() + "/" + kFolder + "/") {}
+IniStore::IniStore(const StateDirectory& state, const char* folder)
+    : mState(state), mFolder(folder), mFolderPath(state.path() + "/" + folder + "/") {}
 
 IniStore::~IniStore() = default;
 
@@ -106,7 +96,7 @@ int32_t IniStore::load(const std::string& name, std::shared_ptr<const File>& fil
         }
     }
 
-    const Descriptor folder = mState.openFolder(kFolder);
+    const Descriptor folder = mState.openFolder(mFolder);
     if (!folder) {
         return kIoError;
     }
@@ -181,7 +171,7 @@ int32_t IniStore::set(const char* file, const char* parameter, const char* value
     }
 
     std::lock_guard<std::mutex> writing(mWriting);
-    const Descriptor folder = mState.openFolder(kFolder);
+    const Descriptor folder = mState.openFolder(mFolder);
     if (!folder) {
         return kIoError;
     }

@@ -12,7 +12,7 @@
 namespace simulator {
 
 /**
- * The board's configuration: INI files in the folder ini/ of the state folder.
+ * INI files in a folder of the state folder: the board's configuration in ini/, say.
  *
  * A parameter is named by two texts. The first names the file, with or without its ".ini": at most 64
  * characters out of A-Z a-z 0-9 . _ -, not beginning with a dot. The second is "section:key", or "key" for a
@@ -33,7 +33,7 @@ class IniStore {
     /** Far beyond any real one; what is larger is refused with kBadFile. */
     static constexpr size_t kMaxFileBytes = 64 * 1024;
 
-    explicit IniStore(const StateDirectory& state);
+    explicit IniStore(const StateDirectory& state, const char* folder = "ini");
     ~IniStore();
     IniStore(const IniStore&) = delete;
     IniStore& operator=(const IniStore&) = delete;
@@ -57,6 +57,7 @@ class IniStore {
     int32_t load(const std::string& name, std::shared_ptr<const File>& file);
 
     const StateDirectory& mState;
+    const std::string mFolder;
     const std::string mFolderPath;
 
     // Held by one writer of this process at a time, across the whole write.

@@ -44,6 +44,7 @@ namespace {
 struct Named {
     const char* name;
     Module* module;
+    Module::Describe describe;
 };
 std::mutex sNamedMutex;
 std::vector<Named>& named() {  // guarded by sNamedMutex
@@ -53,11 +54,26 @@ std::vector<Named>& named() {  // guarded by sNamedMutex
 
 }  // namespace
 
-Module::Module(const char* name) {
+Module::Module(const char* name, Describe describe) {
     if (name != nullptr) {
         std::lock_guard<std::mutex> lock(sNamedMutex);
-        named().push_back({name, this});
+        named().push_back({name, this, describe});
     }
+}
+
+std::string Module::describeAll(const std::string& name) {
+    std::vector<Named> modules;
+    {
+        std::lock_guard<std::mutex> lock(sNamedMutex);
+        modules = named();
+    }
+    std::string text;
+    for (const Named& known : modules) {
+        if (known.describe != nullptr && (name.empty() || name == known.name)) {
+            text += std::string("[") + known.name + "]\n" + known.describe() + "\n";
+        }
+    }
+    return text;
 }
 
 Module* Module::find(const std::string& name) {

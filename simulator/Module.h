@@ -16,22 +16,31 @@ namespace simulator {
  * while the process exits, and forwards its four lifecycle functions to it:
  *
  *     Module& self() {
- *         static Module& sModule = *new Module("sys");
+ *         static Module& sModule = *new Module("sys", describe);
  *         return sModule;
  *     }
- *     int32_t a_zvttvfapi_sys_init() { return self().init(); }
+ *     int32_t a_zvttvfapi_sys_init() {
+ *         FORCED_STATUS();  // as each of the module's functions, see simulator/ForcedStatus.h
+ *         return self().init();
+ *     }
  *
  * Every function may be called on any thread, from inside the module's own handler too.
  */
 class Module {
   public:
-    /** The name under which find() knows it, for good; null for none. */
-    explicit Module(const char* name = nullptr);
+    /** What the module would show of its state, whole lines; called on any thread. */
+    using Describe = std::string (*)();
+
+    /** The name under which find() and describeAll() know it, for good; null for none. */
+    explicit Module(const char* name = nullptr, Describe describe = nullptr);
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
     /** The module that was made with this name, or null. */
     static Module* find(const std::string& name);
+
+    /** The state of the module of that name, of all that show theirs for an empty one, under headings. */
+    static std::string describeAll(const std::string& name);
 
     /** kAlreadySetUp when initialised. */
     int32_t init();

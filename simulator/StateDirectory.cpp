@@ -106,8 +106,13 @@ Descriptor StateDirectory::openFolder(const std::string& name) const {
     if (!root) {
         return Descriptor();
     }
-    mkdirat(root.get(), name.c_str(), kFolderMode);
+    // A new one is put on the disk: what is written into it may be acknowledged before anything else is.
+    const bool lost = mkdirat(root.get(), name.c_str(), kFolderMode) == 0 && fsync(root.get()) != 0;
     Descriptor folder(openat(root.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    if (lost) {
+        complainOnce(mPath + "/" + name, "it does not reach the disk");
+        return Descriptor();
+    }
     if (!folder) {
         complainOnce(mPath + "/" + name, strerror(errno));
     }
@@ -208,6 +213,16 @@ FolderLock::~FolderLock() {
     if (mStatus == kOk) {
         flock(mFolder, LOCK_UN);
     }
+}
+
+int32_t replaceFile(const StateDirectory& state, const std::string& folder, const std::string& name,
+                    const std::string& text, mode_t mode) {
+    const Descriptor opened = state.openFolder(folder);
+    if (!opened) {
+        return kIoError;
+    }
+    const FolderLock lock(opened.get());
+    return lock.status() == kOk ? replaceFile(opened.get(), name, text, mode) : lock.status();
 }
 
 }  // namespace simulator

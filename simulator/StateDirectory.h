@@ -114,4 +114,8 @@ class FolderLock {
     int32_t mStatus;
 };
 
+/** As replaceFile, in a folder of the state folder and with its FolderLock, whose statuses it may return. */
+int32_t replaceFile(const StateDirectory& state, const std::string& folder, const std::string& name,
+                    const std::string& text, mode_t mode);
+
 }  // namespace simulator

@@ -1,5 +1,3 @@
-#include <sys/random.h>
-
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -8,6 +6,7 @@
 #include <string>
 
 #include "simulator/ChipLayer.h"
+#include "simulator/Identity.h"
 #include "simulator/Ips.h"
 #include "simulator/StateDirectory.h"
 #include "simulator/Status.h"
@@ -38,7 +37,48 @@ constexpr DefaultFile kPanel = {
         "[backlight]\n"
         "; Percent.\n"
         "default = 80\n"
-        "pwm_hz = 200\n"};
+        "pwm_hz = 200\n"
+        "pwm_min = 5\n"
+        "pwm_max = 100\n"
+        "\n"
+        "; The rest, the name and the range of the PWM: read by the display driver, when it starts and\n"
+        "; when it is told to reload its parameters.\n"
+        "[lvds]\n"
+        "ssc = 1\n"
+        "ssc_khz = 30\n"
+        "; Hundredths of a percent.\n"
+        "ssc_deviation = 50\n"
+        "\n"
+        "[tcon]\n"
+        "panel_id = 55\n"
+        "; 0x010000, 1.0.0.\n"
+        "version = 65536\n"
+        "enabled = 1\n"
+        "\n"
+        "[frc]\n"
+        "; Whether there is a frame-rate converter.\n"
+        "present = 1\n"};
+
+constexpr DefaultFile kPq = {
+        "pq.ini",
+        "; Picture-quality data, read when the service starts and when it is told to update it.\n"
+        "[range]\n"
+        "hue_min = -50\n"
+        "hue_max = 50\n"
+        "saturation_min = -50\n"
+        "saturation_max = 50\n"
+        "luma_min = -50\n"
+        "luma_max = 50\n"
+        "\n"
+        "[version]\n"
+        "; A window may have its own: main_basic, sub_basic, third_basic.\n"
+        "basic = 1.0.0\n"
+        "color = 1.0.0\n"
+        "sharpness = 1.0.0\n"
+        "noise_reduction = 1.0.0\n"
+        "contrast = 1.0.0\n"
+        "motion = 1.0.0\n"
+        "gamma = 1.0.0\n"};
 
 constexpr DefaultFile kTuner = {"tuner.ini",
                                 "; The tuners.\n"
@@ -68,38 +108,20 @@ std::string ipDefaults() {
     return text;
 }
 
-/** Creates the board's identity once; it stays the same however often the software is replaced. */
-int32_t createIdentity(int root) {
-    unsigned char bytes[8];
-    if (getrandom(bytes, sizeof(bytes), 0) != static_cast<ssize_t>(sizeof(bytes))) {
-        return kIoError;
-    }
-    std::string text = "; Made on the first start.\nmodel = SIM-55UHD\nserial = SIM";
-    for (const unsigned char byte : bytes) {
-        char digits[3];
-        snprintf(digits, sizeof(digits), "%02X", byte);
-        text += digits;
-    }
-    return createFile(root, "identity.ini", text + "\n", kFileMode);
-}
-
 int32_t prepareState() {
     const StateDirectory state = StateDirectory::fromEnvironment();
-    const Descriptor root = state.openRoot();
-    const Descriptor ini = root ? state.openFolder("ini") : Descriptor();
+    const Descriptor ini = state.openFolder("ini");
     if (!ini) {
         return kIoError;
     }
-    const FolderLock rootLock(root.get());
-    const FolderLock iniLock(ini.get());
-    for (const FolderLock* lock : {&rootLock, &iniLock}) {
-        if (lock->status() != kOk) {
-            return lock->status();
-        }
+    Identity identity;
+    int32_t result = readIdentity(state, &identity);
+    const FolderLock lock(ini.get());
+    if (lock.status() != kOk) {
+        return lock.status();
     }
-    int32_t result = createIdentity(root.get());
     const std::string ips = ipDefaults();
-    for (const DefaultFile& file : {kPanel, kTuner, DefaultFile{"ip.ini", ips.c_str()}}) {
+    for (const DefaultFile& file : {kPanel, kPq, kTuner, DefaultFile{"ip.ini", ips.c_str()}}) {
         const int32_t created = createFile(ini.get(), file.name, file.text, kFileMode);
         result = result == kOk ? created : result;
     }

@@ -1,26 +1,173 @@
+// Module net: the network interfaces of the board, which are not the host's.
+
+#include <zlib.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "simulator/Board.h"
+#include "simulator/ChipCall.h"
 #include "simulator/ChipLayer.h"
+#include "simulator/Emmc.h"
+#include "simulator/Identity.h"
 #include "simulator/Module.h"
 
 using namespace simulator;
 
 namespace {
 
+// Where the boot loader and the drivers look for the television's address.
+constexpr char kMacVariable[] = "mac_address";
+constexpr size_t kMacBytes = 6;
+using Mac = std::array<unsigned char, kMacBytes>;
+
+struct Interface {
+    const char* name;
+    bool upAfterStart;
+};
+constexpr Interface kInterfaces[] = {{"eth0", true}, {"wlan0", false}};
+constexpr size_t kInterfaceCount = 2;
+static_assert(std::size(kInterfaces) == kInterfaceCount, "one for each number");
+
+std::mutex sMutex;
+// All below guarded by sMutex.
+Mac sMac{};  // of the first interface
+bool sUp[kInterfaceCount] = {};
+
+std::string describe();
+
 Module& self() {
-    static Module& sModule = *new Module("net");
+    static Module& sModule = *new Module("net", describe);
     return sModule;
+}
+
+int digit(char c) {
+    const char* const digits = "0123456789abcdef";
+    const char* const found = c == '\0' ? nullptr : strchr(digits, c >= 'A' && c <= 'F' ? c - 'A' + 'a' : c);
+    return found == nullptr ? -1 : static_cast<int>(found - digits);
+}
+
+/** Six groups of two hexadecimal digits, all separated by ':' or all by '-', of an address that one station
+ * may have. */
+std::optional<Mac> parseMac(const char* text) {
+    Mac mac{};
+    const size_t length = strnlen(text, 3 * kMacBytes);
+    if (length != 3 * kMacBytes - 1 || (text[2] != ':' && text[2] != '-')) {
+        return std::nullopt;
+    }
+    for (size_t i = 0; i < kMacBytes; ++i) {
+        const int high = digit(text[3 * i]);
+        const int low = digit(text[3 * i + 1]);
+        if (high < 0 || low < 0 || (i + 1 < kMacBytes && text[3 * i + 2] != text[2])) {
+            return std::nullopt;
+        }
+        mac[i] = static_cast<unsigned char>(high * 16 + low);
+    }
+    const bool group = (mac[0] & 1) != 0;
+    return group || mac == Mac{} ? std::nullopt : std::optional(mac);
+}
+
+std::string textOf(const Mac& mac) {
+    char text[3 * kMacBytes];
+    snprintf(text, sizeof(text), "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3], mac[4],
+             mac[5]);
+    return text;
+}
+
+/** The address of a board that none has been set on: of the local kind, the same after every start. */
+Mac deliveredMac() {
+    Identity identity;
+    if (const int32_t status = readIdentity(boardState(), &identity); status != kOk) {
+        fprintf(stderr, "board: the serial number cannot be read (status %d)\n", status);
+    }
+    const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(identity.serial.data()),
+                            static_cast<uInt>(identity.serial.size()));
+    const auto byte = [&](unsigned shift) { return static_cast<unsigned char>(sum >> shift); };
+    return {0x02, 0x53, byte(24), byte(16), byte(8), byte(0)};
+}
+
+Mac readMac() {
+    char text[Emmc::kMaxValueBytes + 1];
+    const int32_t status = boardEmmc().get(kMacVariable, text, sizeof(text));
+    const std::optional<Mac> mac = status == kOk ? parseMac(text) : std::nullopt;
+    if (!mac && status != kNotFound) {
+        fprintf(stderr, "board: the variable %s %s: the address it was delivered with is used\n",
+                kMacVariable, status == kOk ? "is no MAC address" : "cannot be read");
+    }
+    return mac ? *mac : deliveredMac();
+}
+
+std::string describe() {
+    const std::lock_guard<std::mutex> lock(sMutex);
+    std::string text;
+    for (size_t i = 0; i < kInterfaceCount; ++i) {
+        text += std::string(kInterfaces[i].name) + (sUp[i] ? " up" : " down") +
+                (i == 0 ? " " + textOf(sMac) : "") + "\n";
+    }
+    return text;
 }
 
 }  // namespace
 
 int32_t a_zvttvfapi_net_init() {
-    return self().init();
+    FORCED_STATUS();
+    return guarded([] {
+        const int32_t status = self().init();
+        if (status == kOk) {
+            const std::lock_guard<std::mutex> lock(sMutex);
+            sMac = readMac();
+            for (size_t i = 0; i < kInterfaceCount; ++i) {
+                sUp[i] = kInterfaces[i].upAfterStart;
+            }
+        }
+        return status;
+    });
 }
+
 int32_t a_zvttvfapi_net_deinit() {
+    FORCED_STATUS();
     return self().deinit();
 }
+
 int32_t a_zvttvfapi_net_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
+    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
+
 int32_t a_zvttvfapi_net_unreg_callback() {
+    FORCED_STATUS();
     return self().unregisterHandler();
+}
+
+int32_t a_zvttvfapi_net_set_mac(unsigned int* pu32Mac) {
+    FORCED_STATUS();
+    return guarded([&] {
+        const std::optional<Mac> mac =
+                pu32Mac == nullptr ? std::nullopt : parseMac(reinterpret_cast<const char*>(pu32Mac));
+        if (!mac) {
+            return kOutOfRange;
+        }
+        const std::lock_guard<std::mutex> lock(sMutex);
+        const int32_t status = boardEmmc().set(kMacVariable, textOf(*mac).c_str());
+        sMac = status == kOk ? *mac : sMac;
+        return status;
+    });
+}
+
+int32_t a_zvttvfapi_net_set_interface_updown(char const* pcIfName, bool bUp) {
+    FORCED_STATUS();
+    return guarded([&] {
+        for (size_t i = 0; pcIfName != nullptr && i < kInterfaceCount; ++i) {
+            if (strcmp(pcIfName, kInterfaces[i].name) == 0) {
+                const std::lock_guard<std::mutex> lock(sMutex);
+                sUp[i] = bUp;
+                return kOk;
+            }
+        }
+        return pcIfName == nullptr ? kOutOfRange : kNotFound;
+    });
 }

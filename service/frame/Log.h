@@ -24,13 +24,18 @@
 #define FAPI_LOGE_DOUBLED(text) FAPI_LOGE("[%s(%d)]" text, __func__, __LINE__)
 
 /// The line that tells how a call ended: "<what> Fail!" at error priority, or "<what> OK!" at debug priority.
-#define FAPI_LOG_OUTCOME(what, status)  \
-    do {                                \
-        if ((status) != 0) {            \
-            FAPI_LOGE(what " Fail!\n"); \
-        } else {                        \
-            FAPI_LOGD(what " OK!\n");   \
-        }                               \
+#define FAPI_LOG_OUTCOME(what, status) FAPI_LOG_OUTCOME_OK_AT(ANDROID_LOG_DEBUG, what, status)
+
+/// The same with error priority for both, for the methods whose success is an error line too.
+#define FAPI_LOGE_OUTCOME(what, status) FAPI_LOG_OUTCOME_OK_AT(ANDROID_LOG_ERROR, what, status)
+
+#define FAPI_LOG_OUTCOME_OK_AT(priority, what, status)   \
+    do {                                                 \
+        if ((status) != 0) {                             \
+            FAPI_LOGE(what " Fail!\n");                  \
+        } else {                                         \
+            FAPI_LOG(priority, __func__, what " OK!\n"); \
+        }                                                \
     } while (false)
 
 /// The general form, for a line whose prefix names another function than the one that it stands in.
@@ -51,7 +56,8 @@
 #define FAPI_LOG_VALUES(priority, name, format, ...) \
     __android_log_print(priority, LOG_TAG, "<%s:%d> " format, name, __LINE__, __VA_ARGS__)
 
-// Texts that recur across interfaces. They are fixed to the letter, typing errors included: do not correct them.
+// Texts that recur across interfaces. They are fixed to the letter, typing errors included: do not correct
+// them.
 
 /// A record of the client's has no counterpart in the chip-layer library.
 #define FAPI_TEXT_TYPES_MISMATCH "FAIL: types & a_zvttvfapi_types are mismatch! Please check it!\n"

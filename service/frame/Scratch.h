@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
-#include <new>
 #include <type_traits>
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
@@ -29,14 +29,20 @@ class Scratch {
   public:
     static_assert(std::is_trivially_copyable_v<T>, "the chip-layer library sees plain bytes");
 
-    /// Every byte is zero.
-    static Scratch zeroed(size_t count) {
-        return Scratch(countable(count) ? new (std::nothrow) T[count]() : nullptr, count);
+    /// A null buffer, for one that not every call needs.
+    Scratch() = default;
+
+    /// Every byte is zero. What is large comes as fresh pages of the kernel's, which cost nothing until they
+    /// are touched: a client that asks for gigabytes does not make the service write them.
+    static Scratch zeroed(uint64_t count) {
+        return Scratch(countable(count) ? std::calloc(static_cast<size_t>(count), sizeof(T)) : nullptr,
+                       count);
     }
 
     /// Indeterminate content: only for bytes that nobody reads before they were written.
-    static Scratch uncleared(size_t count) {
-        return Scratch(countable(count) ? new (std::nothrow) T[count] : nullptr, count);
+    static Scratch uncleared(uint64_t count) {
+        return Scratch(countable(count) ? std::malloc(static_cast<size_t>(count) * sizeof(T)) : nullptr,
+                       count);
     }
 
     explicit operator bool() const { return mData != nullptr; }
@@ -55,14 +61,25 @@ class Scratch {
         std::copy_n(source.data(), std::min(source.size(), mCount), get());
     }
 
+    /// Zeroes every byte of a secret before it is freed.
+    void wipe() {
+        // Volatile: the compiler would drop writes that nobody reads back.
+        volatile unsigned char* bytes = reinterpret_cast<unsigned char*>(get());
+        std::fill_n(bytes, mCount * sizeof(T), static_cast<unsigned char>(0));
+    }
+
   private:
-    // A count whose bytes cannot be counted would make even the non-throwing new throw.
-    static constexpr bool countable(size_t count) { return count <= PTRDIFF_MAX / sizeof(T); }
+    struct Free {
+        void operator()(T* data) const { std::free(data); }
+    };
 
-    Scratch(T* data, size_t count) : mData(data), mCount(data != nullptr ? count : 0) {}
+    static constexpr bool countable(uint64_t count) { return count <= PTRDIFF_MAX / sizeof(T); }
 
-    std::unique_ptr<T[]> mData;
-    size_t mCount;
+    Scratch(void* data, uint64_t count)
+        : mData(static_cast<T*>(data)), mCount(data != nullptr ? static_cast<size_t>(count) : 0) {}
+
+    std::unique_ptr<T[], Free> mData;
+    size_t mCount = 0;
 };
 
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

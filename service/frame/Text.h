@@ -42,4 +42,22 @@ class TextBuffer {
     char mBytes[Size] = {};
 };
 
+/// Copies a text of the library's to a HIDL text of its own: up to the first NUL byte, or to the buffer's end
+/// if there is none. False, with the HIDL text as it was, when there is no memory for the copy or when no
+/// HIDL text can be that long.
+[[nodiscard]] inline bool copyText(const uint8_t* pu8Text, size_t size, hidl_string* text) {
+    const void* const end = size == 0 ? nullptr : std::memchr(pu8Text, '\0', size);
+    const size_t length =
+            end == nullptr ? size : static_cast<size_t>(static_cast<const uint8_t*>(end) - pu8Text);
+    if (length >= UINT32_MAX) {  // hidl_string would end the process
+        return false;
+    }
+    try {
+        *text = hidl_string(reinterpret_cast<const char*>(pu8Text), length);
+    } catch (...) {
+        return false;
+    }
+    return true;
+}
+
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <any>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -35,8 +36,12 @@ class FakeChipLayer {
         on(function, [result](auto&&...) { return result; });
     }
 
-    /// The calls since the last time, in order: numbers as they are, read-only texts in quotes, other
-    /// pointers as *, records as {}, as in a_zvttvfapi_info_get_ini_para("file", "key", *, 2048).
+    /// The status of every function for which nothing is scripted, instead of 0.
+    void returnsOtherwise(int32_t status) { mOtherwise = status; }
+
+    /// The calls since the last time, in order: numbers as they are, read-only texts in quotes, data that
+    /// comes with its length as <hexadecimal digits>, other pointers as *, records as {}, as in
+    /// a_zvttvfapi_info_get_ini_para("file", "key", *, 2048).
     std::vector<std::string> takeCalls() { return std::exchange(mCalls, {}); }
 
     /// For the fake functions: the one that lives, and what each of them does.
@@ -55,4 +60,5 @@ class FakeChipLayer {
 
     std::map<Key, std::any> mActions;
     std::vector<std::string> mCalls;
+    int32_t mOtherwise = 0;
 };

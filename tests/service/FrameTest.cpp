@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -213,6 +216,25 @@ TEST(Scratch, ARefusedAllocationIsANullBufferAndLeavesTheOthersAlone) {
         EXPECT_EQ(third.size(), refused == 3 ? 0u : 1u);
     }
     EXPECT_FALSE(Scratch<uint16_t>::uncleared(SIZE_MAX)) << "more bytes than can be counted";
+}
+
+size_t residentPages() {
+    std::ifstream statm("/proc/self/statm");
+    size_t all = 0, resident = 0;
+    statm >> all >> resident;
+    return resident;
+}
+
+TEST(Scratch, AZeroedBufferCostsNoMemoryUntilItIsTouched) {
+    constexpr size_t kSize = 64 << 20;
+    const size_t before = residentPages();
+    // Nothing either, but for a sanitizer's.
+    const std::unique_ptr<void, void (*)(void*)> plain(std::calloc(kSize, 1), std::free);
+    const size_t between = residentPages();
+    auto pu8Data = Scratch<uint8_t>::zeroed(kSize);
+    ASSERT_TRUE(plain && pu8Data);
+    EXPECT_EQ(pu8Data[kSize - 1], 0);
+    EXPECT_LT(residentPages() - between, between - before + 1000);
 }
 
 void writeEveryKindOfLine(int32_t s32Status, int& counter) {

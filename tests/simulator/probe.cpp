@@ -36,6 +36,35 @@ const unsigned char* bytes(const char* text) {
     return reinterpret_cast<const unsigned char*>(text);
 }
 
+/** Storage commands of module sys; false for another one. */
+bool sysCommand(const std::string& command, int argc, char** argv) {
+    if (command == "env-set" && argc == 4) {
+        printf("%d", a_zvttvfapi_sys_set_emmc_env_var(bytes(argv[2]), bytes(argv[3])));
+    } else if (command == "env-get" && argc == 3) {
+        unsigned char value[1024] = {};
+        const int status = a_zvttvfapi_sys_get_emmc_env_var(bytes(argv[2]), value, sizeof(value));
+        printf("%d %s", status, reinterpret_cast<char*>(value));
+    } else if (command == "area-write" && argc == 5) {
+        printf("%d", a_zvttvfapi_sys_write_emmc(reinterpret_cast<unsigned char*>(argv[2]),
+                                                static_cast<unsigned>(atoi(argv[3])),
+                                                static_cast<unsigned>(strlen(argv[4])),
+                                                reinterpret_cast<unsigned char*>(argv[4])));
+    } else if (command == "area-read" && argc == 5) {
+        unsigned char data[64] = {};
+        const int status = a_zvttvfapi_sys_read_emmc(reinterpret_cast<unsigned char*>(argv[2]),
+                                                     static_cast<unsigned>(atoi(argv[3])),
+                                                     static_cast<unsigned>(atoi(argv[4])), data);
+        printf("%d %s", status, reinterpret_cast<char*>(data));
+    } else if (command == "seal" && argc == 5) {
+        printf("%d",
+               a_zvttvfapi_sys_secure_storage_encrypt_key(bytes(argv[2]), bytes(argv[3]), bytes(argv[4]),
+                                                          static_cast<unsigned char>(strlen(argv[4]))));
+    } else {
+        return false;
+    }
+    return true;
+}
+
 /** The status at once, and when the board has become ready, which must not be before the given time. */
 void waitUntilReady(int milliseconds) {
     const auto start = std::chrono::steady_clock::now();
@@ -96,11 +125,13 @@ int main(int argc, char** argv) {
         const int status =
                 a_zvttvfapi_info_get_ip_enable_status(static_cast<unsigned>(atoi(argv[2])), &enabled);
         printf("%d %d", status, enabled);
+    } else if (command == "capture" && argc == 3) {
+        printf("%d", a_zvttvfapi_disp_capture_screen_to_usb(bytes(argv[2]), 0));
     } else if (command == "level") {
         printf("%d", _a_zvttvfapi_custom_init_debug_level());
     } else if (command == "init") {
         printf("%d", _a_zvttvfapi_custom_init());
-    } else {
+    } else if (!sysCommand(command, argc, argv)) {
         return 2;
     }
     return 0;

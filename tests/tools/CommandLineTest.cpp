@@ -82,8 +82,8 @@ TEST(CommandLine, UselessOptionsAreWarnedAboutAndTheRestIsDone) {
 TEST(CommandLine, HelpNamesEveryVerbAndExitCode) {
     const Ran help = ran(testPackage(), {"--help"});
     EXPECT_EQ(help.code, Exit::Success);
-    for (const char* text : {"list", "introspect", "call", "wait", "watch", "post", "  0  ", "  1  ", "  2  ",
-                             "  3  ", "  4  ", "  5  "}) {
+    for (const char* text : {"list", "introspect", "call", "wait", "watch", "post", "capture", "edid",
+                             "  0  ", "  1  ", "  2  ", "  3  ", "  4  ", "  5  "}) {
         EXPECT_THAT(help.out, HasSubstr(text));
     }
     const Ran verb = ran(testPackage(), {"introspect", "-h"});
@@ -133,7 +133,7 @@ TEST(Completion, OffersWhatMayStandThere) {
         std::vector<std::string> words;
         std::vector<std::string> candidates;
     } rows[] = {
-            {{""}, {"list", "introspect", "call", "wait", "watch", "post"}},
+            {{""}, {"list", "introspect", "call", "wait", "watch", "post", "capture", "edid"}},
             {{"in"}, {"introspect"}},
             {{"--json", "w"}, {"wait", "watch"}},
             {{"bad", ""}, {}},
@@ -161,6 +161,8 @@ TEST(Completion, OffersWhatMayStandThere) {
             {{"post", ""}, {}},
             {{"post", "1", "-", ""}, {"value=", "text=", "bytes="}},
             {{"post", "1", "-", "-", "-", "-", ""}, {}},
+            {{"capture", ""}, {}},
+            {{"capture", "x.png", "v"}, {"video"}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.words));

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <utility>
 
 #include "tools/fapictl/Arguments.h"
 #include "tools/fapictl/Display.h"
@@ -107,6 +108,18 @@ Exit call(const Context& context) {
     return callAndPrint(context, interface, method, arguments);
 }
 
+Json callForResults(const Context& context, const Interface& interface, const Method& method,
+                    const Json& arguments) {
+    const sp<IBase> service = findService(context, interface);
+    Reply reply = method.call(*service, arguments);
+    if (!reply.failure.empty()) {
+        throw Failure(Exit::Transport,
+                      (reply.dead ? "the service died during the call: " : "the call failed: ") +
+                              escaped(reply.failure));
+    }
+    return std::move(reply.results);
+}
+
 Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,
                   const Json& arguments) {
     const Options& options = context.options;
@@ -117,18 +130,11 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
         payload = method.results.size();
     }
 
-    const sp<IBase> service = findService(context, interface);
-    const Reply reply = method.call(*service, arguments);
-    if (!reply.failure.empty()) {
-        throw Failure(Exit::Transport,
-                      (reply.dead ? "the service died during the call: " : "the call failed: ") +
-                              escaped(reply.failure));
-    }
-
+    const Json results = callForResults(context, interface, method, arguments);
     int64_t status = 0;
     for (size_t i = 0; i < method.results.size(); ++i) {
         if (method.results[i].label.name == kStatusResult) {
-            status = reply.results[i].get<int64_t>();
+            status = results[i].get<int64_t>();
         }
     }
     if (status != 0 && payload != method.results.size()) {
@@ -136,10 +142,10 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
         payload = method.results.size();
     }
     if (payload != method.results.size()) {
-        writePayload(context, reply.results[payload]);
+        writePayload(context, results[payload]);
     }
     if (payload == method.results.size() || options.out != "-") {
-        print(context, method, reply.results, payload);
+        print(context, method, results, payload);
     }
     return status == 0 ? Exit::Success : Exit::Status;
 }

@@ -74,6 +74,21 @@ constexpr const char* kPostHelp =
         "  fapictl post 0x20000 'value=1, text=hello, world' bytes=00ff\n"
         "  fapictl post 0x40002 - 'text=\"a=1, b=2\" value=3' bytes=@edid.bin\n";
 
+constexpr const char* kCaptureHelp =
+        "Has the service capture what the panel shows, 1920 by 1080 pixels, and brings the PNG file here; - "
+        "is "
+        "standard\n"
+        "output. LAYERS: all (if none is given), video (the test pattern and burn-in with it), graphics or "
+        "osd.\n"
+        "The service writes the file onto the USB storage of its board. Of a simulated board on this "
+        "machine, that "
+        "is the\n"
+        "folder files/usb of the state directory: $ZVTTV_STATE_DIR, else $XDG_STATE_HOME/zvttvfactory, else\n"
+        "~/.local/state/zvttvfactory, and it must be the service's. For another board, call "
+        "capture_screen_to_usb.\n\n"
+        "  fapictl capture panel.png\n"
+        "  fapictl capture - graphics > graphics.png\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -299,6 +314,28 @@ const std::vector<Verb>& verbs() {
              1,
              5,
              post},
+            {"capture",
+             "FILE.png [LAYERS]",
+             "show what the simulated board's panel shows",
+             kCaptureHelp,
+             Words::Capture,
+             {"instance", "timeout"},
+             1,
+             2,
+             capture},
+            {"edid",
+             "PORT [FILE]",
+             "show the EDID of an HDMI port",
+             "Shows the EDID of an HDMI port as edid-decode reads it, or its bytes where that program is not "
+             "installed,\n"
+             "or writes it to a file; - is standard output.\n\n"
+             "  fapictl edid 1\n"
+             "  fapictl edid 1 port1.bin\n",
+             Words::None,
+             {"instance", "timeout"},
+             1,
+             2,
+             edid},
     };
     return all;
 }

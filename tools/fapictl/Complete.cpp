@@ -177,6 +177,9 @@ std::vector<std::string> complete(const Package& package, const std::vector<std:
         return line.words.empty() ? std::vector<std::string>()
                                   : keep({"value=", "text=", "bytes="}, line.current);
     }
+    if (line.verb->words == Words::Capture) {
+        return line.words.empty() ? std::vector<std::string>() : keep(captureLayers(), line.current);
+    }
     if (line.words.empty() || line.verb->words == Words::Interfaces) {
         return names(package.interfaces, line.current, [](const Interface& one) { return shortName(one); });
     }

@@ -32,7 +32,7 @@ struct Context {
 };
 
 /** What a verb's words stand for. */
-enum class Words { None, Interfaces, Method, Event };
+enum class Words { None, Interfaces, Method, Event, Capture };
 
 /** A verb of the tool; help, completion and the warnings about useless options come from here. */
 struct Verb {
@@ -55,12 +55,21 @@ Exit call(const Context& context);
 Exit wait(const Context& context);
 Exit watch(const Context& context);
 Exit post(const Context& context);
+Exit capture(const Context& context);
+Exit edid(const Context& context);
+
+/** What of the picture a capture shows; the place is the service's option. */
+const std::vector<std::string>& captureLayers();
 
 /**
  * The service under the options' instance name, waited for as long as they say. Throws Failure (NotFound)
  * when it is not registered.
  */
 sp<IBase> findService(const Context& context, const Interface& interface);
+
+/** Calls a method. Throws Failure (NotFound, Transport) when no results come back. */
+Json callForResults(const Context& context, const Interface& interface, const Method& method,
+                    const Json& arguments);
 
 /** Calls a method and prints its results. Requires one valid value for each argument. */
 Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,

@@ -1,0 +1,213 @@
+#include "simulator/audio/AqParameters.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "simulator/Board.h"
+#include "simulator/IniParser.h"
+#include "simulator/Status.h"
+#include "simulator/audio/Sound.h"
+
+namespace simulator {
+namespace {
+
+constexpr char kFolder[] = "audio";
+constexpr char kCopy[] = "aq.ini";
+constexpr mode_t kMode = 0644;
+
+constexpr char kSection[] = "aq";
+constexpr char kFormat[] = "1";
+constexpr size_t kMaxName = 64;
+constexpr unsigned kSpeakerBands = 10;
+
+AqFile factoryFile() {
+    AqFile file{"factory", {}};
+    for (const AqParameter& parameter : aqFileParameters()) {
+        KeptNumbers::Values& values = file.values.emplace_back();
+        for (const Limits& number : parameter.numbers) {
+            values.push_back(number.factory);
+        }
+    }
+    return file;
+}
+
+std::string readHeading(const CSimpleIniCaseA& ini, AqFile* file) {
+    CSimpleIniCaseA::TNamesDepend keys;
+    ini.GetAllKeys(kSection, keys);
+    for (const auto& key : keys) {
+        if (strcmp(key.pItem, "format") != 0 && strcmp(key.pItem, "name") != 0) {
+            return std::string("[") + kSection + "] has no parameter " + key.pItem;
+        }
+    }
+    if (strcmp(ini.GetValue(kSection, "format", ""), kFormat) != 0) {
+        return std::string("[") + kSection + "] does not say \"format = " + kFormat + "\"";
+    }
+    file->name = ini.GetValue(kSection, "name", "");
+    return file->name.size() <= kMaxName ? "" : "its name is too long";
+}
+
+std::string readParameter(const std::string& section, const std::string& key, const std::string& text,
+                          AqFile* file) {
+    const std::vector<AqParameter>& known = aqFileParameters();
+    const auto found = std::find_if(known.begin(), known.end(), [&](const AqParameter& parameter) {
+        return section == parameter.section && key == parameter.key;
+    });
+    const std::string where = "[" + section + "] " + key;
+    if (found == known.end()) {
+        return where + " is not an AQ parameter";
+    }
+    const auto values = parseNumbers(text, found->numbers);
+    if (!values) {
+        std::string limits;
+        for (const Limits& number : found->numbers) {
+            limits += (limits.empty() ? "" : ", then ") + std::to_string(number.least) + " to " +
+                      std::to_string(number.most);
+        }
+        return where + " is \"" + text + "\"; it takes a number from " + limits;
+    }
+    file->values[static_cast<size_t>(found - known.begin())] = *values;
+    return {};
+}
+
+}  // namespace
+
+const std::vector<AqParameter>& aqFileParameters() {
+    static const auto& sParameters = *new std::vector<AqParameter>([] {
+        std::vector<AqParameter> all = {// In 0.1 dB, in tenths to one, in ms.
+                                        {"drc", "threshold", {{-600, 0, 0}}},
+                                        {"drc", "ratio", {{10, 200, 10}}},
+                                        {"drc", "attack", {{1, 500, 10}}},
+                                        {"drc", "release", {{10, 5000, 200}}},
+                                        {"limiter", "threshold", {{-300, 0, -10}}},
+                                        // In Hz, in 0.1 dB.
+                                        {"subwoofer", "crossover", {{40, 400, 120}}},
+                                        {"subwoofer", "gain", {{-120, 120, 0}}}};
+        // Frequency, gain and Q as for the parametric equaliser. Bands of gain 0 do nothing.
+        for (unsigned band = 0; band < kSpeakerBands; ++band) {
+            all.push_back({"speaker_eq", "band" + std::to_string(band), peqBandLimits(1000)});
+        }
+        return all;
+    }());
+    return sParameters;
+}
+
+std::string parseAqFile(const std::string& text, AqFile* file) {
+    *file = factoryFile();
+    CSimpleIniCaseA ini;
+    ini.SetQuotes();
+    ini.SetMultiKey();
+    ini.SetAllowKeyOnly();
+    // The parser ends at the first NUL.
+    if (text.find('\0') != std::string::npos || ini.LoadData(text) < 0) {
+        return "it is not an INI file";
+    }
+    if (const std::string fault = readHeading(ini, file); !fault.empty()) {
+        return fault;
+    }
+    CSimpleIniCaseA::TNamesDepend sections;
+    ini.GetAllSections(sections);
+    for (const auto& section : sections) {
+        CSimpleIniCaseA::TNamesDepend keys;
+        ini.GetAllKeys(section.pItem, keys);
+        for (const auto& key : keys) {
+            CSimpleIniCaseA::TNamesDepend values;
+            ini.GetAllValues(section.pItem, key.pItem, values);
+            const std::string fault =
+                    values.size() > 1
+                            ? std::string("[") + section.pItem + "] " + key.pItem + " is given twice"
+                    : strcmp(section.pItem, kSection) == 0
+                            ? ""
+                            : readParameter(section.pItem, key.pItem, values.front().pItem, file);
+            if (!fault.empty()) {
+                return fault;
+            }
+        }
+    }
+    return {};
+}
+
+AqParameters::AqParameters(const StateDirectory& state) : mState(state), mSandbox(state) {
+    restart();
+}
+
+void AqParameters::restart() {
+    const std::lock_guard<std::mutex> changing(mChanging);
+    const Descriptor folder = mState.openFolder(kFolder);
+    std::string text;
+    const int32_t status = folder ? readFile(folder.get(), kCopy, kMaxFileBytes, text, nullptr) : kIoError;
+    AqFile file;
+    std::string fault;
+    if (status == kOk) {
+        fault = parseAqFile(text, &file);
+    } else if (status != kNotFound) {
+        fault = "status " + std::to_string(status);
+    }
+    if (status != kOk || !fault.empty()) {
+        file = factoryFile();
+    }
+    if (!fault.empty()) {
+        fprintf(stderr, "board: %s/%s is ignored: %s\n", kFolder, kCopy, fault.c_str());
+    }
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mFile = std::make_shared<const AqFile>(std::move(file));
+}
+
+int32_t AqParameters::load(const char* path) {
+    const Sandbox::Opened opened = mSandbox.openFile(path, O_RDONLY);
+    if (opened.status != kOk) {
+        return opened.status;
+    }
+    std::string text(kMaxFileBytes + 1, '\0');
+    size_t count = 0;
+    const int32_t read =
+            readAt(opened.file.get(), reinterpret_cast<unsigned char*>(text.data()), text.size(), 0, &count);
+    if (read != kOk) {
+        return read;
+    }
+    text.resize(count);
+    AqFile file;
+    const std::string fault = count > kMaxFileBytes
+                                      ? "it has more than " + std::to_string(kMaxFileBytes) + " bytes"
+                                      : parseAqFile(text, &file);
+    if (!fault.empty()) {
+        fprintf(stderr, "board: no AQ parameters loaded from %s: %s\n", path, fault.c_str());
+        return kBadFile;
+    }
+
+    const auto loaded = std::make_shared<const AqFile>(std::move(file));
+    const std::lock_guard<std::mutex> changing(mChanging);
+    const int32_t status = replaceFile(mState, kFolder, kCopy, text, kMode);
+    if (status == kOk) {
+        const std::lock_guard<std::mutex> data(mMutex);
+        mFile = loaded;
+    }
+    return status;
+}
+
+std::string AqParameters::describe() const {
+    std::shared_ptr<const AqFile> file;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        file = mFile;
+    }
+    std::string text = "AQ parameters \"" + file->name + "\"\n";
+    for (size_t i = 0; i < file->values.size(); ++i) {
+        const AqParameter& parameter = aqFileParameters()[i];
+        text += "aq " + parameter.section + ":" + parameter.key + " =";
+        for (const int64_t value : file->values[i]) {
+            text += " " + std::to_string(value);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+AqParameters& aqParameters() {
+    static AqParameters& sParameters = *new AqParameters(boardState());
+    return sParameters;
+}
+
+}  // namespace simulator

@@ -1,0 +1,114 @@
+#include "simulator/audio/VolumeTables.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <sstream>
+
+#include "simulator/Board.h"
+#include "simulator/Status.h"
+
+namespace simulator {
+namespace {
+
+constexpr char kFolder[] = "audio";
+constexpr mode_t kMode = 0644;
+// A gain takes five digits and a line end.
+constexpr size_t kMaxFileBytes = VolumeTables::kMaxNameBytes + 1 + 6 * VolumeTables::kMaxEntries;
+
+std::string fileOf(uint32_t path) {
+    return std::string(kAudioPathNames[path]) + ".table";
+}
+
+bool goodName(const std::string& name) {
+    return name.size() <= VolumeTables::kMaxNameBytes &&
+           std::none_of(name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; });
+}
+
+bool parse(const std::string& text, VolumeTables::Table* table) {
+    std::istringstream lines(text);
+    if (!std::getline(lines, table->name) || !goodName(table->name)) {
+        return false;
+    }
+    for (std::string line; std::getline(lines, line);) {
+        const char* const end = line.data() + line.size();
+        const auto [rest, error] = std::from_chars(line.data(), end, table->gains.emplace_back());
+        if (error != std::errc() || rest != end || table->gains.size() > VolumeTables::kMaxEntries) {
+            return false;
+        }
+    }
+    return !table->gains.empty();
+}
+
+}  // namespace
+
+VolumeTables::VolumeTables(const StateDirectory& state) : mState(state) {
+    load();
+}
+
+std::shared_ptr<const VolumeTables::Table> VolumeTables::read(uint32_t path) const {
+    const std::string name = fileOf(path);
+    const Descriptor folder = mState.openFolder(kFolder);
+    std::string text;
+    int32_t status = folder ? readFile(folder.get(), name, kMaxFileBytes, text, nullptr) : kIoError;
+    const auto table = std::make_shared<Table>();
+    if (status == kOk && !parse(text, table.get())) {
+        status = kBadFile;
+    }
+    if (status != kOk && status != kNotFound) {
+        fprintf(stderr, "board: %s/%s is ignored (status %d)\n", kFolder, name.c_str(), status);
+    }
+    return status == kOk ? table : nullptr;
+}
+
+void VolumeTables::load() {
+    const std::lock_guard<std::mutex> changing(mChanging);
+    for (uint32_t path = 0; path < kAudioPaths; ++path) {
+        const auto table = read(path);
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mTables[path] = table;
+    }
+}
+
+std::shared_ptr<const VolumeTables::Table> VolumeTables::get(uint32_t path) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mTables[path];
+}
+
+int32_t VolumeTables::set(uint32_t path, Table table) {
+    if (!goodName(table.name)) {
+        return kOutOfRange;
+    }
+    const auto changed = std::make_shared<const Table>(std::move(table));
+    std::string text = changed->name + "\n";
+    for (const uint16_t gain : changed->gains) {
+        text += std::to_string(gain) + "\n";
+    }
+    const std::lock_guard<std::mutex> changing(mChanging);
+    const int32_t status = replaceFile(mState, kFolder, fileOf(path), text, kMode);
+    if (status == kOk) {
+        const std::lock_guard<std::mutex> data(mMutex);
+        mTables[path] = changed;
+    }
+    return status;
+}
+
+std::string VolumeTables::describe() const {
+    std::string text;
+    for (uint32_t path = 0; path < kAudioPaths; ++path) {
+        if (const auto table = get(path)) {
+            text += std::string("volume table of ") + kAudioPathNames[path] + ": \"" + table->name + "\", " +
+                    std::to_string(table->gains.size()) + " entries, " +
+                    std::to_string(table->gains.front()) + " to " + std::to_string(table->gains.back()) +
+                    "\n";
+        }
+    }
+    return text;
+}
+
+VolumeTables& volumeTables() {
+    static VolumeTables& sTables = *new VolumeTables(boardState());
+    return sTables;
+}
+
+}  // namespace simulator

@@ -1,0 +1,172 @@
+#include "simulator/panel/Panel.h"
+
+#include <algorithm>
+
+#include "simulator/Status.h"
+
+namespace simulator {
+namespace {
+
+constexpr const char* kWindowNames[kWindows] = {"MAIN", "SUB", "THIRD"};
+constexpr const char* kFreeRunNames[kFreeRuns] = {"AUTO", "ON", "OFF"};
+
+std::string number(int64_t value) {
+    return std::to_string(value);
+}
+
+/** 0x010203 as 1.2.3 */
+std::string versionText(int64_t version) {
+    return number(version >> 16) + "." + number(version >> 8 & 0xFF) + "." + number(version & 0xFF);
+}
+
+}  // namespace
+
+Panel::Panel() {
+    // Whatever is wrong has been said, and the set starts all the same.
+    loadSettings(&mSettings);
+    loadDriverParameters(&mDriver);
+    loadPqData(&mPqData);
+}
+
+int32_t Panel::reloadDriver() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Settings settings;
+    DriverParameters driver;
+    if (const int32_t result = loadSettings(&settings); result != kOk) {
+        return result;
+    }
+    if (const int32_t result = loadDriverParameters(&driver); result != kOk) {
+        return result;
+    }
+    mSettings = std::move(settings);
+    mDriver = std::move(driver);
+    return kOk;
+}
+
+int32_t Panel::reloadPq() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return loadPqData(&mPqData);
+}
+
+int32_t Panel::change(const std::vector<Change>& changes) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return changeSettings(&mSettings, changes);
+}
+
+Setting Panel::pictureSetting() const {
+    return static_cast<Setting>(static_cast<unsigned>(Setting::PictureMain) + mLayers.window);
+}
+
+int32_t Panel::changePicture(size_t parameter, int64_t value) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Settings::Values values = mSettings[pictureSetting()];
+    if (parameter >= values.size()) {
+        return kOutOfRange;
+    }
+    values[parameter] = value;
+    return changeSettings(&mSettings, {{pictureSetting(), values}});
+}
+
+int32_t Panel::changePicture(const Settings::Values& parameters) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return changeSettings(&mSettings, {{pictureSetting(), parameters}});
+}
+
+int32_t Panel::checkPq(const Settings::Values& items) const {
+    for (size_t axis = 0; axis < std::size(mPqData.range) && axis < items.size(); ++axis) {
+        if (items[axis] < mPqData.range[axis][0] || items[axis] > mPqData.range[axis][1]) {
+            return kOutOfRange;
+        }
+    }
+    return kOk;
+}
+
+int32_t Panel::changePq(const Settings::Values& items) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const int32_t result = checkPq(items);
+    return result == kOk ? changeSettings(&mSettings, {{Setting::Pq, items}}) : result;
+}
+
+int32_t Panel::changePqItem(size_t item, int64_t value) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Settings::Values items = seenSettings()[Setting::Pq];
+    if (item >= items.size()) {
+        return kOutOfRange;
+    }
+    items[item] = value;
+    const int32_t result = checkPq(items);
+    return result == kOk ? changeSettings(&mSettings, {{Setting::Pq, items}}) : result;
+}
+
+Settings Panel::settings() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mSettings;
+}
+
+DriverParameters Panel::driver() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mDriver;
+}
+
+PqData Panel::pqData() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mPqData;
+}
+
+/** With the PQ items within the ranges of pq.ini, which may be narrower than when they were set. */
+Settings Panel::seenSettings() const {
+    Settings seen = mSettings;
+    Settings::Values items = seen[Setting::Pq];
+    for (size_t axis = 0; axis < std::size(mPqData.range); ++axis) {
+        items[axis] = std::clamp<int64_t>(items[axis], mPqData.range[axis][0], mPqData.range[axis][1]);
+    }
+    seen.set(Setting::Pq, items);
+    return seen;
+}
+
+std::vector<uint8_t> Panel::picture(Seen seen) const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return compose(seenSettings(), mLayers, bannerLocked(), seen, PanelClock::now());
+}
+
+std::vector<std::string> Panel::banner() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return bannerLocked();
+}
+
+std::vector<std::string> Panel::bannerLocked() const {
+    const Settings seen = seenSettings();
+    const Settings::Values& picture = seen[pictureSetting()];
+    const Settings::Values& pq = seen[Setting::Pq];
+    const Settings::Values& white = seen[Setting::WhitePoint];
+    const Settings::Values& link = seen[Setting::Link];
+    const Timing& timing = kTimings[seen[Setting::Timing][0]];
+    const int64_t duty =
+            mDriver.pwmMin + (int64_t{mDriver.pwmMax} - mDriver.pwmMin) * picture[kBacklight] / 100;
+    const auto list = [](const Settings::Values& values, size_t begin, size_t end) {
+        std::string text;
+        for (size_t i = begin; i < end; ++i) {
+            text += " " + number(values[i]);
+        }
+        return text;
+    };
+    return {mDriver.name + "  " + number(timing.width) + "x" + number(timing.height) + " " +
+                    number(timing.hertz) + " Hz, " + number(link[2]) + " bit, " + number(link[1]) + " lanes",
+            std::string("Window ") + kWindowNames[mLayers.window] + ", free run " +
+                    kFreeRunNames[static_cast<unsigned>(mLayers.freeRun)] + ", PQ " +
+                    (mLayers.pqOn ? "ON" : "OFF"),
+            "Brightness " + number(picture[kBrightness]) + ", contrast " + number(picture[kContrast]) +
+                    ", saturation " + number(picture[kSaturation]),
+            "Hue " + number(picture[kHue]) + ", sharpness " + number(picture[kSharpness]) + ", backlight " +
+                    number(picture[kBacklight]) + " (PWM " + number(duty) + "%)",
+            "PQ" + list(pq, 0, pq.size()) + ", overscan" + list(seen[Setting::Overscan], 0, 4),
+            "White gain" + list(white, 0, 3) + ", offset" + list(white, 3, 6),
+            "FRC firmware " + (mDriver.frcPresent ? versionText(seen[Setting::FrcFirmware][0]) : "none")};
+}
+
+Panel& panel() {
+    static Panel& sPanel = *new Panel;
+    return sPanel;
+}
+
+}  // namespace simulator

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/panel/Configuration.h"
+#include "simulator/panel/Picture.h"
+#include "simulator/panel/Settings.h"
+
+namespace simulator {
+
+/**
+ * The panel and all that feeds it, which the modules disp and disptst share. Any thread.
+ *
+ * What the flash keeps is changed there first. Every function returns kOk or a status, and then has changed
+ * nothing.
+ */
+class Panel {
+  public:
+    using Change = std::pair<Setting, Settings::Values>;
+
+    /** Reads what the flash keeps; what is wrong with it is said on standard error, and has its factory
+     * value. */
+    Panel();
+
+    /** Reads settings and panel.ini anew. */
+    int32_t reloadDriver();
+    /** Reads pq.ini anew. Items beyond a narrower range act as its nearest end until they are set again. */
+    int32_t reloadPq();
+
+    int32_t change(const std::vector<Change>& changes);
+    int32_t changePicture(size_t parameter, int64_t value);
+    int32_t changePicture(const Settings::Values& parameters);
+    /** All the items of the PQ engine, or one of them, within the ranges of pq.ini. */
+    int32_t changePq(const Settings::Values& items);
+    int32_t changePqItem(size_t item, int64_t value);
+
+    Settings settings() const;
+    DriverParameters driver() const;
+    PqData pqData() const;
+
+    /** Calls body with the layers, which nobody else sees or changes meanwhile; returns what it returns. */
+    template <typename Body>
+    int32_t withLayers(Body body) {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        return body(mLayers);
+    }
+
+    /** As compose(). */
+    std::vector<uint8_t> picture(Seen seen) const;
+
+    /** What the OSD's banner says. */
+    std::vector<std::string> banner() const;
+
+  private:
+    Setting pictureSetting() const;
+    int32_t checkPq(const Settings::Values& items) const;
+    Settings seenSettings() const;
+    std::vector<std::string> bannerLocked() const;
+
+    mutable std::mutex mMutex;
+    // All below guarded by mMutex.
+    Settings mSettings;
+    DriverParameters mDriver;
+    PqData mPqData;
+    Layers mLayers;
+};
+
+/** Made on first use, never destroyed. */
+Panel& panel();
+
+}  // namespace simulator

@@ -1,0 +1,91 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+
+#include "tools/fapictl/Display.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+namespace {
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+/** Where the simulated board of this user keeps its state, unless told otherwise. */
+std::string stateDirectory() {
+    if (const std::string chosen = environment("ZVTTV_STATE_DIR"); !chosen.empty()) {
+        return chosen;
+    }
+    if (const std::string states = environment("XDG_STATE_HOME"); !states.empty() && states[0] == '/') {
+        return states + "/zvttvfactory";
+    }
+    if (const std::string home = environment("HOME"); !home.empty()) {
+        return home + "/.local/state/zvttvfactory";
+    }
+    return "/tmp/zvttvfactory-" + std::to_string(geteuid());
+}
+
+/** A file that goes away, whatever becomes of its contents. */
+struct Removed {
+    const std::string path;
+    ~Removed() { unlink(path.c_str()); }
+};
+
+void copy(const Context& context, const std::string& from, const std::string& to) {
+    std::ifstream picture(from, std::ios::binary);
+    if (!picture) {
+        throw Failure(Exit::Output, "the service has captured its panel, but there is no " + inQuotes(from) +
+                                            " (" + std::strerror(errno) +
+                                            "): is ZVTTV_STATE_DIR the same as the service's?");
+    }
+    std::ofstream file;
+    if (to != "-") {
+        file.open(to, std::ios::binary | std::ios::trunc);
+    }
+    std::ostream& out = to == "-" ? context.out : file;
+    out << picture.rdbuf();
+    if (!out.flush()) {
+        throw Failure(Exit::Output, "cannot write " + inQuotes(to) + ": " + std::strerror(errno));
+    }
+}
+
+}  // namespace
+
+const std::vector<std::string>& captureLayers() {
+    static const std::vector<std::string> layers = {"all", "video", "graphics", "osd"};
+    return layers;
+}
+
+Exit capture(const Context& context) {
+    const std::vector<std::string>& words = context.options.words;
+    const std::vector<std::string>& layers = captureLayers();
+    const std::string asked = words.size() > 1 ? words[1] : layers[0];
+    const auto layer = std::find_if(layers.begin(), layers.end(),
+                                    [&](const std::string& one) { return equalIgnoringCase(one, asked); });
+    if (layer == layers.end()) {
+        throw Failure(Exit::Usage, "LAYERS: no layers " + inQuotes(asked) + suggestion(asked, layers));
+    }
+    const Interface& display = findInterface(context.package, "Display");
+    const Method& method = findMethod(display, "capture_screen_to_usb");
+    // A name that nobody else takes while this process runs.
+    const std::string name = "fapictl-" + std::to_string(getpid()) + ".png";
+    const Removed captured{stateDirectory() + "/files/usb/" + name};
+    const Json results =
+            callForResults(context, display, method, Json::array({name, layer - layers.begin()}));
+    const auto status = results[0].get<int64_t>();
+    if (status != 0) {
+        throw Failure(Exit::Status, "the capture failed: status " + std::to_string(status) + " (" +
+                                            statusName(status) + ")");
+    }
+    copy(context, captured.path, words[0]);
+    return Exit::Success;
+}
+
+}  // namespace fapictl

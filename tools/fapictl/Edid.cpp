@@ -1,0 +1,86 @@
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <optional>
+
+#include "tools/fapictl/Display.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Values.h"
+#include "tools/fapictl/Verbs.h"
+
+namespace fapictl {
+namespace {
+
+constexpr size_t kBlock = 128;
+/** Where an EDID tells how many blocks follow its first. */
+constexpr size_t kExtensions = 126;
+/** The shell's, for a program that it does not find. */
+constexpr int kNoProgram = 127;
+
+/** What edid-decode says of the bytes; empty when it is not installed. */
+std::optional<std::string> decoded(const std::string& edid) {
+    // The program inherits the file, which has no name to clean up.
+    const int file = memfd_create("edid", 0);
+    if (file < 0 || write(file, edid.data(), edid.size()) != static_cast<ssize_t>(edid.size())) {
+        throw Failure(Exit::Output, std::string("no memory for the EDID: ") + std::strerror(errno));
+    }
+    FILE* const pipe = popen(("edid-decode /dev/fd/" + std::to_string(file) + " 2>/dev/null").c_str(), "r");
+    std::string text;
+    char chunk[4096];
+    for (size_t count; pipe != nullptr && (count = fread(chunk, 1, sizeof chunk, pipe)) > 0;) {
+        text.append(chunk, count);
+    }
+    const int status = pipe == nullptr ? -1 : pclose(pipe);
+    close(file);
+    if (status != -1 && WIFEXITED(status) && WEXITSTATUS(status) != kNoProgram && !text.empty()) {
+        return text;
+    }
+    return std::nullopt;
+}
+
+void writeTo(const Context& context, const std::string& path, const std::string& edid) {
+    std::ofstream file;
+    if (path != "-") {
+        file.open(path, std::ios::binary | std::ios::trunc);
+    }
+    std::ostream& out = path == "-" ? context.out : file;
+    if (!(out << edid).flush()) {
+        throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
+    }
+}
+
+}  // namespace
+
+Exit edid(const Context& context) {
+    const std::vector<std::string>& words = context.options.words;
+    const Interface& peripheral = findInterface(context.package, "Peripheral");
+    const Method& method = findMethod(peripheral, "get_hdmi_edid_data");
+    const Json port = parseValue(*method.arguments[0].type, words[0], "PORT");
+    const Json results = callForResults(context, peripheral, method, Json::array({port}));
+    if (const auto status = results[1].get<int64_t>(); status != 0) {
+        throw Failure(Exit::Status,
+                      "there is no EDID: status " + std::to_string(status) + " (" + statusName(status) + ")");
+    }
+    std::vector<uint8_t> bytes = results[0].front().get_binary();
+    bytes.resize(std::min(bytes.size(), kBlock * (size_t{bytes.at(kExtensions)} + 1)));
+    const std::string edid(bytes.begin(), bytes.end());
+    if (words.size() > 1) {
+        writeTo(context, words[1], edid);
+    } else if (const std::optional<std::string> text = decoded(edid)) {
+        context.out << *text;
+    } else {
+        context.err << "fapictl: edid-decode is not installed or said nothing: these are the bytes\n";
+        for (const std::string& line : hexDump(bytes)) {
+            context.out << line << '\n';
+        }
+    }
+    return Exit::Success;
+}
+
+}  // namespace fapictl
