@@ -19,7 +19,8 @@ if ! command -v dpkg-query >/dev/null; then
 fi
 
 # dpkg-query fails when it does not know one of the packages; that one is missing, then.
-installed=$(dpkg-query --show --showformat '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true)
+installed=$(dpkg-query --show --showformat \
+    '${db:Status-Status} ${Package}\n${db:Status-Status} ${Package}:${Architecture}\n' "${wanted[@]}" 2>/dev/null || true)
 missing=()
 for package in "${wanted[@]}"; do
     if ! grep -qxF "installed $package" <<<"$installed"; then
@@ -41,6 +42,9 @@ if ((EUID != 0)); then
         exit 1
     fi
     as_root=(sudo)
+fi
+if [[ " ${missing[*]}" == *:arm64* ]]; then
+    "${as_root[@]}" dpkg --add-architecture arm64
 fi
 # A list of another source that can not be fetched need not stop us: the installation tells.
 "${as_root[@]}" apt-get update -qq || echo "apt-get update failed; going on with the lists that are there" >&2
