@@ -8,7 +8,6 @@
 namespace {
 
 using ::testing::AllOf;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 class PeripheralTest : public ServiceFixture {

@@ -1,0 +1,131 @@
+// Every method of the package, as the interface files list them, through the real tool, transport and
+// service.
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "tests/process/ServiceFixture.h"
+
+namespace {
+
+using nlohmann::json;
+
+/** What the tool printed, and how it ended. */
+struct Ran {
+    std::string out;
+    int code;
+};
+
+Ran fapictl(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), getenv("ZVTTV_TEST_FAPICTL"));
+    ChildProcess tool(arguments, "");
+    Ran ran{"", 0};
+    char bytes[65536];
+    for (ssize_t got; (got = read(tool.output(), bytes, sizeof(bytes))) > 0;) {
+        ran.out.append(bytes, static_cast<size_t>(got));
+    }
+    ran.code = tool.wait();
+    return ran;
+}
+
+/** A value of the type that every client can send: zero, empty, no object. */
+std::string plainest(const std::string& type, const json& types) {
+    if (type.compare(0, 4, "vec<") == 0) {
+        return "[]";
+    }
+    if (type == "string") {
+        return "";
+    }
+    if (type == "bool") {
+        return "false";
+    }
+    if (type[0] == 'I') {
+        return "null";
+    }
+    return types.contains(type) && types[type].contains("fields") ? "{}" : "0";
+}
+
+class EveryMethodTest : public ServiceFixture {
+  protected:
+    /** Calls each method with the plainest arguments; its results by "Interface method". */
+    static std::map<std::string, json> callAll() {
+        std::map<std::string, json> answers;
+        const Ran listed = fapictl({"introspect", "--json"});
+        for (const json& interface : json::parse(listed.out)) {
+            if (!interface["service"]) {
+                continue;
+            }
+            for (const json& method : interface["methods"]) {
+                const std::string name =
+                        std::string(interface["shortName"]) + " " + std::string(method["shortName"]);
+                std::vector<std::string> call = {"call", interface["shortName"], method["shortName"],
+                                                 "--json"};
+                for (const json& argument : method["arguments"]) {
+                    call.push_back(plainest(argument["type"], interface["types"]));
+                }
+                const Ran ran = fapictl(call);
+                EXPECT_THAT(ran.code, testing::AnyOf(0, 1)) << name;
+                const json answer = json::parse(ran.out, nullptr, false);
+                EXPECT_TRUE(answer.is_object()) << name << ": " << ran.out;
+                for (const json& result : method["results"]) {
+                    EXPECT_TRUE(answer.contains(std::string(result["name"]))) << name << ": " << ran.out;
+                }
+                answers[name] = answer;
+            }
+        }
+        return answers;
+    }
+};
+
+TEST_F(EveryMethodTest, AnswersOnABoardThatIsReady) {
+    startAndWait();
+    const auto answers = callAll();
+    EXPECT_EQ(140u, answers.size());
+    for (const auto& [name, answer] : answers) {
+        EXPECT_NE(-5, answer.value("s32Status", 0)) << name;
+    }
+}
+
+TEST_F(EveryMethodTest, IsRefusedOnABoardThatIsNotReadyButForThoseThatSayOtherwise) {
+    setenv("ZVTTV_BOARD_READY", "no", 1);
+    startAndWait();
+    // Those without a guard, with a value for a status, or that need no board. No value: the library's own
+    // answer.
+    const std::map<std::string, std::optional<json>> others = {
+            {"Audio set_volume_table", json{{"s32Status", -2}}},
+            {"Display get_frc_connect_status", true},
+            {"Manager set_callback", json{{"s32Status", -2}}},
+            {"Manager post_event", json{{"s32Status", -2}}},
+            {"Peripheral get_adc_in_keypad", json{{"s32Status", 0}}},
+            {"Peripheral get_gpio_status", std::nullopt},
+            {"Peripheral get_keypad_code", false},
+            {"Peripheral get_sar_adc", 0},
+            {"Peripheral set_factory_uart_onoff", false},
+            {"Peripheral set_hdmi_hpd", std::nullopt},
+            {"Peripheral write_factory_uart", false},
+            {"System get_wdt_status", false},
+    };
+    const auto answers = callAll();
+    EXPECT_EQ(140u, answers.size());
+    for (const auto& [name, answer] : answers) {
+        const auto other = others.find(name);
+        if (other == others.end()) {
+            EXPECT_EQ(-5, answer.value("s32Status", 0)) << name;
+        } else if (other->second.has_value() && other->second->is_object()) {
+            EXPECT_EQ(*other->second, answer) << name;
+        } else if (other->second.has_value()) {
+            EXPECT_EQ(*other->second, *answer.begin()) << name;
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    const RegistryFolder folder;
+    return RUN_ALL_TESTS();
+}
