@@ -2,12 +2,16 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <utility>
 
 #include "tools/fapictl/Arguments.h"
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Verbs.h"
+#include "tools/fapictl/Watcher.h"
 
 namespace fapictl {
 namespace {
@@ -42,6 +46,35 @@ void writePayload(const Context& context, const Json& value) {
         throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
     }
 }
+
+/** While it lives, events that come in are shown beside the results, on standard error. */
+class Progress {
+  public:
+    explicit Progress(const Context& context) : mOutput(std::make_shared<Output>(&context.err)) {
+        const sp<Watcher> watcher = new Watcher({}, [output = mOutput](const Event& event) {
+            const std::lock_guard<std::mutex> lock(output->mutex);
+            if (output->stream != nullptr) {
+                *output->stream << eventLine(++output->shown, event) << std::endl;
+            }
+        });
+        subscribe(findService(context, findInterface(context.package, "Manager")), watcher, nullptr);
+    }
+    ~Progress() {
+        const std::lock_guard<std::mutex> lock(mOutput->mutex);
+        mOutput->stream = nullptr;
+    }
+    Progress(const Progress&) = delete;
+
+  private:
+    struct Output {
+        explicit Output(std::ostream* to) : stream(to) {}
+        std::mutex mutex;
+        std::ostream* stream;  // null once the call is over
+        uint64_t shown = 0;
+    };
+
+    const std::shared_ptr<Output> mOutput;  // the watcher outlives us
+};
 
 void print(const Context& context, const Method& method, const Json& results, size_t payload) {
     const Options& options = context.options;
@@ -105,6 +138,8 @@ Exit call(const Context& context) {
     if (takesObject) {
         context.err << "fapictl: null registers nothing" << kObjectHint << '\n';
     }
+    const std::optional<Progress> progress =
+            options.progress ? std::optional<Progress>(std::in_place, context) : std::nullopt;
     return callAndPrint(context, interface, method, arguments);
 }
 

@@ -116,6 +116,7 @@ struct Parser {
                 ->allow_extra_args(false)
                 ->delimiter(',');
         app.add_option("--count", options.count, "end after so many events")->type_name("N");
+        app.add_flag("--progress", options.progress, "show the events that come in while the method runs");
         app.add_flag("--quiet", options.quiet, "do not say when watching begins");
         app.add_flag("--all", options.all, "list other packages' services too");
         app.add_flag("-h,--help", help, "print this help");
@@ -282,7 +283,7 @@ const std::vector<Verb>& verbs() {
              "call a method and show its results",
              kCallHelp,
              Words::Method,
-             {"json", "no-legend", "instance", "timeout", "out"},
+             {"json", "no-legend", "instance", "timeout", "out", "progress"},
              2,
              kAnyNumber,
              call},

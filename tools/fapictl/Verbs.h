@@ -21,6 +21,7 @@ struct Options {
     std::vector<std::string> modules;  // whose events to show, empty for all
     std::optional<int64_t> count;      // of events
     bool quiet = false;
+    bool progress = false;
     std::string out;  // a file, "-" for standard output, empty for none
 };
 

@@ -1,14 +1,13 @@
-#include <hidl/HidlTransportSupport.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
-#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
 #include <algorithm>
 #include <cmath>
 #include <condition_variable>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <system_error>
 
@@ -16,16 +15,12 @@
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Verbs.h"
+#include "tools/fapictl/Watcher.h"
 
 namespace fapictl {
 namespace {
 
-using android::hardware::Return;
-using android::hardware::Void;
 using std::chrono::steady_clock;
-using vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiCallbackManager;
-using vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager;
-using vendor::zentrovi::tv::zvttvfactory::V1_0::ZvtTvFApiEventCommonObject;
 
 /**
  * Payload that waits to be printed, at most. Beyond that the callback waits, so that a slow reader of the
@@ -165,60 +160,13 @@ class Queue {
     bool mClosed = false;
 };
 
-using Object = ZvtTvFApiEventCommonObject;
-
-/** What the manager calls; registered until the process ends, so it outlives the watch. */
-class Watcher : public IZvtTvFApiCallbackManager {
-  public:
-    /** Events of other modules are dropped; no modules are all of them. */
-    explicit Watcher(const std::vector<std::string>& modules) : mModules(modules) {}
-
-#define WATCH(method, module)                                                                               \
-    Return<void> method(uint32_t type, const Object& object1, const Object& object2, const Object& object3, \
-                        const Object& object4) override {                                                   \
-        return push(module, type, {&object1, &object2, &object3, &object4});                                \
-    }
-    WATCH(notifySysEvent, "sys")
-    WATCH(notifyDispEvent, "disp")
-    WATCH(notifyDispTstEvent, "disptst")
-    WATCH(notifyInfoEvent, "info")
-    WATCH(notifyInpSrcEvent, "inpsrc")
-    WATCH(notifyPrphrlEvent, "prphrl")
-    WATCH(notifyAudEvent, "aud")
-    WATCH(notifyNetEvent, "net")
-    WATCH(notifyTvEvent, "tv")
-#undef WATCH
-
-    Queue queue;
-
-  private:
-    Return<void> push(const char* module, uint32_t type, const std::array<const Object*, 4>& objects) {
-        Event event;
-        event.time = std::chrono::system_clock::now();
-        event.module = module;
-        event.type = type;
-        if (mModules.empty() || std::find(mModules.begin(), mModules.end(), module) != mModules.end()) {
-            for (size_t i = 0; i < objects.size(); ++i) {
-                const Object& object = *objects[i];
-                event.records[i].value = object.u32Value;
-                event.records[i].text.assign(object.strValue.c_str(), object.strValue.size());
-                event.records[i].bytes.assign(object.vecValue.begin(), object.vecValue.end());
-            }
-            queue.push(std::move(event));
-        }
-        return Void();
-    }
-
-    const std::vector<std::string> mModules;
-};
-
 class DeathNotice : public android::hardware::hidl_death_recipient {
   public:
-    explicit DeathNotice(const sp<Watcher>& watcher) : mWatcher(watcher) {}
-    void serviceDied(uint64_t, const android::wp<IBase>&) override { mWatcher->queue.setDead(); }
+    explicit DeathNotice(std::shared_ptr<Queue> queue) : mQueue(std::move(queue)) {}
+    void serviceDied(uint64_t, const android::wp<IBase>&) override { mQueue->setDead(); }
 
   private:
-    const sp<Watcher> mWatcher;
+    const std::shared_ptr<Queue> mQueue;
 };
 
 std::vector<std::string> chosenModules(const Options& options) {
@@ -239,30 +187,6 @@ std::vector<std::string> chosenModules(const Options& options) {
         chosen.push_back(*at);
     }
     return chosen;
-}
-
-/** Returns the manager, whose proxy must live for the notice to come. */
-sp<IZvtTvFApiManager> subscribe(const sp<IBase>& service, const sp<Watcher>& watcher,
-                                const sp<DeathNotice>& notice) {
-    // One thread: events are queued in the order in which they come in.
-    android::hardware::configureRpcThreadpool(1, false);
-    const sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::castFrom(service);
-    if (manager == nullptr) {
-        throw Failure(Exit::Transport, "the service is no event manager");
-    }
-    if (const Return<bool> linked = manager->linkToDeath(notice, 0); !linked.isOk() || !linked) {
-        throw Failure(Exit::Transport, "the service died before events could be watched");
-    }
-    const Return<int32_t> status = manager->a_hidl_a_zvttvfapi_mngr_set_callback(watcher);
-    if (!status.isOk()) {
-        throw Failure(Exit::Transport, "events cannot be watched: " + escaped(status.description()));
-    }
-    const int32_t number = status;
-    if (number != 0) {
-        throw Failure(Exit::Status, "the service refused the callback: " + std::to_string(number) + " (" +
-                                            statusName(number) + ")");
-    }
-    return manager;
 }
 
 /** Sleeps until something happens or the time has come; false in the latter case. */
@@ -336,20 +260,23 @@ Exit watch(const Context& context) {
         deadline = steady_clock::now() + std::chrono::duration_cast<steady_clock::duration>(
                                                  std::chrono::duration<double>(*options.timeout));
     }
-    const sp<Watcher> watcher = new Watcher(chosenModules(options));
-    const sp<DeathNotice> notice = new DeathNotice(watcher);
+    // The callback and the notice stay with the runtime until the process ends, and the queue with them.
+    const auto queue = std::make_shared<Queue>();
+    const sp<Watcher> watcher =
+            new Watcher(chosenModules(options), [queue](Event event) { queue->push(std::move(event)); });
+    const sp<DeathNotice> notice = new DeathNotice(queue);
     // Whatever ends the watch, the callback must not wait for room that nobody makes.
     struct Closer {
         Queue& queue;
         ~Closer() { queue.close(); }
-    } const closer = {watcher->queue};
+    } const closer = {*queue};
     const sp<IBase> service = findService(context, findInterface(context.package, "Manager"));
     const EndSignals signals;
-    const sp<IZvtTvFApiManager> manager = subscribe(service, watcher, notice);
+    const sp<IBase> manager = subscribe(service, watcher, notice);
     if (!options.quiet) {
         context.err << "watching: press Ctrl-C to end" << std::endl;
     }
-    return print(context, watcher->queue, deadline);
+    return print(context, *queue, deadline);
 }
 
 }  // namespace fapictl
