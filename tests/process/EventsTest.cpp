@@ -30,7 +30,10 @@ class Watcher : public IZvtTvFApiCallbackManager {
 #define WATCHER_METHOD(module)                                                              \
     Return<void> notify##module##Event(uint32_t type, const Record& one, const Record& two, \
                                        const Record& three, const Record& four) override {  \
-        mListener(#module, type, {one, two, three, four});                                  \
+        const std::lock_guard<std::mutex> lock(mMutex);                                     \
+        if (mListener) {                                                                    \
+            mListener(#module, type, {one, two, three, four});                              \
+        }                                                                                   \
         return Void();                                                                      \
     }
     WATCHER_METHOD(Sys)
@@ -44,8 +47,27 @@ class Watcher : public IZvtTvFApiCallbackManager {
     WATCHER_METHOD(Tv)
 #undef WATCHER_METHOD
 
+    /** Waits for the listener; from then on events, which nobody can unsubscribe from, go nowhere. */
+    void end() {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mListener = nullptr;
+    }
+
   private:
-    const Listener mListener;
+    std::mutex mMutex;
+    Listener mListener;
+};
+
+/** A watcher of this process that listens as long as what it tells of is there. */
+class Listening {
+  public:
+    explicit Listening(Watcher::Listener listener) : mWatcher(new Watcher(std::move(listener))) {}
+    ~Listening() { mWatcher->end(); }
+    Listening(const Listening&) = delete;
+    operator const sp<Watcher>&() const { return mWatcher; }
+
+  private:
+    const sp<Watcher> mWatcher;
 };
 
 int32_t post(uint32_t type, const Record& first = {}) {
@@ -102,12 +124,11 @@ class EventsTest : public ServiceFixture {
 TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
     std::mutex lock;
     std::vector<std::string> seen;
-    const sp<Watcher> local =
-            new Watcher([&](const std::string& module, uint32_t type, const Record(&records)[4]) {
-                const std::lock_guard<std::mutex> guard(lock);
-                seen.push_back(module + " " + std::to_string(type) + " " + toString(records[0]) +
-                               toString(records[3]));
-            });
+    const Listening local([&](const std::string& module, uint32_t type, const Record(&records)[4]) {
+        const std::lock_guard<std::mutex> guard(lock);
+        seen.push_back(module + " " + std::to_string(type) + " " + toString(records[0]) +
+                       toString(records[3]));
+    });
     ASSERT_TRUE(watch(local));
     const ChildProcess other = watcher();
     const std::pair<const char*, const char*> modules[] = {
@@ -217,8 +238,8 @@ TEST_F(EventsTest, AStoppedClientDelaysNobodyAndGetsWhatItsQueueHeldInOrder) {
 TEST_F(EventsTest, AClientMayPostAndRegisterFromInsideItsCallback) {
     std::atomic<int> seen{0};
     std::atomic<int> nested{0};
-    const sp<Watcher> inner = new Watcher([&](const std::string&, uint32_t, const auto&) { ++nested; });
-    const sp<Watcher> outer = new Watcher([&](const std::string&, uint32_t type, const auto&) {
+    const Listening inner([&](const std::string&, uint32_t, const auto&) { ++nested; });
+    const Listening outer([&](const std::string&, uint32_t type, const auto&) {
         if (++seen == 1) {
             EXPECT_TRUE(watch(inner));
             EXPECT_EQ(0, post(type + 1));
@@ -234,7 +255,7 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     startAndWait();
     std::atomic<uint32_t> received{0};
     std::atomic<bool> ordered{true};
-    const sp<Watcher> survivor = new Watcher([&](const std::string&, uint32_t, const Record(&records)[4]) {
+    const Listening survivor([&](const std::string&, uint32_t, const Record(&records)[4]) {
         ordered = ordered && records[0].u32Value == received;
         ++received;
     });
