@@ -104,7 +104,9 @@ Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_zvttvfapi_disptst_set_burning_mode_
     for (size_t i = 0; i < u8Count; ++i) {
         pstColors[i] = chipRecord(vecColors[i]);
     }
-    pstParam[0] = {pstColors.get(), u8Count, u8Interval};
+    pstParam[0].pColorTable = pstColors.get();
+    pstParam[0].u8ColorCount = u8Count;
+    pstParam[0].u8Interval = u8Interval;
     return callChip(a_zvttvfapi_disptst_set_burning_mode_adv, bEnable, pstParam);
 }
 

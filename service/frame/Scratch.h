@@ -35,14 +35,12 @@ class Scratch {
     /// Every byte is zero. What is large comes as fresh pages of the kernel's, which cost nothing until they
     /// are touched: a client that asks for gigabytes does not make the service write them.
     static Scratch zeroed(uint64_t count) {
-        return Scratch(countable(count) ? std::calloc(static_cast<size_t>(count), sizeof(T)) : nullptr,
-                       count);
+        return Scratch(countable(count) ? std::calloc(atLeastOne(count), sizeof(T)) : nullptr, count);
     }
 
     /// Indeterminate content: only for bytes that nobody reads before they were written.
     static Scratch uncleared(uint64_t count) {
-        return Scratch(countable(count) ? std::malloc(static_cast<size_t>(count) * sizeof(T)) : nullptr,
-                       count);
+        return Scratch(countable(count) ? std::malloc(atLeastOne(count) * sizeof(T)) : nullptr, count);
     }
 
     explicit operator bool() const { return mData != nullptr; }
@@ -74,6 +72,8 @@ class Scratch {
     };
 
     static constexpr bool countable(uint64_t count) { return count <= PTRDIFF_MAX / sizeof(T); }
+    // A buffer for nothing is not null, which an allocator asked for 0 bytes need not see likewise.
+    static constexpr size_t atLeastOne(uint64_t count) { return count == 0 ? 1 : static_cast<size_t>(count); }
 
     Scratch(void* data, uint64_t count)
         : mData(static_cast<T*>(data)), mCount(data != nullptr ? static_cast<size_t>(count) : 0) {}

@@ -24,7 +24,7 @@ struct Bmp {
         std::string text = type;
         const auto put = [&](uint32_t value, int bytes) {
             for (int i = 0; i < bytes; ++i) {
-                text += static_cast<char>(uint64_t{value} >> (8 * i));
+                text += static_cast<char>(i < 4 ? value >> (8 * i) : 0);
             }
         };
         put(0, 8);
