@@ -317,6 +317,7 @@ void Transport::buryWaiting() {
         peers.swap(mToBury);
     }
     for (const auto& peer : peers) {
+        hearOut(*peer);
         peer->bury();
     }
 }
