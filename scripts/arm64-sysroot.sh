@@ -9,5 +9,4 @@ mkdir -p "$folder"
 folder=$(realpath "$folder")
 download=$(mktemp -d)
 trap 'rm -rf "$download"' EXIT
-chmod 755 "$download"  # apt downloads as a user of its own
-(cd "$download" && apt-get download -qq p7zip-full:arm64 2>/dev/null && dpkg -x p7zip-full_*.deb "$folder")
+(cd "$download" && apt-get download -qq -o APT::Sandbox::User=root p7zip-full:arm64 && dpkg -x p7zip-full_*.deb "$folder")
