@@ -199,6 +199,22 @@ TEST_F(EventsTest, AnEventTooLongForAMessageFailsForItsPosterAloneAndTheNextOneA
     EXPECT_EQ(2u, next(other));
 }
 
+TEST_F(EventsTest, TheToolShowsTheEventsOfACallWhileItRuns) {
+    setenv("ZVTTV_BOARD_UPGRADE_MS", "400", 1);
+    startAndWait();
+    std::ofstream(mState + "/payload") << "firmware";
+    std::filesystem::create_directories(mState + "/files");
+    ASSERT_EQ(0, ChildProcess({"/usr/bin/env", "python3", ZVTTV_SOURCE "/scripts/make-firmware.py", "2",
+                               "7.1", mState + "/payload", mState + "/files/tuner.fw"},
+                              "")
+                         .wait());
+    ChildProcess tool(
+            {getenv("ZVTTV_TEST_FAPICTL"), "call", "system", "upgrade_fw", "2", "/tuner.fw", "--progress"},
+            mState + "/shown");
+    EXPECT_EQ(0, tool.wait());
+    EXPECT_THAT(contentOf(mState + "/shown"), HasSubstr("0x00010001  value=50 text=\"/tuner.fw\""));
+}
+
 TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
     const ChildProcess first = watcher();
     ChildProcess second = watcher();
