@@ -22,6 +22,7 @@
 #include "platform/src/Limits.h"
 #include "platform/src/Registry.h"
 #include "platform/src/Socket.h"
+#include "tests/support/Descriptors.h"
 
 namespace {
 
@@ -234,11 +235,6 @@ class Player {
     int mOutput;
 };
 
-size_t entriesOf(const std::string& folder) {
-    const auto all = std::filesystem::directory_iterator(folder);
-    return static_cast<size_t>(std::distance(begin(all), end(all)));
-}
-
 class ProcessTest : public testing::Test {
   protected:
     sp<IProbe> start(const std::string& role = "server") {
@@ -247,7 +243,6 @@ class ProcessTest : public testing::Test {
         return IProbe::getService();
     }
     const Player& server() const { return mServer.back(); }
-    size_t serverDescriptors() const { return entriesOf("/proc/" + std::to_string(server().pid()) + "/fd"); }
     static std::vector<uint64_t> deathsOf(const sp<IProbe>& probe) {
         std::vector<uint64_t> result;
         EXPECT_TRUE(probe->deaths([&](const hidl_vec<uint64_t>& cookies) { result = cookies; }).isOk());
@@ -387,12 +382,12 @@ TEST_F(ProcessTest, ClientsThatComeAndGoLeaveNoDescriptorBehind) {
     storm(1);
     ASSERT_TRUE(eventually([&] { return deathsOf(probe).size() == 5; }));
     EXPECT_TRUE(probe->forgetDead().isOk());
-    const size_t before = serverDescriptors();
+    const size_t before = openDescriptors(server().pid());
     storm(10);
     EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 55; }));
     EXPECT_TRUE(probe->forgetDead().isOk());
-    EXPECT_TRUE(eventually([&] { return serverDescriptors() <= before; }))
-            << before << " before, " << serverDescriptors() << " after";
+    EXPECT_TRUE(eventually([&] { return openDescriptors(server().pid()) <= before; }))
+            << before << " before, " << openDescriptors(server().pid()) << " after";
 }
 
 TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {

@@ -9,6 +9,7 @@
 #include <mutex>
 
 #include "tests/process/ServiceFixture.h"
+#include "tests/support/Descriptors.h"
 
 namespace {
 
@@ -277,7 +278,7 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     });
     ASSERT_TRUE(watch(survivor));
     EXPECT_NE(INT32_MIN, post(0x2000000));
-    const size_t before = openDescriptors();
+    const size_t before = openDescriptors(service().pid());
     uint32_t sent = 0;
     for (int round = 0; round < 20; ++round) {
         std::vector<ChildProcess> clients;
@@ -294,8 +295,8 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     }
     EXPECT_TRUE(eventually([&] { return received == sent; }));
     EXPECT_TRUE(ordered);
-    EXPECT_TRUE(eventually([&] { return openDescriptors() <= before; }))
-            << before << " before, " << openDescriptors();
+    EXPECT_TRUE(eventually([&] { return openDescriptors(service().pid()) <= before; }))
+            << before << " before, " << openDescriptors(service().pid());
     EXPECT_TRUE(eventually([] { return post(0x10000) == 0; })) << "no dead client is left to fail";
 }
 

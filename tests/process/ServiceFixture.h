@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -129,10 +128,6 @@ class ServiceFixture : public testing::Test {
         for (const auto& file : std::filesystem::directory_iterator(mRegistryPath)) {
             std::filesystem::remove(file);
         }
-    }
-    size_t openDescriptors() {
-        const std::filesystem::directory_iterator all("/proc/" + std::to_string(service().pid()) + "/fd");
-        return static_cast<size_t>(std::distance(begin(all), end(all)));
     }
     static std::string contentOf(const std::string& path) {
         std::stringstream text;
