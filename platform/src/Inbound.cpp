@@ -4,9 +4,11 @@
 
 #include <errno.h>
 #include <log/log.h>
+#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -32,6 +34,34 @@ class ReplyExporter final : public ObjectExporter {
     Peer& mPeer;
 };
 
+/**
+ * While a stream of one-way messages is read, the thread does not push aside the one that wakes it, which is
+ * often about to send to other clients, and then finds several messages at once. Nobody waits for an answer
+ * to them; where a processor is free, it runs at once all the same.
+ */
+class StreamScheduling {
+  public:
+    StreamScheduling() = default;
+    StreamScheduling(const StreamScheduling&) = delete;
+    StreamScheduling& operator=(const StreamScheduling&) = delete;
+    ~StreamScheduling() {
+        if (mBegun) {
+            setPolicy(SCHED_OTHER);
+        }
+    }
+
+    /** Leaves a thread alone that runs under another policy than the ordinary one. */
+    void begin() { mBegun = sched_getscheduler(0) == SCHED_OTHER && setPolicy(SCHED_BATCH); }
+
+  private:
+    static bool setPolicy(int policy) {
+        const sched_param param{};
+        return sched_setscheduler(0, policy, &param) == 0;
+    }
+
+    bool mBegun = false;
+};
+
 }  // namespace
 
 Inbound::Inbound(Transport& transport, std::shared_ptr<Peer> peer, UniqueFd fd, bool control)
@@ -50,7 +80,9 @@ Inbound::~Inbound() {
 bool Inbound::serve() {
     mTurns.load(std::memory_order_acquire);
     bool justServed = false;
-    int served = 0;
+    uint64_t served = 0;
+    int waits = 0;
+    StreamScheduling scheduling;
     while (!mBroken) {
         if (!flush()) {
             break;
@@ -59,8 +91,10 @@ bool Inbound::serve() {
             mTransport.armInbound(this, EPOLLOUT);
             return true;
         }
-        const int before = served;
-        const char* rule = serveBuffered(&served);
+        const uint64_t before = served;
+        // Others' turn comes when no thread is free for them.
+        const uint64_t limit = mControl && !mTransport.mayLinger() ? kMaxServedInARow : UINT64_MAX;
+        const char* rule = serveBuffered(&served, limit);
         if (rule != nullptr) {
             mPeer->drop(rule);
             break;
@@ -68,13 +102,20 @@ bool Inbound::serve() {
         if (mBroken || !mOut.empty()) {
             continue;
         }
-        if (served >= kMaxServedInARow && mControl) {
-            // Others' turn. More may be buffered than the kernel knows of: room to write wakes us at once.
+        if (served >= limit) {
+            // More may be buffered than the kernel knows of: room to write wakes us at once.
             mTransport.armInbound(this, EPOLLIN | EPOLLOUT);
             return true;
         }
         justServed = served > before;
-        const Read read = readMore(justServed && mTransport.mayLinger());
+        const bool wait = justServed && mTransport.mayLinger();
+        if (wait && ++waits == kWaitsUntilStream) {
+            mTransport.unwatchInbound(this);
+            if (mControl) {
+                scheduling.begin();
+            }
+        }
+        const Read read = readMore(wait);
         if (read == Read::End) {
             break;
         }
@@ -115,12 +156,12 @@ Inbound::Read Inbound::readMore(bool wait) {
     return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK) ? Read::Nothing : Read::End;
 }
 
-/** Serves the whole messages among what has been read. Null, or the rule that one breaks. */
-const char* Inbound::serveBuffered(int* served) {
+/** Serves the whole messages among what has been read, up to the limit. Null, or the rule that one breaks. */
+const char* Inbound::serveBuffered(uint64_t* served, uint64_t limit) {
     size_t start = 0;
     const char* rule = nullptr;
     while (rule == nullptr && !mBroken && mOut.empty() && mHave - start >= sizeof(MessageHeader) &&
-           !(mControl && *served >= kMaxServedInARow)) {
+           *served < limit) {
         uint8_t* bytes = mBlock.get() + start;
         MessageHeader head;
         std::memcpy(&head, bytes, sizeof(head));
@@ -130,14 +171,16 @@ const char* Inbound::serveBuffered(int* served) {
         }
         rule = Message::check(bytes);
         if (rule == nullptr) {
-            rule = serveMessage(bytes);
+            rule = serveMessage(head, bytes);
         }
         start += head.totalBytes;
         ++*served;
     }
     if (start > 0) {
         mHave -= start;
-        std::memmove(mBlock.get(), mBlock.get() + start, mHave);
+        if (mHave > 0) {
+            std::memmove(mBlock.get(), mBlock.get() + start, mHave);
+        }
         if (mCapacity > mBlockBytes && mHave <= mBlockBytes) {
             Block small = allocateBlock(mBlockBytes);
             if (small != nullptr) {
@@ -150,9 +193,7 @@ const char* Inbound::serveBuffered(int* served) {
     return rule;
 }
 
-const char* Inbound::serveMessage(uint8_t* bytes) {
-    MessageHeader head;
-    std::memcpy(&head, bytes, sizeof(head));
+const char* Inbound::serveMessage(const MessageHeader& head, uint8_t* bytes) {
     if (!mControl) {
         if (head.kind != MessageKind::Call) {
             return "a connection for calls carries calls";

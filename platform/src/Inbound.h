@@ -23,6 +23,9 @@ class Inbound {
 
     int fd() const { return mFd.get(); }
 
+    /** It is in the epoll instance, armed or not. The transport's. */
+    bool watched = false;
+
     /**
      * Serves what can be served now and arms the connection again.
      *
@@ -42,8 +45,8 @@ class Inbound {
     Read readMore(bool wait);
     bool flush();
     bool queueReply(Gather rest);
-    const char* serveBuffered(int* served);
-    const char* serveMessage(uint8_t* bytes);
+    const char* serveBuffered(uint64_t* served, uint64_t limit);
+    const char* serveMessage(const MessageHeader& head, uint8_t* bytes);
     void serveCall(const MessageHeader& head, uint8_t* bytes);
     void serveOneWay(const MessageHeader& head, uint8_t* bytes);
     void sendStatus(status_t status);

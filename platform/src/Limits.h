@@ -20,6 +20,12 @@ constexpr size_t kMaxCallConnections = 16;
  */
 constexpr size_t kMaxOneWayQueueBytes = 1024 * 1024;
 
+/**
+ * A sender gives up the processor once each time that the queue grows by this much: a peer that only waits
+ * for it can catch up, and one that is stopped costs no more than a few such pauses before its queue is full.
+ */
+constexpr size_t kYieldQueueBytes = 64 * 1024;
+
 /** Connections that have not said yet who they are. One more drops the oldest. */
 constexpr size_t kMaxPendingHellos = 64;
 
@@ -29,8 +35,9 @@ constexpr size_t kMaxEndpointsPerProcess = 8;
 /** What a read of one-way messages is offered: a burst of events is fetched at once. */
 constexpr size_t kControlBlockBytes = 64 * 1024;
 
-/** Messages of one connection served in a row before others get their turn. */
-constexpr int kMaxServedInARow = 64;
+/** One-way messages of one connection served in a row while no thread is free for others: then it is their
+ * turn. */
+constexpr uint64_t kMaxServedInARow = 64;
 
 /**
  * How long a thread that has just served a connection waits for its next call, or for room for a long reply,
@@ -38,6 +45,12 @@ constexpr int kMaxServedInARow = 64;
  * kernel rounds it up to its own tick.
  */
 constexpr int kLingerMilliseconds = 4;
+
+/**
+ * What has come without a break for so many waits in a row goes on for a while: from then on the connection
+ * is out of the epoll instance, and a thread that reads one-way messages is scheduled for a stream of them.
+ */
+constexpr int kWaitsUntilStream = 3;
 
 /** How long a caller retries to reach a process whose queue of connections is full. */
 constexpr int kConnectPatienceMilliseconds = 2000;

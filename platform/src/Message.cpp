@@ -47,8 +47,9 @@ const char* Message::checkHeader(const MessageHeader& header) {
 
 const char* Message::check(uint8_t* bytes) {
     Message message(bytes);
-    const MessageHeader& header = message.header();
-    BufferEntry* entries = message.entries();
+    const MessageHeader header =
+            message.header();  // a copy: it is seen not to change while entries are written
+    BufferEntry* const entries = message.entries();
     size_t offset =
             sizeof(MessageHeader) + header.bufferCount * sizeof(BufferEntry) + padded(header.scalarBytes);
     for (uint32_t i = 0; i < header.bufferCount; ++i) {

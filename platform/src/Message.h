@@ -79,15 +79,12 @@ struct ObjectSlot {
 };
 static_assert(sizeof(ObjectSlot) == 40);
 
-constexpr size_t padded(size_t size) {
-    return (size + 7) & ~size_t{7};
-}
+/** Scalars and buffers begin at multiples of this. */
+constexpr size_t kAlignment = 8;
 
-/** A buffer that waits in its owner's memory for being sent. */
-struct MessageBuffer {
-    const void* data;
-    BufferEntry entry;
-};
+constexpr size_t padded(size_t size) {
+    return (size + kAlignment - 1) & ~(kAlignment - 1);
+}
 
 /** An object that waits for being sent, and where its slot lies among the scalars. */
 struct OutgoingObject {

@@ -1,6 +1,7 @@
 #include "platform/src/OneWayChannel.h"
 
 #include <errno.h>
+#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
@@ -15,11 +16,7 @@ void OneWayChannel::open(UniqueFd fd, int epoll) {
     const std::lock_guard<std::mutex> lock(mLock);
     mFd = std::move(fd);
     mEpoll = epoll;
-}
-
-bool OneWayChannel::isOpen() {
-    const std::lock_guard<std::mutex> lock(mLock);
-    return mFd.ok() && !mBroken;
+    mOpen = !mBroken;
 }
 
 bool OneWayChannel::isBroken() {
@@ -28,6 +25,15 @@ bool OneWayChannel::isBroken() {
 }
 
 status_t OneWayChannel::send(Gather message) {
+    bool lags = false;
+    const status_t status = sendOrQueue(message, &lags);
+    if (lags) {
+        sched_yield();  // the peer, or our platform thread, may be waiting for this very processor
+    }
+    return status;
+}
+
+status_t OneWayChannel::sendOrQueue(Gather message, bool* lags) {
     const std::lock_guard<std::mutex> lock(mLock);
     if (!mFd.ok() || mBroken) {
         return DEAD_OBJECT;
@@ -49,12 +55,14 @@ status_t OneWayChannel::send(Gather message) {
             return FAILED_TRANSACTION;
         }
         watchForRoom(true);
+        *lags = true;
         return OK;
     }
-    if (message.bytes > kMaxOneWayQueueBytes - std::min(kMaxOneWayQueueBytes, mQueue.size() - mQueueStart) ||
-        !append(message)) {
+    const size_t queued = mQueue.size() - mQueueStart;
+    if (message.bytes > kMaxOneWayQueueBytes - std::min(kMaxOneWayQueueBytes, queued) || !append(message)) {
         return FAILED_TRANSACTION;
     }
+    *lags = queued / kYieldQueueBytes != (queued + message.bytes) / kYieldQueueBytes;
     return OK;
 }
 
@@ -104,6 +112,7 @@ void OneWayChannel::watchForRoom(bool wanted) {
 
 void OneWayChannel::breakOff() {
     mBroken = true;
+    mOpen = false;
     std::vector<uint8_t>().swap(mQueue);
     mQueueStart = 0;
     ::shutdown(mFd.get(), SHUT_RDWR);
@@ -119,6 +128,7 @@ void OneWayChannel::shutdown() {
 void OneWayChannel::close() {
     const std::lock_guard<std::mutex> lock(mLock);
     mBroken = true;
+    mOpen = false;
     mFd.reset();
     std::vector<uint8_t>().swap(mQueue);
     mQueueStart = 0;

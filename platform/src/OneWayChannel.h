@@ -2,6 +2,7 @@
 
 #include <utils/Errors.h>
 
+#include <atomic>
 #include <mutex>
 #include <vector>
 
@@ -18,7 +19,7 @@ class OneWayChannel {
   public:
     /** Takes a connected socket that is (about to be) watched for input by the epoll instance. */
     void open(UniqueFd fd, int epoll);
-    bool isOpen();
+    bool isOpen() const { return mOpen.load(std::memory_order_relaxed); }
     /** It was open, and ends with its peer. */
     bool isBroken();
 
@@ -41,6 +42,8 @@ class OneWayChannel {
     size_t queuedBytes();
 
   private:
+    /** @param lags set when the queue has grown enough to let others run before more is sent */
+    status_t sendOrQueue(Gather message, bool* lags);
     bool append(const Gather& rest);
     void watchForRoom(bool wanted);
     void breakOff();
@@ -49,6 +52,7 @@ class OneWayChannel {
     UniqueFd mFd;
     int mEpoll = -1;
     bool mBroken = false;
+    std::atomic<bool> mOpen{false};  // it has a descriptor and is not broken; changed under the lock
     std::vector<uint8_t> mQueue;
     size_t mQueueStart = 0;  // bytes of the queue that are out already
 };

@@ -1,5 +1,6 @@
 #include <hwbinder/Parcel.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace android::hardware {
@@ -12,31 +13,22 @@ status_t Parcel::fail(status_t status) {
     return status;
 }
 
-status_t Parcel::appendScalar(const void* value, size_t size) {
-    uint8_t* place = mScalars.grow(size);
-    if (place == nullptr) {
-        return fail(NO_MEMORY);
-    }
-    std::memcpy(place, value, size);
-    return OK;
-}
-
-status_t Parcel::takeScalar(void* value, size_t size) const {
-    if (mMessage.empty() || size > mMessage.header().scalarBytes - mScalarCursor) {
-        return NOT_ENOUGH_DATA;
-    }
-    std::memcpy(value, mMessage.scalars() + mScalarCursor, size);
-    mScalarCursor += size;
-    return OK;
-}
-
 status_t Parcel::writeInterfaceToken(const char* descriptor) {
     return writeCString(descriptor);
 }
 
 bool Parcel::enforceInterface(const char* descriptor) const {
-    const char* token = readCString();
-    return token != nullptr && std::strcmp(token, descriptor) == 0;
+    const auto* token = reinterpret_cast<const char*>(mInScalars);
+    for (size_t at = mScalarCursor; at < mScalarBytes; ++at, ++descriptor) {
+        if (token[at] != *descriptor) {
+            return false;
+        }
+        if (*descriptor == '\0') {
+            mScalarCursor = at + 1;
+            return true;
+        }
+    }
+    return false;
 }
 
 status_t Parcel::writeCString(const char* text) {
@@ -44,15 +36,20 @@ status_t Parcel::writeCString(const char* text) {
     if (length > UINT16_MAX) {
         return fail(BAD_VALUE);
     }
-    return appendScalar(text, length + 1);
+    uint8_t* place = mScalars.grow(length + 1);
+    if (place == nullptr) {
+        return fail(NO_MEMORY);
+    }
+    std::memcpy(place, text, length + 1);
+    return OK;
 }
 
 const char* Parcel::readCString() const {
-    if (mMessage.empty()) {
+    const size_t left = mScalarBytes - mScalarCursor;
+    if (left == 0) {
         return nullptr;
     }
-    const char* text = reinterpret_cast<const char*>(mMessage.scalars() + mScalarCursor);
-    const size_t left = mMessage.header().scalarBytes - mScalarCursor;
+    const char* text = reinterpret_cast<const char*>(mInScalars + mScalarCursor);
     const size_t length = strnlen(text, left);
     if (length == left) {
         return nullptr;
@@ -70,16 +67,18 @@ status_t Parcel::readBool(bool* value) const {
     return status;
 }
 
-status_t Parcel::appendBuffer(const MessageBuffer& buffer, size_t* handle) {
-    *handle = mBuffers.size();
-    return mBuffers.push(buffer) ? OK : fail(NO_MEMORY);
+inline status_t Parcel::appendBuffer(const void* data, const BufferEntry& entry, size_t* handle) {
+    *handle = mOutEntries.size();
+    mOutBytes += padded(entry.size);
+    mLongest = std::max<size_t>(mLongest, entry.size);
+    return mOutEntries.push(entry) && mOutMemory.push(data) ? OK : fail(NO_MEMORY);
 }
 
 status_t Parcel::writeBuffer(const void* data, size_t size, size_t* handle) {
     if (size > kMaxMessageBytes) {
         return fail(FAILED_TRANSACTION);
     }
-    return appendBuffer({data, {static_cast<uint32_t>(size), kNoParent, 0, 0}}, handle);
+    return appendBuffer(data, {static_cast<uint32_t>(size), kNoParent, 0, 0}, handle);
 }
 
 status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* handle, size_t parentHandle,
@@ -87,27 +86,27 @@ status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* hand
     if (size > kMaxMessageBytes) {
         return fail(FAILED_TRANSACTION);
     }
-    if (parentHandle >= mBuffers.size() || mBuffers[parentHandle].entry.size < sizeof(void*) ||
-        parentOffset > mBuffers[parentHandle].entry.size - sizeof(void*)) {
+    if (parentHandle >= mOutEntries.size() || mOutEntries[parentHandle].size < sizeof(void*) ||
+        parentOffset > mOutEntries[parentHandle].size - sizeof(void*)) {
         return fail(BAD_VALUE);
     }
-    return appendBuffer({data,
-                         {static_cast<uint32_t>(size), static_cast<uint32_t>(parentHandle),
-                          static_cast<uint32_t>(parentOffset), 0}},
+    return appendBuffer(data,
+                        {static_cast<uint32_t>(size), static_cast<uint32_t>(parentHandle),
+                         static_cast<uint32_t>(parentOffset), 0},
                         handle);
 }
 
-status_t Parcel::takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
-                            uint8_t** data) const {
-    if (mMessage.empty() || mBufferCursor >= mMessage.header().bufferCount) {
+inline status_t Parcel::takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
+                                   uint8_t** data) const {
+    if (mBufferCursor >= mEntryCount) {
         return NOT_ENOUGH_DATA;
     }
-    const BufferEntry& entry = mMessage.entries()[mBufferCursor];
+    const BufferEntry& entry = mEntries[mBufferCursor];
     if (entry.size != size || entry.parent != parent || entry.parentOffset != parentOffset) {
         return BAD_VALUE;
     }
     *handle = mBufferCursor++;
-    *data = mMessage.bytes() + entry.offset;
+    *data = mBytes + entry.offset;
     return OK;
 }
 
@@ -134,8 +133,7 @@ status_t Parcel::readEmbeddedBuffer(size_t size, size_t* handle, size_t parentHa
     if (size == 0) {
         bytes = nullptr;
     }
-    const BufferEntry& parent = mMessage.entries()[parentHandle];
-    std::memcpy(mMessage.bytes() + parent.offset + parentOffset, &bytes, sizeof(bytes));
+    std::memcpy(mBytes + mEntries[parentHandle].offset + parentOffset, &bytes, sizeof(bytes));
     *data = bytes;
     return OK;
 }
@@ -146,12 +144,12 @@ status_t Parcel::writeStrongBinder(const sp<IBinder>& object) {
         slot.present = 1;
         mObjects.push_back({mScalars.size(), object});
     }
-    return appendScalar(&slot, sizeof(slot));
+    return writeScalar(slot);
 }
 
 status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
     ObjectSlot slot;
-    const status_t status = takeScalar(&slot, sizeof(slot));
+    const status_t status = readScalar(&slot);
     if (status != OK) {
         return status;
     }
@@ -164,16 +162,25 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
 
 void Parcel::clear() {
     mScalars.clear();
-    mBuffers.clear();
+    mOutEntries.clear();
+    mOutMemory.clear();
+    mOutBytes = 0;
+    mLongest = 0;
     mObjects.clear();
     mError = OK;
 }
 
-void Parcel::receive(Message message, ObjectResolver* resolver) {
+void Parcel::receive(Message message, ObjectResolver* resolver, bool tellEnd) {
     mMessage = std::move(message);
+    mBytes = mMessage.bytes();
+    mEntries = mMessage.entries();
+    mInScalars = mMessage.scalars();
+    mEntryCount = mMessage.header().bufferCount;
+    mScalarBytes = mMessage.header().scalarBytes;
     mScalarCursor = 0;
     mBufferCursor = 0;
     mResolver = resolver;
+    mTellsEnd = tellEnd;
 }
 
 }  // namespace android::hardware

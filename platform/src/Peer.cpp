@@ -260,7 +260,7 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
         status = message.header().status;
     }
     if (status == OK) {
-        reply->receive(std::move(message), &mReplyResolver);  // whose end ends the call
+        reply->receive(std::move(message), &mReplyResolver, true);  // whose end ends the call
     } else {
         endCall();
     }

@@ -22,13 +22,7 @@ Status Status::fromStatusT(status_t error) {
 void Status::setException(int32_t exception, const char* message) {
     mException = exception;
     mTransactionError = exception == EX_TRANSACTION_FAILED ? FAILED_TRANSACTION : OK;
-    mMessage = message;
-}
-
-void Status::setFromStatusT(status_t status) {
-    mException = status == OK ? EX_NONE : EX_TRANSACTION_FAILED;
-    mTransactionError = status;
-    mMessage.clear();
+    mMessage = *message == '\0' ? nullptr : std::make_shared<const std::string>(message);
 }
 
 std::string Status::description() const {
@@ -39,8 +33,8 @@ std::string Status::description() const {
     if (mTransactionError != OK) {
         text += ", transaction error " + statusText(mTransactionError);
     }
-    if (!mMessage.empty()) {
-        text += ": " + mMessage;
+    if (mMessage != nullptr) {
+        text += ": " + *mMessage;
     }
     return text;
 }

@@ -476,7 +476,11 @@ void Transport::welcome(Greeter& greeter) {
         const std::lock_guard<std::mutex> lock(mLock);
         mInbounds.insert(inbound);
     }
-    armInbound(inbound, EPOLLIN, true);
+    armInbound(inbound, EPOLLIN);
+    if (mIdleThreads.load() == 0) {
+        const std::lock_guard<std::mutex> lock(mLock);
+        spawnIfNeeded();
+    }
 }
 
 // The pool.
@@ -506,21 +510,24 @@ void Transport::spawnIfNeeded() {
     }
 }
 
-void Transport::armInbound(Inbound* inbound, uint32_t events, bool isNew) {
+void Transport::armInbound(Inbound* inbound, uint32_t events) {
     epoll_event event{};
     event.events = events | EPOLLRDHUP | EPOLLONESHOT;
     event.data.ptr = inbound;
     const int fd = inbound->fd();
+    const int operation = inbound->watched ? EPOLL_CTL_MOD : EPOLL_CTL_ADD;
+    inbound->watched = true;
     inbound->handOver();
     // From here on the connection belongs to whichever thread epoll wakes for it.
-    if (epoll_ctl(mPoolEpoll.get(), isNew ? EPOLL_CTL_ADD : EPOLL_CTL_MOD, fd, &event) != 0) {
+    if (epoll_ctl(mPoolEpoll.get(), operation, fd, &event) != 0) {
         ALOGE("can not watch a connection: %s", strerror(errno));
         endInbound(inbound);
-        return;
     }
-    if (isNew && mIdleThreads.load() == 0) {
-        const std::lock_guard<std::mutex> lock(mLock);
-        spawnIfNeeded();
+}
+
+void Transport::unwatchInbound(Inbound* inbound) {
+    if (epoll_ctl(mPoolEpoll.get(), EPOLL_CTL_DEL, inbound->fd(), nullptr) == 0) {
+        inbound->watched = false;
     }
 }
 

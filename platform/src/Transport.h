@@ -79,7 +79,13 @@ class Transport final : public ObjectResolver {
     void forgetStranger(const Peer& peer);
     /** A free thread waits for work, so the asking one may wait for its own connection. */
     bool mayLinger() const { return mIdleThreads.load(std::memory_order_relaxed) > 0; }
-    void armInbound(Inbound* inbound, uint32_t events, bool isNew = false);
+    /** Has epoll wake a thread for it; that may be before this returns. */
+    void armInbound(Inbound* inbound, uint32_t events);
+    /**
+     * Takes it out of the epoll instance until it is armed. A disarmed connection costs a look at it with
+     * every message that comes, which is worth saving while a thread waits for them.
+     */
+    void unwatchInbound(Inbound* inbound);
 
     // For tests.
 

@@ -4,6 +4,7 @@
 #include "platform/src/Transport.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <thread>
 
@@ -32,7 +34,7 @@ bool eventually(const std::function<bool()>& condition) {
     return false;
 }
 
-enum Method : uint32_t { kAdd = 1, kKeep, kBlob, kBlock, kNote, kSelf, kSum, kReturn };
+enum Method : uint32_t { kAdd = 1, kKeep, kBlob, kBlock, kNote, kSelf, kSum, kReturn, kPolicy };
 
 /** An object with methods of every shape that the transport tells apart. */
 class Probe : public BHwBinder {
@@ -83,6 +85,11 @@ class Probe : public BHwBinder {
             case kNote: {
                 const std::lock_guard<std::mutex> lock(mLock);
                 notes.push_back(number);
+                break;
+            }
+            case kPolicy: {
+                const std::lock_guard<std::mutex> lock(mLock);
+                notes.push_back(sched_getscheduler(0));
                 break;
             }
             case kSelf:
@@ -227,6 +234,27 @@ TEST_F(TransportTest, MessagesUpToTheLimitPassAndLongerOnesFailForTheirCallAlone
             EXPECT_EQ(7, last);
         }
     }
+}
+
+TEST_F(TransportTest, AStreamOfOneWayMessagesIsReadInBatchesByAThreadThatIsOrdinaryAgainAfterIt) {
+    const auto threadsInBatches = [] {
+        size_t count = 0;
+        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+            count += sched_getscheduler(std::stoi(thread.path().filename())) == SCHED_BATCH ? 1 : 0;
+        }
+        return count;
+    };
+    Transport client;
+    const sp<IBinder> proxy = objectFor(client);
+    for (size_t sent = 1; sent <= 1000 && threadsInBatches() == 0; ++sent) {
+        EXPECT_EQ(OK, call(proxy, kPolicy, 0, nullptr, IBinder::FLAG_ONEWAY));
+        ASSERT_TRUE(eventually([&] { return object->noted().size() == sent; }));
+    }
+    EXPECT_EQ(1u, threadsInBatches());
+    EXPECT_EQ(SCHED_OTHER, object->noted().front()) << "a message of its own is not made to wait";
+    EXPECT_TRUE(eventually([&] { return threadsInBatches() == 0; }));
+    EXPECT_EQ(OK, call(proxy, kPolicy, 0, nullptr, IBinder::FLAG_ONEWAY)) << "it is listened to as before";
+    EXPECT_TRUE(eventually([&] { return object->noted().back() == SCHED_OTHER; }));
 }
 
 TEST_F(TransportTest, AnObjectLivesAsLongAsAPeerHoldsIt) {

@@ -5,6 +5,7 @@
 #include <utils/StrongPointer.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -33,18 +34,22 @@ class Status final {
     /** The object's process is gone. */
     bool isDeadObject() const { return mTransactionError == DEAD_OBJECT; }
     int32_t exceptionCode() const { return mException; }
-    const char* exceptionMessage() const { return mMessage.c_str(); }
+    const char* exceptionMessage() const { return mMessage == nullptr ? "" : mMessage->c_str(); }
     /** OK unless the exception is EX_TRANSACTION_FAILED. */
     status_t transactionError() const { return mTransactionError; }
     std::string description() const;
 
     void setException(int32_t exception, const char* message);
-    void setFromStatusT(status_t status);
+    void setFromStatusT(status_t status) {
+        mException = status == OK ? EX_NONE : EX_TRANSACTION_FAILED;
+        mTransactionError = status;
+        mMessage.reset();
+    }
 
   private:
     int32_t mException = EX_NONE;
     status_t mTransactionError = OK;
-    std::string mMessage;
+    std::shared_ptr<const std::string> mMessage;  // null when there is none, as in all that went well
 };
 
 /** @return the parcel's status; a peer can not make one that counts as a transport error of this process. */

@@ -4,8 +4,9 @@
 #include <utils/RefBase.h>
 #include <utils/StrongPointer.h>
 
+#include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <type_traits>
 
 namespace android::hardware {
 
@@ -18,9 +19,24 @@ class Parcel;
  */
 class IBinder : public virtual RefBase {
   public:
-    /** Given the finished reply; must be called before onTransact() returns, as the reply's buffers end then.
+    /**
+     * Given the finished reply; must be called before onTransact() returns, as the reply's buffers end then.
+     * Refers to a function that lives until then: a call hands it down through several stubs by value.
      */
-    using TransactCallback = std::function<void(Parcel&)>;
+    class TransactCallback {
+      public:
+        TransactCallback(std::nullptr_t = nullptr) {}
+        template <typename F, typename = std::enable_if_t<!std::is_same_v<F, TransactCallback>>>
+        TransactCallback(const F& function)
+            : mFunction(&function),
+              mCall([](const void* f, Parcel& reply) { (*static_cast<const F*>(f))(reply); }) {}
+
+        void operator()(Parcel& reply) const { mCall(mFunction, reply); }
+
+      private:
+        const void* mFunction = nullptr;
+        void (*mCall)(const void* function, Parcel& reply) = nullptr;
+    };
 
     enum : uint32_t { FLAG_ONEWAY = 1u };
 
@@ -60,7 +76,7 @@ class BHwBinder : public IBinder {
   public:
     status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                       TransactCallback callback = nullptr) final {
-        return onTransact(code, data, reply, flags, std::move(callback));
+        return onTransact(code, data, reply, flags, callback);
     }
 
     status_t linkToDeath(const sp<DeathRecipient>&) final { return INVALID_OPERATION; }

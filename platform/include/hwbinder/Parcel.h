@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -30,7 +31,7 @@ class Parcel {
   public:
     Parcel() = default;
     ~Parcel() {
-        if (mResolver != nullptr) {
+        if (mTellsEnd) {
             mResolver->messageRead();
         }
     }
@@ -89,7 +90,12 @@ class Parcel {
 
     /** The rest is for the transport. */
     const InlineVector<uint8_t, 192>& scalars() const { return mScalars; }
-    const InlineVector<MessageBuffer, 16>& buffers() const { return mBuffers; }
+    /** What was written to be sent from where it lies: the entries as they go out, and their memory. */
+    const InlineVector<BufferEntry, 16>& entries() const { return mOutEntries; }
+    const InlineVector<const void*, 16>& memory() const { return mOutMemory; }
+    /** Of all buffers together, each with its padding; and of the longest, without. */
+    size_t bufferBytes() const { return mOutBytes; }
+    size_t longestBuffer() const { return mLongest; }
     const std::vector<OutgoingObject>& objects() const { return mObjects; }
     /** The first failure of a write, which the encoder reports: generated code does not look at each. */
     status_t error() const { return mError; }
@@ -97,37 +103,55 @@ class Parcel {
     void clear();
     /**
      * Makes this the reader of a message, once. Objects in it are resolved by the given resolver, in read
-     * order; the resolver is told when the parcel ends, and must live until then.
+     * order; it must live as long as the parcel, and is told of the parcel's end if it asks for that.
      */
-    void receive(Message message, ObjectResolver* resolver);
+    void receive(Message message, ObjectResolver* resolver, bool tellEnd = false);
 
   private:
     template <typename T>
     status_t writeScalar(T value) {
-        return appendScalar(&value, sizeof(value));
+        uint8_t* place = mScalars.grow(sizeof(value));
+        if (place == nullptr) {
+            return fail(NO_MEMORY);
+        }
+        std::memcpy(place, &value, sizeof(value));
+        return OK;
     }
     template <typename T>
     status_t readScalar(T* value) const {
-        return takeScalar(value, sizeof(*value));
+        if (sizeof(*value) > mScalarBytes - mScalarCursor) {
+            return NOT_ENOUGH_DATA;
+        }
+        std::memcpy(value, mInScalars + mScalarCursor, sizeof(*value));
+        mScalarCursor += sizeof(*value);
+        return OK;
     }
-    status_t appendScalar(const void* value, size_t size);
-    status_t takeScalar(void* value, size_t size) const;
     status_t fail(status_t status);
-    status_t appendBuffer(const MessageBuffer& buffer, size_t* handle);
+    status_t appendBuffer(const void* data, const BufferEntry& entry, size_t* handle);
     status_t takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
                         uint8_t** data) const;
 
     // Writing.
     InlineVector<uint8_t, 192> mScalars;
-    InlineVector<MessageBuffer, 16> mBuffers;
+    InlineVector<BufferEntry, 16> mOutEntries;
+    InlineVector<const void*, 16> mOutMemory;
+    size_t mOutBytes = 0;
+    size_t mLongest = 0;
     std::vector<OutgoingObject> mObjects;
     status_t mError = OK;
 
-    // Reading; the cursors move under const, as generated stubs read from const parcels.
-    mutable Message mMessage;
+    // Reading: the message and where its parts lie. Cursors move under const, as generated stubs read from
+    // const parcels.
+    Message mMessage;
+    uint8_t* mBytes = nullptr;
+    const BufferEntry* mEntries = nullptr;
+    const uint8_t* mInScalars = nullptr;
+    size_t mEntryCount = 0;
+    size_t mScalarBytes = 0;
     mutable size_t mScalarCursor = 0;
     mutable size_t mBufferCursor = 0;
     ObjectResolver* mResolver = nullptr;
+    bool mTellsEnd = false;
 };
 
 }  // namespace android::hardware
