@@ -101,13 +101,15 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
     const uint64_t u64Cookie = sNextCookie;
     try {
         sCbList[u64Cookie] = callback;
-        // A client that can not be linked stays registered; deliveries to it fail.
-        (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
     } catch (const std::bad_alloc&) {
-        sCbList.erase(u64Cookie);
         return FAPI_FAIL;
     }
     ++sNextCookie;
+    // A client that can not be linked stays registered, and so it does when that fails for lack of memory.
+    try {
+        (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
+    } catch (const std::bad_alloc&) {
+    }
     return FAPI_OK;
 }
 

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -68,6 +69,9 @@ class Client : public IZvtTvFApiCallbackManager {
     Return<bool> linkToDeath(const sp<hidl_death_recipient>& recipient, uint64_t cookie) override {
         recipients.push_back(recipient);
         cookies.push_back(cookie);
+        if (linksWithoutMemory) {
+            throw std::bad_alloc();
+        }
         return linkable;
     }
 
@@ -77,6 +81,7 @@ class Client : public IZvtTvFApiCallbackManager {
     std::function<void(uint32_t)> onEvent;
     bool fails = false;
     bool linkable = true;
+    bool linksWithoutMemory = false;
 };
 
 class RelayTest : public testing::Test {
@@ -133,12 +138,16 @@ TEST_F(RelayTest, ANullCallbackIsRefusedAndTakesNoCookie) {
     EXPECT_EQ(0, post(0x10000));
 }
 
-TEST_F(RelayTest, ACallbackThatCanNotBeLinkedStaysRegistered) {
-    const sp<Client> client = new Client;
-    client->linkable = false;
-    EXPECT_EQ(0, int32_t(manager->a_hidl_a_zvttvfapi_mngr_set_callback(client)));
-    EXPECT_EQ(0, post(0x10000));
-    EXPECT_EQ(1u, client->events.size());
+TEST_F(RelayTest, ACallbackThatCanNotBeLinkedStaysRegisteredUnderItsCookie) {
+    for (const bool withoutMemory : {false, true}) {
+        const sp<Client> client = new Client;
+        client->linkable = false;
+        client->linksWithoutMemory = withoutMemory;
+        EXPECT_EQ(0, int32_t(manager->a_hidl_a_zvttvfapi_mngr_set_callback(client)));
+        EXPECT_EQ(0, post(0x10000));
+        EXPECT_EQ(1u, client->events.size());
+    }
+    EXPECT_THAT(registered()->cookies, ElementsAre(2));
 }
 
 TEST_F(RelayTest, ADeathRemovesItsOwnEntryAndLogsTheRemainingOnes) {
