@@ -7,7 +7,6 @@
 #include "simulator/Status.h"
 
 namespace simulator {
-namespace {
 
 bool within(const std::vector<int64_t>& values, const std::vector<Limits>& limits) {
     bool good = values.size() == limits.size();
@@ -16,6 +15,16 @@ bool within(const std::vector<int64_t>& values, const std::vector<Limits>& limit
     }
     return good;
 }
+
+std::vector<int64_t> factoryNumbers(const std::vector<Limits>& limits) {
+    std::vector<int64_t> values;
+    for (const Limits& number : limits) {
+        values.push_back(number.factory);
+    }
+    return values;
+}
+
+namespace {
 
 std::string textOf(const std::vector<int64_t>& values) {
     std::string text;
@@ -58,11 +67,7 @@ KeptNumbers::Values KeptNumbers::read(const Group& group) const {
         fprintf(stderr, "board: %s.ini: %s cannot be read (status %d): the factory's numbers are used\n",
                 mFile, group.parameter.c_str(), status);
     }
-    Values values;
-    for (const Limits& number : group.numbers) {
-        values.push_back(number.factory);
-    }
-    return values;
+    return factoryNumbers(group.numbers);
 }
 
 void KeptNumbers::load() {

@@ -19,6 +19,11 @@ struct Limits {
     int64_t factory;
 };
 
+/** As many numbers as there are limits, each within its own. */
+bool within(const std::vector<int64_t>& values, const std::vector<Limits>& limits);
+
+std::vector<int64_t> factoryNumbers(const std::vector<Limits>& limits);
+
 /** The numbers of a text, separated by blanks; none when there are others than as many, each within its
  * limits. */
 std::optional<std::vector<int64_t>> parseNumbers(const std::string& text, const std::vector<Limits>& limits);

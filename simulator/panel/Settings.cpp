@@ -1,10 +1,11 @@
 #include "simulator/panel/Settings.h"
 
-#include <charconv>
 #include <cstdio>
+#include <optional>
 #include <sstream>
 
 #include "simulator/Board.h"
+#include "simulator/KeptNumbers.h"
 #include "simulator/StateDirectory.h"
 #include "simulator/Status.h"
 
@@ -17,26 +18,20 @@ constexpr char kFile[] = "settings.txt";
 constexpr size_t kMaxFileBytes = 32 * 1024;
 constexpr mode_t kFileMode = 0644;
 
-struct Field {
-    int64_t least;
-    int64_t most;
-    int64_t factory;
-};
-
-constexpr Field kPicture[] = {{0, 100, 50}, {0, 100, 50}, {0, 100, 50},
-                              {0, 100, 50}, {0, 100, 50}, {0, 100, 80}};
-constexpr Field kOverscan[] = {{-200, 200, 0}, {-200, 200, 0}, {-200, 200, 0}, {-200, 200, 0}};
-constexpr Field kWhitePoint[] = {{0, 2047, 1024}, {0, 2047, 1024}, {0, 2047, 1024},
-                                 {0, 2047, 1024}, {0, 2047, 1024}, {0, 2047, 1024}};
-constexpr Field kPq[] = {{-100, 100, 0}, {-100, 100, 0}, {-100, 100, 0}, {0, 3, 0}, {0, 3, 0}, {0, 3, 0}};
-constexpr Field kLink[] = {{0, 1, 0}, {1, 16, 4}, {6, 10, 10}, {0, 1, 0}, {100, 600, 350}, {0, 3, 0}};
-constexpr Field kTiming[] = {{0, std::size(kTimings) - 1, 0}};
-constexpr Field kFirmware[] = {{0, UINT32_MAX, 0x010000}};
+constexpr Limits kPicture[] = {{0, 100, 50}, {0, 100, 50}, {0, 100, 50},
+                               {0, 100, 50}, {0, 100, 50}, {0, 100, 80}};
+constexpr Limits kOverscan[] = {{-200, 200, 0}, {-200, 200, 0}, {-200, 200, 0}, {-200, 200, 0}};
+constexpr Limits kWhitePoint[] = {{0, 2047, 1024}, {0, 2047, 1024}, {0, 2047, 1024},
+                                  {0, 2047, 1024}, {0, 2047, 1024}, {0, 2047, 1024}};
+constexpr Limits kPq[] = {{-100, 100, 0}, {-100, 100, 0}, {-100, 100, 0}, {0, 3, 0}, {0, 3, 0}, {0, 3, 0}};
+constexpr Limits kLink[] = {{0, 1, 0}, {1, 16, 4}, {6, 10, 10}, {0, 1, 0}, {100, 600, 350}, {0, 3, 0}};
+constexpr Limits kTiming[] = {{0, std::size(kTimings) - 1, 0}};
+constexpr Limits kFirmware[] = {{0, UINT32_MAX, 0x010000}};
 constexpr int64_t kMaxGamma = 1023;
 
 struct Shape {
     const char* name;
-    const Field* fields;  // null for a gamma table
+    const Limits* fields;  // null for a gamma table
     size_t count;
 };
 constexpr Shape kShapes[] = {{"picture_main", kPicture, std::size(kPicture)},
@@ -54,26 +49,16 @@ constexpr Shape kShapes[] = {{"picture_main", kPicture, std::size(kPicture)},
 static_assert(std::size(kShapes) == kSettings, "a shape for each");
 static_assert(std::size(kPicture) == kPictureParameters && std::size(kPq) == kPqItems, "a field for each");
 
-Field field(const Shape& shape, size_t i) {
+std::vector<Limits> limitsOf(const Shape& shape) {
     if (shape.fields != nullptr) {
-        return shape.fields[i];
+        return std::vector<Limits>(shape.fields, shape.fields + shape.count);
     }
-    const int64_t linear = (static_cast<int64_t>(i) * kMaxGamma * 2 + 255) / 510;
-    return {0, kMaxGamma, linear};
-}
-
-/** The numbers of a line, or none when something else is there. */
-bool readNumbers(const std::string& text, Settings::Values* values) {
-    std::istringstream words(text);
-    for (std::string word; words >> word;) {
-        int64_t value = 0;
-        const auto [rest, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-        if (error != std::errc() || *rest != '\0') {
-            return false;
-        }
-        values->push_back(value);
+    std::vector<Limits> limits;
+    for (size_t i = 0; i < shape.count; ++i) {
+        const int64_t linear = (static_cast<int64_t>(i) * kMaxGamma * 2 + 255) / 510;
+        limits.push_back({0, kMaxGamma, linear});
     }
-    return true;
+    return limits;
 }
 
 int32_t readSettings(int folder, Settings* settings) {
@@ -95,22 +80,13 @@ int32_t readSettings(int folder, Settings* settings) {
 
 Settings::Settings() {
     for (size_t i = 0; i < kSettings; ++i) {
-        for (size_t n = 0; n < kShapes[i].count; ++n) {
-            mValues[i].push_back(field(kShapes[i], n).factory);
-        }
+        mValues[i] = factoryNumbers(limitsOf(kShapes[i]));
     }
 }
 
 int32_t Settings::set(Setting setting, const Values& values) {
-    const Shape& shape = kShapes[static_cast<size_t>(setting)];
-    if (values.size() != shape.count) {
+    if (!within(values, limitsOf(kShapes[static_cast<size_t>(setting)]))) {
         return kOutOfRange;
-    }
-    for (size_t i = 0; i < values.size(); ++i) {
-        const Field limits = field(shape, i);
-        if (values[i] < limits.least || values[i] > limits.most) {
-            return kOutOfRange;
-        }
     }
     mValues[static_cast<size_t>(setting)] = values;
     return kOk;
@@ -143,14 +119,15 @@ std::string Settings::read(const std::string& text) {
         while (i < kSettings && name != kShapes[i].name) {
             ++i;
         }
-        Values values;
         if (equals == std::string::npos || i == kSettings) {
             return where + "no setting of the display";
         }
-        if (!readNumbers(line.substr(equals + 1), &values) || set(static_cast<Setting>(i), values) != kOk) {
+        std::optional<Values> values = parseNumbers(line.substr(equals + 1), limitsOf(kShapes[i]));
+        if (!values) {
             return where + "not " + std::to_string(kShapes[i].count) + " numbers within the limits of " +
                    name;
         }
+        mValues[i] = *std::move(values);
     }
     return {};
 }
