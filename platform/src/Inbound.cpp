@@ -35,23 +35,23 @@ class ReplyExporter final : public ObjectExporter {
 };
 
 /**
- * While a stream of one-way messages is read, the thread does not push aside the one that wakes it, which is
- * often about to send to other clients, and then finds several messages at once. Nobody waits for an answer
- * to them; where a processor is free, it runs at once all the same.
+ * Where a thread waits for the next message of a stream of one-way messages: when that comes, it does not
+ * push aside the thread that sent it, which is often about to send to other clients, and finds several
+ * messages at once. Nobody waits for an answer to them; where a processor is free, it runs at once all the
+ * same. The messages themselves are served as always: what their handlers start inherits nothing.
  */
-class StreamScheduling {
+class StreamWait {
   public:
-    StreamScheduling() = default;
-    StreamScheduling(const StreamScheduling&) = delete;
-    StreamScheduling& operator=(const StreamScheduling&) = delete;
-    ~StreamScheduling() {
-        if (mBegun) {
+    /** Leaves a thread alone that runs under another policy than the ordinary one. */
+    explicit StreamWait(bool inStream)
+        : mSet(inStream && sched_getscheduler(0) == SCHED_OTHER && setPolicy(SCHED_BATCH)) {}
+    ~StreamWait() {
+        if (mSet) {
             setPolicy(SCHED_OTHER);
         }
     }
-
-    /** Leaves a thread alone that runs under another policy than the ordinary one. */
-    void begin() { mBegun = sched_getscheduler(0) == SCHED_OTHER && setPolicy(SCHED_BATCH); }
+    StreamWait(const StreamWait&) = delete;
+    StreamWait& operator=(const StreamWait&) = delete;
 
   private:
     static bool setPolicy(int policy) {
@@ -59,7 +59,7 @@ class StreamScheduling {
         return sched_setscheduler(0, policy, &param) == 0;
     }
 
-    bool mBegun = false;
+    const bool mSet;
 };
 
 }  // namespace
@@ -82,7 +82,7 @@ bool Inbound::serve() {
     bool justServed = false;
     uint64_t served = 0;
     int waits = 0;
-    StreamScheduling scheduling;
+    bool inStream = false;
     while (!mBroken) {
         if (!flush()) {
             break;
@@ -92,9 +92,8 @@ bool Inbound::serve() {
             return true;
         }
         const uint64_t before = served;
-        // Others' turn comes when no thread is free for them.
-        const uint64_t limit = mControl && !mTransport.mayLinger() ? kMaxServedInARow : UINT64_MAX;
-        const char* rule = serveBuffered(&served, limit);
+        bool turnOver = false;
+        const char* rule = serveBuffered(&served, &turnOver);
         if (rule != nullptr) {
             mPeer->drop(rule);
             break;
@@ -102,19 +101,18 @@ bool Inbound::serve() {
         if (mBroken || !mOut.empty()) {
             continue;
         }
-        if (served >= limit) {
+        if (turnOver) {
             // More may be buffered than the kernel knows of: room to write wakes us at once.
             mTransport.armInbound(this, EPOLLIN | EPOLLOUT);
             return true;
         }
         justServed = served > before;
         const bool wait = justServed && mTransport.mayLinger();
-        if (wait && ++waits == kWaitsUntilStream) {
+        if (wait && !inStream && ++waits == kWaitsUntilStream) {
+            inStream = true;
             mTransport.unwatchInbound(this);
-            if (mControl) {
-                scheduling.begin();
-            }
         }
+        const StreamWait policy(wait && inStream && mControl);
         const Read read = readMore(wait);
         if (read == Read::End) {
             break;
@@ -156,17 +154,23 @@ Inbound::Read Inbound::readMore(bool wait) {
     return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK) ? Read::Nothing : Read::End;
 }
 
-/** Serves the whole messages among what has been read, up to the limit. Null, or the rule that one breaks. */
-const char* Inbound::serveBuffered(uint64_t* served, uint64_t limit) {
+/**
+ * Serves the whole messages among what has been read, but no more than kMaxServedInARow while no thread is
+ * free for others: then their turn has come, and a message may be left. Null, or the rule that one breaks.
+ */
+const char* Inbound::serveBuffered(uint64_t* served, bool* turnOver) {
     size_t start = 0;
     const char* rule = nullptr;
-    while (rule == nullptr && !mBroken && mOut.empty() && mHave - start >= sizeof(MessageHeader) &&
-           *served < limit) {
+    while (rule == nullptr && !mBroken && mOut.empty() && mHave - start >= sizeof(MessageHeader)) {
         uint8_t* bytes = mBlock.get() + start;
         MessageHeader head;
         std::memcpy(&head, bytes, sizeof(head));
         rule = Message::checkHeader(head);
         if (rule != nullptr || mHave - start < head.totalBytes) {
+            break;
+        }
+        if (*served >= kMaxServedInARow && !mTransport.mayLinger()) {
+            *turnOver = true;
             break;
         }
         rule = Message::check(bytes);

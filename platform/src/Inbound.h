@@ -45,7 +45,7 @@ class Inbound {
     Read readMore(bool wait);
     bool flush();
     bool queueReply(Gather rest);
-    const char* serveBuffered(uint64_t* served, uint64_t limit);
+    const char* serveBuffered(uint64_t* served, bool* turnOver);
     const char* serveMessage(const MessageHeader& head, uint8_t* bytes);
     void serveCall(const MessageHeader& head, uint8_t* bytes);
     void serveOneWay(const MessageHeader& head, uint8_t* bytes);

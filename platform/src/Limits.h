@@ -35,8 +35,7 @@ constexpr size_t kMaxEndpointsPerProcess = 8;
 /** What a read of one-way messages is offered: a burst of events is fetched at once. */
 constexpr size_t kControlBlockBytes = 64 * 1024;
 
-/** One-way messages of one connection served in a row while no thread is free for others: then it is their
- * turn. */
+/** Messages of one connection served in a row while no thread is free for others: then it is their turn. */
 constexpr uint64_t kMaxServedInARow = 64;
 
 /**
@@ -48,7 +47,7 @@ constexpr int kLingerMilliseconds = 4;
 
 /**
  * What has come without a break for so many waits in a row goes on for a while: from then on the connection
- * is out of the epoll instance, and a thread that reads one-way messages is scheduled for a stream of them.
+ * is out of the epoll instance, and a thread that waits for one-way messages does so as for a stream of them.
  */
 constexpr int kWaitsUntilStream = 3;
 

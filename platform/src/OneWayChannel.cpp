@@ -129,6 +129,10 @@ void OneWayChannel::close() {
     const std::lock_guard<std::mutex> lock(mLock);
     mBroken = true;
     mOpen = false;
+    if (mFd.ok()) {
+        // Closing does not end the watch while a child that was forked meanwhile has the descriptor too.
+        epoll_ctl(mEpoll, EPOLL_CTL_DEL, mFd.get(), nullptr);
+    }
     mFd.reset();
     std::vector<uint8_t>().swap(mQueue);
     mQueueStart = 0;

@@ -215,12 +215,14 @@ status_t Transport::listenOnce() {
         return OK;
     }
     mListener = listenOn(mEndpoint);
+    mListening = mListener.get();
     epoll_event event{};
     event.events = EPOLLIN;
     event.data.fd = mListener.get();
     if (!mListener.ok() || epoll_ctl(mPlatformEpoll.get(), EPOLL_CTL_ADD, mListener.get(), &event) != 0) {
         const status_t status = -errno;
         ALOGE("can not listen: %s", strerror(errno));
+        mListening = -1;
         mListener.reset();
         return status;
     }
@@ -265,7 +267,7 @@ void Transport::runPlatformThread() {
         if (count <= 0 || event.data.fd == mWake.get()) {
             continue;
         }
-        if (event.data.fd == mListener.get()) {
+        if (event.data.fd == mListening) {
             acceptConnections();
             continue;
         }
@@ -324,7 +326,7 @@ void Transport::buryWaiting() {
 
 void Transport::acceptConnections() {
     while (true) {
-        UniqueFd fd(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        UniqueFd fd(accept4(mListening, nullptr, nullptr, SOCK_CLOEXEC));
         if (!fd.ok()) {
             if (errno == EMFILE || errno == ENFILE) {
                 if (refuseConnection()) {
@@ -377,7 +379,7 @@ void Transport::acceptConnections() {
  */
 bool Transport::refuseConnection() {
     mReserve.reset();
-    UniqueFd fd(accept4(mListener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    UniqueFd fd(accept4(mListening, nullptr, nullptr, SOCK_CLOEXEC));
     Credentials credentials;
     if (fd.ok() && readCredentials(fd.get(), &credentials)) {
         ALOGW("refused pid %d uid %u: no descriptor is left", credentials.pid, credentials.uid);
@@ -394,7 +396,7 @@ bool Transport::refuseConnection() {
 
 /** A peer has ended: takes the connection on which it may have sent messages just before. */
 void Transport::hearOut(const Peer& peer) {
-    if (mListener.ok()) {
+    if (mListening >= 0) {
         acceptConnections();
     }
     for (auto greeter = mGreeters.begin(); greeter != mGreeters.end();) {
@@ -411,6 +413,8 @@ void Transport::dropGreeter(std::list<Greeter>::iterator greeter) {
         const std::lock_guard<std::mutex> lock(mLock);
         mWatched.erase(greeter->fd.get());
     }
+    // Closing does not end the watch while a child that was forked meanwhile has the descriptor too.
+    epoll_ctl(mPlatformEpoll.get(), EPOLL_CTL_DEL, greeter->fd.get(), nullptr);
     mGreeters.erase(greeter);
 }
 
@@ -512,7 +516,9 @@ void Transport::spawnIfNeeded() {
 
 void Transport::armInbound(Inbound* inbound, uint32_t events) {
     epoll_event event{};
-    event.events = events | EPOLLRDHUP | EPOLLONESHOT;
+    // Of a peer that only waits for room, that it will send nothing more is no news: it would wake us for
+    // ever.
+    event.events = events | EPOLLONESHOT | ((events & EPOLLIN) != 0 ? static_cast<uint32_t>(EPOLLRDHUP) : 0u);
     event.data.ptr = inbound;
     const int fd = inbound->fd();
     const int operation = inbound->watched ? EPOLL_CTL_MOD : EPOLL_CTL_ADD;

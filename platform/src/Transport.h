@@ -127,7 +127,8 @@ class Transport final : public ObjectResolver {
     UniqueFd mWake;      // an eventfd in both epoll instances, readable once the transport ends
     UniqueFd mBuryWake;  // an eventfd, readable while mToBury has peers
     UniqueFd mReserve;   // given up for a moment to refuse a connection when descriptors have run out
-    UniqueFd mListener;
+    UniqueFd mListener;  // guarded by mLock; what the platform thread needs of it is mListening
+    std::atomic<int> mListening{-1};
 
     std::mutex mLock;  // guards the rest but the atomics
     std::map<Endpoint, std::shared_ptr<Peer>> mPeers;
