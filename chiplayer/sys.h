@@ -70,8 +70,8 @@ int32_t a_zvttvfapi_sys_sync_fs();
 int32_t a_zvttvfapi_sys_get_file_checksum(unsigned char const* pu8Path, unsigned int* pu32Checksum);
 
 /**
- * Reads up to u32Length bytes of a file, from byte u64Offset on, into pu8Data, and puts their count, never
- * more than u32Length, into *pu32LengthRead, which holds 0 before.
+ * Reads up to u32Length bytes of a file, from byte u64Offset on, into pu8Data, zeroed, and puts their count,
+ * never more than u32Length, into *pu32LengthRead, which holds 0 before.
  *
  * The end of the file is not a failure: fewer bytes, or none. What was counted before a failure may reach the
  * client. With u32Length 0 nothing may be written through pu8Data. The service checks the count: a larger one
@@ -82,10 +82,10 @@ int32_t a_zvttvfapi_sys_read_file(unsigned char const* pu8Path, unsigned char* p
                                   unsigned int* pu32LengthRead);
 
 /**
- * Reads the line of a file that begins at byte u64Offset into pu8Data, a buffer of u32Length bytes whose
- * first four are zero: at most u32Length - 1 bytes, up to and without the line's end (LF or CR LF), and the
- * terminating NUL. The end of the file ends a line; at the end of the file the line is empty. With u32Length
- * 0 nothing may be written through pu8Data.
+ * Reads the line of a file that begins at byte u64Offset into pu8Data, a zeroed buffer of u32Length bytes: at
+ * most u32Length - 1 bytes, up to and without the line's end (LF or CR LF), and the terminating NUL. The end
+ * of the file ends a line; at the end of the file the line is empty. With u32Length 0 nothing may be written
+ * through pu8Data. A line that fills the buffer without a NUL is delivered as it is, up to the buffer's end.
  */
 int32_t a_zvttvfapi_sys_read_file_one_line(unsigned char const* pu8Path, unsigned char* pu8Data,
                                            unsigned int u32Length, unsigned long long u64Offset);
@@ -102,7 +102,8 @@ int32_t a_zvttvfapi_sys_write_file(unsigned char const* pu8Path, unsigned char c
 
 /**
  * Reads an environment variable into pu8Value, a zeroed buffer of u32Size bytes (1024), as a NUL-terminated
- * text; a value that does not fit is refused. The text left in the buffer is logged, after a failure too.
+ * text; a value that does not fit is refused. The text left in the buffer is logged, after a failure too; one
+ * without a NUL is cut at u32Size - 1 bytes.
  */
 int32_t a_zvttvfapi_sys_get_emmc_env_var(unsigned char const* pu8Name, unsigned char* pu8Value,
                                          unsigned int u32Size);
@@ -141,7 +142,8 @@ int32_t a_zvttvfapi_sys_read_emmc(unsigned char* pu8EmmcName, unsigned int u32Of
 
 /**
  * Reads the customer hash into pu8Hash, a zeroed buffer of u32Size bytes (16), and puts its count of bytes,
- * never more than u32Size, into *pu32LengthRead, which holds 0 before. The client sees -1 for every failure.
+ * never more than u32Size, into *pu32LengthRead, which holds 0 before. The client sees -1 for every failure,
+ * and for a larger count.
  */
 int32_t a_zvttvfapi_sys_get_customer_hash(unsigned int u32Size, unsigned char* pu8Hash,
                                           unsigned int* pu32LengthRead);
