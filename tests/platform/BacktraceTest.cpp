@@ -19,7 +19,7 @@ TEST(CallStack, IsFoundByALibraryThatIsLoadedOnlyThen) {
     stack.update();
     EXPECT_TRUE(isLoaded("/7z.so"));
     const std::string frames = stack.toString().c_str();
-    EXPECT_NE(std::string::npos, frames.find("hidl-types-test")) << frames;
+    EXPECT_NE(std::string::npos, frames.find("runtime-process-test")) << frames;
 }
 
 }  // namespace
