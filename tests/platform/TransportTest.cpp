@@ -244,6 +244,10 @@ TEST_F(TransportTest, AStreamOfOneWayMessagesIsAwaitedInBatchesAndServedLikeAnyO
         }
         return count;
     };
+    const sched_param param{};
+    if (sched_setscheduler(0, SCHED_BATCH, &param) != 0 || sched_setscheduler(0, SCHED_OTHER, &param) != 0) {
+        GTEST_SKIP() << "this machine keeps its policies to itself";
+    }
     Transport client;
     const sp<IBinder> proxy = objectFor(client);
     size_t sent = 0;
