@@ -156,6 +156,31 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     return kOk;
 }
 
+int32_t IniStore::get(const char* file, const std::vector<std::string>& parameters,
+                      std::vector<std::optional<std::string>>& values) {
+    values.assign(parameters.size(), std::nullopt);
+    const std::string name = fileName(file);
+    if (name.empty()) {
+        return kBadName;
+    }
+    std::shared_ptr<const File> loaded;
+    if (const int32_t result = load(name, loaded); result != kOk) {
+        return result;
+    }
+    std::vector<std::optional<std::string>> found(parameters.size());
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        const std::optional<Parameter> asked = parameterName(parameters[i].c_str());
+        if (!asked) {
+            return kBadName;
+        }
+        if (const char* value = loaded->ini.GetValue(asked->section.c_str(), asked->key.c_str())) {
+            found[i] = value;
+        }
+    }
+    values = std::move(found);
+    return kOk;
+}
+
 int32_t IniStore::set(const char* file, const char* parameter, const char* value) {
     if (file == nullptr || parameter == nullptr || value == nullptr) {
         return kOutOfRange;

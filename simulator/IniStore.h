@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "simulator/StateDirectory.h"
 
@@ -43,6 +44,14 @@ class IniStore {
      * text: kNotFound, kBadName, kTooLong, kBadFile, kIoError; kOutOfRange for a null pointer or a size of 0.
      */
     int32_t get(const char* file, const char* parameter, char* buffer, size_t size);
+
+    /**
+     * The values of several parameters of a file, as they are together; none where the file has none. The
+     * vector is as long as that of the parameters, whatever happens: kNotFound (no such file), kBadName,
+     * kBadFile, kIoError leave it without values.
+     */
+    int32_t get(const char* file, const std::vector<std::string>& parameters,
+                std::vector<std::optional<std::string>>& values);
 
     /**
      * Sets a value; on kOk it is on the disk. kBadName, kOutOfRange (the value), kBadFile, kBusy, kIoError:

@@ -54,27 +54,28 @@ KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> g
     load();
 }
 
-KeptNumbers::Values KeptNumbers::read(const Group& group) const {
-    char text[IniStore::kMaxValueBytes + 1];
-    const int32_t status = mStore.get(mFile, group.parameter.c_str(), text, sizeof(text));
-    if (status == kOk) {
-        if (std::optional<Values> values = parseNumbers(text, group.numbers)) {
-            return *std::move(values);
-        }
-        fprintf(stderr, "board: %s.ini: %s is not %zu numbers within their limits: the factory's are used\n",
-                mFile, group.parameter.c_str(), group.numbers.size());
-    } else if (status != kNotFound) {
-        fprintf(stderr, "board: %s.ini: %s cannot be read (status %d): the factory's numbers are used\n",
-                mFile, group.parameter.c_str(), status);
-    }
-    return factoryNumbers(group.numbers);
-}
-
 void KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    auto values = std::make_shared<std::vector<Values>>();
+    std::vector<std::string> parameters;
     for (const Group& group : mGroups) {
-        values->push_back(read(group));
+        parameters.push_back(group.parameter);
+    }
+    std::vector<std::optional<std::string>> texts;
+    const int32_t status = mStore.get(mFile, parameters, texts);
+    if (status != kOk && status != kNotFound) {
+        fprintf(stderr, "board: %s.ini cannot be read (status %d): the factory's numbers are used\n", mFile,
+                status);
+    }
+    auto values = std::make_shared<std::vector<Values>>();
+    for (size_t i = 0; i < mGroups.size(); ++i) {
+        const Group& group = mGroups[i];
+        std::optional<Values> kept = texts[i] ? parseNumbers(*texts[i], group.numbers) : std::nullopt;
+        if (texts[i] && !kept) {
+            fprintf(stderr,
+                    "board: %s.ini: %s is not %zu numbers within their limits: the factory's are used\n",
+                    mFile, group.parameter.c_str(), group.numbers.size());
+        }
+        values->push_back(kept ? *std::move(kept) : factoryNumbers(group.numbers));
     }
     const std::lock_guard<std::mutex> lock(mMutex);
     mValues = std::move(values);

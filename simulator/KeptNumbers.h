@@ -67,8 +67,6 @@ class KeptNumbers {
     std::string describe() const;
 
   private:
-    Values read(const Group& group) const;
-
     IniStore& mStore;
     const char* const mFile;
     const std::vector<Group> mGroups;

@@ -82,13 +82,17 @@ StateDirectory StateDirectory::fromEnvironment() {
 }
 
 Descriptor StateDirectory::openRoot() const {
-    for (size_t slash = mPath.find('/', 1); slash != std::string::npos; slash = mPath.find('/', slash + 1)) {
-        mkdir(mPath.substr(0, slash).c_str(), kFolderMode);
+    const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0);
+    Descriptor root(::open(mPath.c_str(), flags));
+    if (!root && errno == ENOENT) {
+        for (size_t slash = mPath.find('/', 1); slash != std::string::npos;
+             slash = mPath.find('/', slash + 1)) {
+            mkdir(mPath.substr(0, slash).c_str(), kFolderMode);
+        }
+        mkdir(mPath.c_str(), kFolderMode);
+        // What could not be made shows here.
+        root = Descriptor(::open(mPath.c_str(), flags));
     }
-    mkdir(mPath.c_str(), kFolderMode);
-    // What could not be made shows here.
-    Descriptor root(
-            ::open(mPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0)));
     struct stat status {};
     if (!root || fstat(root.get(), &status) != 0) {
         complainOnce(mPath, strerror(errno));
@@ -106,9 +110,16 @@ Descriptor StateDirectory::openFolder(const std::string& name) const {
     if (!root) {
         return Descriptor();
     }
-    // A new one is put on the disk: what is written into it may be acknowledged before anything else is.
-    const bool lost = mkdirat(root.get(), name.c_str(), kFolderMode) == 0 && fsync(root.get()) != 0;
-    Descriptor folder(openat(root.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    const auto open = [&] {
+        return Descriptor(openat(root.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+    };
+    Descriptor folder = open();
+    bool lost = false;
+    if (!folder && errno == ENOENT) {
+        // A new one is put on the disk: what is written into it may be acknowledged before anything else is.
+        lost = mkdirat(root.get(), name.c_str(), kFolderMode) == 0 && fsync(root.get()) != 0;
+        folder = open();
+    }
     if (lost) {
         complainOnce(mPath + "/" + name, "it does not reach the disk");
         return Descriptor();

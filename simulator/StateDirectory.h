@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace simulator {
 
@@ -14,7 +15,10 @@ class Descriptor {
     explicit Descriptor(int fd = -1) : mFd(fd) {}
     ~Descriptor();
     Descriptor(Descriptor&& other) noexcept : mFd(other.release()) {}
-    Descriptor& operator=(Descriptor&&) = delete;
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(mFd, other.mFd);
+        return *this;
+    }
 
     int get() const { return mFd; }
     explicit operator bool() const { return mFd >= 0; }
