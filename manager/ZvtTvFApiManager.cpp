@@ -105,10 +105,11 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
         return FAPI_FAIL;
     }
     ++sNextCookie;
-    // A client that can not be linked stays registered, and so it does when that fails for lack of memory.
+    // A client that can not be linked stays registered: its end is then noticed by no one.
     try {
         (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
     } catch (const std::bad_alloc&) {
+        // No memory for the link is one way in which it fails, and no reason to refuse the client.
     }
     return FAPI_OK;
 }

@@ -47,8 +47,8 @@ const char* Message::checkHeader(const MessageHeader& header) {
 
 const char* Message::check(uint8_t* bytes) {
     Message message(bytes);
-    const MessageHeader header =
-            message.header();  // a copy: it is seen not to change while entries are written
+    // A copy: as a reference it would be read anew after each entry that is written.
+    const MessageHeader header = message.header();
     BufferEntry* const entries = message.entries();
     size_t offset =
             sizeof(MessageHeader) + header.bufferCount * sizeof(BufferEntry) + padded(header.scalarBytes);
