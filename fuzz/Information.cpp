@@ -7,7 +7,7 @@
 
 #include "adapters/information/ZvtTvFApiInformation.h"
 #include "fuzz/Input.h"
-#include "platform/src/Encoder.h"
+#include "platform/socket/Encoder.h"
 
 using namespace android;
 using namespace android::hardware;

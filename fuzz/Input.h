@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 namespace fuzz {
 

@@ -1,7 +1,7 @@
 // A name of any bytes that the registry takes is found again, by itself and in the list; then its record is
 // overwritten with any bytes: it is refused, or it is the same record.
 
-#include "platform/src/Registry.h"
+#include "platform/socket/Registry.h"
 
 #include <fcntl.h>
 #include <unistd.h>

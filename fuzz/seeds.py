@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes the seeds under fuzz/corpus/, each named after what it tries. To be run again when the messages' layout
-changes (platform/src/Message.h)."""
+changes (platform/socket/Message.h)."""
 
 import pathlib
 import struct

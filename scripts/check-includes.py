@@ -94,7 +94,7 @@ PLANTED = [
     ("adapters/a/A.cpp", "<sys/socket.h>", True),
     ("adapters/a/A.cpp", "<unistd.h>", True),
     ("adapters/a/A.cpp", '"manager/M.h"', True),
-    ("manager/M.cpp", '"platform/src/P.h"', True),
+    ("manager/M.cpp", '"platform/socket/P.h"', True),
     ("manager/M.cpp", '  "simulator/S.h"', True),
     ("manager/M.cpp", '"M.h"', True),
     ("service/main.cpp", '"manager/M.h"', False),
@@ -102,14 +102,14 @@ PLANTED = [
     ("service/frame/F.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiTv.h>", True),
     ("chiplayer/sys.h", "<cstdint>", False),
     ("chiplayer/sys.h", "<log/log.h>", True),
-    ("platform/src/P.h", "<sys/socket.h>", False),
-    ("platform/src/P.h", '"chiplayer/sys.h"', True),
-    ("platform/src/P.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/types.h>", True),
+    ("platform/socket/P.h", "<sys/socket.h>", False),
+    ("platform/socket/P.h", '"chiplayer/sys.h"', True),
+    ("platform/socket/P.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/types.h>", True),
     ("simulator/S.h", "<fcntl.h>", False),
     ("simulator/S.h", "<log/log.h>", True),
     ("tools/fapictl/T.cpp", "<CLI/CLI.hpp>", False),
     ("tools/fapictl/T.cpp", "<chiplayer/sys.h>", True),
-    ("tools/fapictl/T.cpp", '"platform/src/P.h"', True),
+    ("tools/fapictl/T.cpp", '"platform/socket/P.h"', True),
 ]
 
 
@@ -118,7 +118,7 @@ def self_test():
     for name, included, wrong in PLANTED:
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
-            for file in ["chiplayer/sys.h", "manager/M.h", "platform/src/P.h", "simulator/S.h", name]:
+            for file in ["chiplayer/sys.h", "manager/M.h", "platform/socket/P.h", "simulator/S.h", name]:
                 (root / file).parent.mkdir(parents=True, exist_ok=True)
                 (root / file).write_text("#pragma once\n")
             with open(root / name, "a", encoding="utf-8") as file:

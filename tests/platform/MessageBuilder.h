@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 /** The parts of a text or sequence in a record as a sender may claim them. */
 struct RawReference {

@@ -1,4 +1,4 @@
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/src/Encoder.h"
+#include "platform/socket/Encoder.h"
 #include "tests/platform/MessageBuilder.h"
 
 namespace android::hardware {

@@ -19,9 +19,9 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/src/Limits.h"
-#include "platform/src/Registry.h"
-#include "platform/src/Socket.h"
+#include "platform/socket/Limits.h"
+#include "platform/socket/Registry.h"
+#include "platform/socket/Socket.h"
 #include "tests/support/Descriptors.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/src/Registry.h"
+#include "platform/socket/Registry.h"
 
 #include <android/hidl/manager/1.0/IServiceNotification.h>
 #include <fcntl.h>
@@ -19,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/src/ServiceManager.h"
+#include "platform/hidl/ServiceManager.h"
 
 namespace android::hardware {
 namespace {

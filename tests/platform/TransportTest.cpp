@@ -1,7 +1,7 @@
 // Two transports in one process stand for two processes: they share nothing but sockets. What needs real
 // processes (kill, stop, other users, descriptor limits) is in ProcessTest.cpp.
 
-#include "platform/src/Transport.h"
+#include "platform/socket/Transport.h"
 
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -16,7 +16,7 @@
 #include <functional>
 #include <thread>
 
-#include "platform/src/Limits.h"
+#include "platform/socket/Limits.h"
 #include "tests/support/LogCapture.h"
 
 namespace android::hardware {

@@ -17,7 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/src/Registry.h"
+#include "platform/socket/Registry.h"
 
 /** A process that ends with this object at the latest, and with the test that made it. Its output can be
  * read. */

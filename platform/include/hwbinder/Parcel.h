@@ -10,8 +10,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/src/InlineVector.h"
-#include "platform/src/Message.h"
+#include <hwbinder/InlineVector.h>
+#include "platform/socket/Message.h"
 
 namespace android::hardware {
 

@@ -1,4 +1,4 @@
-#include "platform/src/OneWayChannel.h"
+#include "platform/socket/OneWayChannel.h"
 
 #include <errno.h>
 #include <sched.h>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <new>
 
-#include "platform/src/Limits.h"
+#include "platform/socket/Limits.h"
 
 namespace android::hardware {
 

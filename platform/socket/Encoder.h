@@ -2,9 +2,9 @@
 
 #include <hwbinder/Parcel.h>
 
-#include "platform/src/InlineVector.h"
-#include "platform/src/Message.h"
-#include "platform/src/Socket.h"
+#include <hwbinder/InlineVector.h>
+#include "platform/socket/Message.h"
+#include "platform/socket/Socket.h"
 
 namespace android::hardware {
 

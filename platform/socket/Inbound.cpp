@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.transport"
 
-#include "platform/src/Inbound.h"
+#include "platform/socket/Inbound.h"
 
 #include <errno.h>
 #include <log/log.h>
@@ -12,9 +12,9 @@
 #include <cstring>
 #include <new>
 
-#include "platform/src/Limits.h"
-#include "platform/src/StatusText.h"
-#include "platform/src/Transport.h"
+#include "platform/hidl/StatusText.h"
+#include "platform/socket/Limits.h"
+#include "platform/socket/Transport.h"
 
 namespace android::hardware {
 

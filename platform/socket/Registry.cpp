@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.registry"
 
-#include "platform/src/Registry.h"
+#include "platform/socket/Registry.h"
 
 #include <dirent.h>
 #include <fcntl.h>

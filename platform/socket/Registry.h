@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/src/Message.h"
-#include "platform/src/Socket.h"
+#include "platform/socket/Message.h"
+#include "platform/socket/Socket.h"
 
 namespace android::hardware {
 

@@ -1,6 +1,6 @@
 #include <hwbinder/ProcessState.h>
 
-#include "platform/src/Transport.h"
+#include "platform/socket/Transport.h"
 
 namespace android::hardware {
 

@@ -1,8 +1,8 @@
-#include "platform/src/Exports.h"
+#include "platform/socket/Exports.h"
 
 #include <vector>
 
-#include "platform/src/Socket.h"
+#include "platform/socket/Socket.h"
 
 namespace android::hardware {
 

@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.registry"
 
-#include "platform/src/ServiceManager.h"
+#include "platform/hidl/ServiceManager.h"
 
 #include <log/log.h>
 #include <poll.h>
@@ -14,7 +14,7 @@
 #include <system_error>
 #include <thread>
 
-#include "platform/src/StatusText.h"
+#include "platform/hidl/StatusText.h"
 
 using ::android::hidl::manager::V1_0::IServiceNotification;
 

@@ -3,7 +3,7 @@
 #include <hidl/Status.h>
 #include <log/log.h>
 
-#include "platform/src/StatusText.h"
+#include "platform/hidl/StatusText.h"
 
 namespace android::hardware {
 

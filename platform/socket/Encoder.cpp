@@ -1,4 +1,4 @@
-#include "platform/src/Encoder.h"
+#include "platform/socket/Encoder.h"
 
 #include <cstring>
 

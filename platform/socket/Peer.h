@@ -10,8 +10,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/src/Exports.h"
-#include "platform/src/OneWayChannel.h"
+#include "platform/socket/Exports.h"
+#include "platform/socket/OneWayChannel.h"
 
 namespace android::hardware {
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/src/Registry.h"
+#include "platform/socket/Registry.h"
 
 namespace android::hardware {
 

@@ -11,9 +11,9 @@
 #include <thread>
 #include <unordered_set>
 
-#include "platform/src/Encoder.h"
-#include "platform/src/Exports.h"
-#include "platform/src/Peer.h"
+#include "platform/socket/Encoder.h"
+#include "platform/socket/Exports.h"
+#include "platform/socket/Peer.h"
 
 namespace android::hardware {
 

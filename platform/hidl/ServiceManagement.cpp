@@ -5,10 +5,10 @@
 
 #include <vector>
 
-#include "platform/src/Registry.h"
-#include "platform/src/ServiceManager.h"
-#include "platform/src/StatusText.h"
-#include "platform/src/Transport.h"
+#include "platform/hidl/ServiceManager.h"
+#include "platform/hidl/StatusText.h"
+#include "platform/socket/Registry.h"
+#include "platform/socket/Transport.h"
 
 using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceManager;

@@ -1,4 +1,4 @@
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 namespace android::hardware {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/src/Encoder.h"
-#include "platform/src/Peer.h"
+#include "platform/socket/Encoder.h"
+#include "platform/socket/Peer.h"
 
 namespace android::hardware {
 

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 namespace android::hardware {
 

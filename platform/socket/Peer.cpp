@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.transport"
 
-#include "platform/src/Peer.h"
+#include "platform/socket/Peer.h"
 
 #include <errno.h>
 #include <log/log.h>
@@ -13,10 +13,10 @@
 #include <cstring>
 #include <thread>
 
-#include "platform/src/Encoder.h"
-#include "platform/src/Limits.h"
-#include "platform/src/StatusText.h"
-#include "platform/src/Transport.h"
+#include "platform/hidl/StatusText.h"
+#include "platform/socket/Encoder.h"
+#include "platform/socket/Limits.h"
+#include "platform/socket/Transport.h"
 
 namespace android::hardware {
 

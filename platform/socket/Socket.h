@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 namespace android::hardware {
 

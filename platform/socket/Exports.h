@@ -5,7 +5,7 @@
 #include <mutex>
 #include <unordered_map>
 
-#include "platform/src/Message.h"
+#include "platform/socket/Message.h"
 
 namespace android::hardware {
 

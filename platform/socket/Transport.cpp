@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.transport"
 
-#include "platform/src/Transport.h"
+#include "platform/socket/Transport.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -14,8 +14,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/src/Inbound.h"
-#include "platform/src/Limits.h"
+#include "platform/socket/Inbound.h"
+#include "platform/socket/Limits.h"
 
 namespace android::hardware {
 

@@ -1,4 +1,4 @@
-#include "platform/src/StatusText.h"
+#include "platform/hidl/StatusText.h"
 
 #include <cstring>
 

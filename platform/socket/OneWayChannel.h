@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/src/Socket.h"
+#include "platform/socket/Socket.h"
 
 namespace android::hardware {
 

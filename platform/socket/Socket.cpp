@@ -1,4 +1,4 @@
-#include "platform/src/Socket.h"
+#include "platform/socket/Socket.h"
 
 #include <errno.h>
 #include <log/log.h>

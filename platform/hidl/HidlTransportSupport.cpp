@@ -4,7 +4,7 @@
 #include <hidl/Static.h>
 #include <log/log.h>
 
-#include "platform/src/Transport.h"
+#include "platform/socket/Transport.h"
 
 using ::android::hidl::base::V1_0::IBase;
 
