@@ -7,11 +7,6 @@ BnConstructorMap& getBnConstructorMap() {
     return *map;
 }
 
-BsConstructorMap& getBsConstructorMap() {
-    static auto* const map = new BsConstructorMap;
-    return *map;
-}
-
 sp<BHwBinder> BnMap::getOrSet(const ::android::hidl::base::V1_0::IBase* object, const sp<BHwBinder>& stub) {
     const std::lock_guard lock(mLock);
     wp<BHwBinder>& entry = mStubs[object];

@@ -41,11 +41,24 @@ class ConstructorMap {
 };
 
 using BnConstructorMap = ConstructorMap<std::function<sp<IBinder>(void*)>>;
-using BsConstructorMap = ConstructorMap<std::function<sp<::android::hidl::base::V1_0::IBase>(void*)>>;
 
-/** Makers of stubs and of pass-through wrappers. Both are still there when static objects end. */
+/** Makers of stubs. Still there when static objects end. */
 BnConstructorMap& getBnConstructorMap();
-BsConstructorMap& getBsConstructorMap();
+
+/**
+ * Makers of pass-through wrappers: nothing on the host is ever wrapped. It keeps none, and looks at none, so
+ * that the linker finds the wrappers, a quarter of a service, without a user.
+ */
+class NoConstructors {
+  public:
+    template <typename Maker>
+    void set(const char* /* descriptor */, const Maker& /* maker */) const {}
+    void erase(const char* /* descriptor */) const {}
+};
+
+inline constexpr NoConstructors getBsConstructorMap() {
+    return {};
+}
 
 /** The stub of each local object that has one. */
 class BnMap {
