@@ -3,16 +3,20 @@
 #include <algorithm>
 #include <cstring>
 
+#include "service/frame/Record.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 HidlEventRecord::HidlEventRecord(const fapi_core::ZvtTvFApiEventCommonObject& stChip)
     : mBytes(Scratch<uint8_t>::zeroed(static_cast<uint32_t>(stChip.vecValue.size()))) {
-    mHidl.u32Value = stChip.u32Value;
+    auto& [u32Value, strValue, vecValue] = mHidl;
+    clearPadding(mHidl, u32Value, strValue, vecValue);
+    u32Value = stChip.u32Value;
     const char* text = stChip.strValue.c_str();
-    mHidl.strValue.setToExternal(text, std::strlen(text));
+    strValue.setToExternal(text, std::strlen(text));
     if (mBytes) {
         std::copy_n(stChip.vecValue.data(), mBytes.size(), mBytes.get());
-        mHidl.vecValue.setToExternal(mBytes.get(), mBytes.size());
+        vecValue.setToExternal(mBytes.get(), mBytes.size());
     }
 }
 

@@ -11,6 +11,7 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 /// The HIDL form of one payload record that a module has raised. The text refers to the module's characters
 /// up to their first NUL; the bytes are copied to the heap, whatever their number, and end with this object.
+/// It goes out as it lies in this object, which is therefore not to be copied.
 class HidlEventRecord {
   public:
     /// The chip-layer record must outlive this object.

@@ -8,6 +8,7 @@
 #include "chiplayer/aud.h"
 #include "service/frame/Call.h"
 #include "service/frame/Log.h"
+#include "service/frame/Record.h"
 #include "service/frame/Scratch.h"
 #include "service/frame/Twin.h"
 

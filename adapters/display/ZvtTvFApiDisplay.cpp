@@ -3,11 +3,11 @@
 #include "adapters/display/ZvtTvFApiDisplay.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "chiplayer/disp.h"
 #include "service/frame/Call.h"
 #include "service/frame/Log.h"
+#include "service/frame/Record.h"
 #include "service/frame/Scratch.h"
 #include "service/frame/Text.h"
 #include "service/frame/Twin.h"
@@ -67,7 +67,7 @@ static_assert(offsetof(FrcInfo, u8Revision) ==
 static_assert(offsetof(FrcInfo, u8State) == offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u8State));
 
 void convert(const fapi_core::ZvtTvFApiDispExtFrcDeviceInfo& stChip, FrcInfo& stHidl) {
-    std::memcpy(&stHidl, &stChip, sizeof(stHidl));
+    copyToTwin(stChip, stHidl);
 }
 
 // Has the library fill a zeroed record and converts it, whatever the status.

@@ -5,6 +5,7 @@
 #include "chiplayer/inpsrc.h"
 #include "service/frame/Call.h"
 #include "service/frame/Log.h"
+#include "service/frame/Record.h"
 #include "service/frame/Twin.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {

@@ -22,14 +22,6 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
     static_assert(static_cast<int64_t>(Enum::value) == static_cast<int64_t>(fapi_core::Enum::value), \
                   "the twins differ in value")
 
-/// Zeroes every byte of a record, padding included, which crosses a boundary as it lies in memory. No
-/// initialiser does that: compilers leave padding as it was on the stack, even behind "= Record()".
-template <typename Record>
-void clearBytes(Record& record) {
-    static_assert(std::is_trivially_copyable_v<Record>, "the record is more than plain bytes");
-    std::memset(static_cast<void*>(&record), 0, sizeof(record));
-}
-
 /// Copies a whole record over its twin, byte for byte. Neither has padding, so that every byte that the
 /// receiver sees was written.
 template <typename From, typename To>

@@ -7,6 +7,7 @@
 #include "tests/adapters/Forwarding.h"
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/LogCapture.h"
+#include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -101,17 +102,20 @@ TEST_F(Display, RecordsArriveWholeWhateverTheStatusAndThenLeaveOneLine) {
         std::vector<uint8_t> numbers(44);
         std::iota(numbers.begin(), numbers.end(), uint8_t{1});
 
+        soilStack();
         display->a_hidl_a_zvttvfapi_disp_get_pq_range(delivery()).isOk();
         EXPECT_EQ(delivered, once);
         EXPECT_EQ(image, std::vector(numbers.begin(), numbers.begin() + 24));
         EXPECT_THAT(log.takeLines(), ElementsAre(resultLine("a_hidl_a_zvttvfapi_disp_get_pq_range",
                                                             "a_zvttvfapi_disp_get_pq_range" + result)));
+        soilStack();
         display->a_hidl_a_zvttvfapi_disp_get_frc_device_info(delivery()).isOk();
         EXPECT_EQ(delivered, once);
         EXPECT_EQ(image, std::vector(numbers.begin(), numbers.begin() + 8));
         EXPECT_THAT(log.takeLines(),
                     ElementsAre(resultLine("a_hidl_a_zvttvfapi_disp_get_frc_device_info",
                                            "a_zvttvfapi_disp_get_frc_device_info" + result)));
+        soilStack();
         display->a_hidl_a_zvttvfapi_disp_get_tcon_info(delivery()).isOk();
         EXPECT_EQ(delivered, once);
         numbers[42] = 1;  // a flag byte of 43 is true

@@ -7,6 +7,7 @@
 #include "chiplayer/inpsrc.h"
 #include "tests/adapters/Forwarding.h"
 #include "tests/fake/LogCapture.h"
+#include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -173,9 +174,11 @@ TEST_F(InputSource, RecordsArriveWholeWhateverTheStatusAndWithoutForeignBytes) {
     std::iota(numbered.begin(), numbered.end(), uint8_t{1});
     const auto first = [&](size_t size) { return std::vector(numbered.begin(), numbered.begin() + size); };
 
+    soilStack();
     source->a_hidl_zvttvfapi_inpsrc_get_adc_phase(4000000000, delivery()).isOk();
     EXPECT_EQ(image, first(12));
     EXPECT_EQ(before, linesOf("get_adc_phase", {"E ZvtTvFApiInputsource get adc phase s32Ret 7"}));
+    soilStack();
     source->a_hidl_zvttvfapi_inpsrc_get_adc_gain_offset(4000000000, delivery()).isOk();
     EXPECT_EQ(image, first(24));
     EXPECT_EQ(before,
@@ -184,6 +187,7 @@ TEST_F(InputSource, RecordsArriveWholeWhateverTheStatusAndWithoutForeignBytes) {
                                        "a_zvttvfapi_inpsrc_get_adc_gain_offset(4000000000, *)"}));
     for (const int byte : {0, 1, 5, 255}) {
         flag = static_cast<uint8_t>(byte);
+        soilStack();
         source->a_hidl_zvttvfapi_inpsrc_get_input_timing(delivery()).isOk();
         std::vector<uint8_t> expected = first(12);
         expected.push_back(byte != 0);
@@ -203,6 +207,7 @@ TEST_F(InputSource, RecordsArriveWholeWhateverTheStatusAndWithoutForeignBytes) {
             [&] { return source->a_hidl_zvttvfapi_inpsrc_get_input_timing(delivery()); },
     };
     for (const auto& call : calls) {
+        soilStack();
         EXPECT_TRUE(call().isOk());
         EXPECT_EQ(image, std::vector<uint8_t>(image.size()));
         EXPECT_EQ(status, -5);

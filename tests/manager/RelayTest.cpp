@@ -16,6 +16,7 @@
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
 #include "tests/fake/LogCapture.h"
+#include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -36,6 +37,7 @@ class Client : public IZvtTvFApiCallbackManager {
         std::string method;
         uint32_t type;
         std::vector<Hidl> records;
+        std::vector<int> padding;  // what lay between the records' fields
     };
 
     Return<void> tell(const char* method, uint32_t type, const Hidl& one, const Hidl& two, const Hidl& three,
@@ -46,7 +48,12 @@ class Client : public IZvtTvFApiCallbackManager {
         if (fails) {
             return Status::fromStatusT(::android::DEAD_OBJECT);
         }
-        events.push_back({method, type, {one, two, three, four}});
+        events.push_back({method, type, {one, two, three, four}, {}});
+        for (const Hidl* record : {&one, &two, &three, &four}) {
+            const auto* const begin = reinterpret_cast<const uint8_t*>(&record->u32Value + 1);
+            const auto* const end = reinterpret_cast<const uint8_t*>(&record->strValue);
+            events.back().padding.insert(events.back().padding.end(), begin, end);
+        }
         return Void();
     }
 
@@ -196,12 +203,15 @@ TEST_F(RelayTest, EachHandlerCallsItsMethodWithTheEventUnchanged) {
         // A module's event goes its module's way, whatever bits its type has; a posted one goes by its
         // lowest.
         const uint32_t foreign = 0x01FF0005;
+        soilStack();
         EXPECT_EQ(0,
                   row.handler(foreign, {1, "one", {1}}, {2, "two", {2}}, {3, "", {}}, {4, "four", {4, 0}}));
+        soilStack();
         EXPECT_EQ(0, post(0xFE000000 | (0x1FF0000 & ~(mask - 1)) | 7));
         ASSERT_EQ(2u, client->events.size()) << row.name;
         for (const Client::Event& event : client->events) {
             EXPECT_EQ(row.method, event.method);
+            EXPECT_EQ(event.padding, std::vector<int>(4 * 4)) << "bytes of the service's stack";
         }
         EXPECT_EQ(foreign, client->events[0].type);
         EXPECT_THAT(client->events[0].records, ElementsAre(Hidl{1, "one", {1}}, Hidl{2, "two", {2}},
