@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "tests/tools/TestPackage.h"
 #include "tests/tools/Thing.h"
 #include "tools/fapictl/Display.h"
+#include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Values.h"
 
 namespace fapictl {
@@ -105,6 +107,34 @@ TEST(Calls, TakeAnyByteOfAPeerForABool) {
     const Method& method = thingMethod("everything");
     const Reply reply = method.call(*rogue, bindArguments(method, {"{}"}));
     EXPECT_EQ(reply.results[0]["stLamp"]["bOn"], true);
+}
+
+/** Whether a bool stands in a record of the type, however deep. */
+bool holdsBool(const Type& type, bool inRecord = false) {
+    return (type.kind == Type::Kind::Boolean && inRecord) ||
+           (type.element != nullptr && holdsBool(*type.element, inRecord)) ||
+           std::any_of(type.fields.begin(), type.fields.end(),
+                       [](const Field& field) { return holdsBool(*field.type, true); });
+}
+
+TEST(FactoryPackage, HasNoBoolInARecordThatTheServiceOrAListenerReceives) {
+    // The runtime makes a peer's byte true or false where a bool is an argument or an element, but it does
+    // not know the fields of a record. Who has one of those results reads the byte, as this tool does.
+    std::vector<std::string> results;
+    for (const Interface& interface : factoryPackage().interfaces) {
+        for (const Method& method : interface.methods) {
+            for (const Field& argument : method.arguments) {
+                EXPECT_FALSE(holdsBool(*argument.type)) << method.name << " " << argument.label.name;
+            }
+            for (const Field& result : method.results) {
+                if (holdsBool(*result.type)) {
+                    results.push_back(method.name);
+                }
+            }
+        }
+    }
+    EXPECT_THAT(results, testing::UnorderedElementsAre("a_hidl_a_zvttvfapi_disp_get_tcon_info",
+                                                       "a_hidl_zvttvfapi_inpsrc_get_input_timing"));
 }
 
 TEST(Calls, WithoutResultsFromTheServiceAreFailures) {

@@ -288,6 +288,8 @@ template <auto M>
 Reply callMethod(IBase& service, const Json& json) {
     using S = Signature<decltype(M)>;
     auto& target = static_cast<typename S::Interface&>(service);
+    // Records are filled in place, never assigned: what lies between their fields stays zero, as it is made
+    // here.
     typename S::Arguments arguments{};
     std::apply(
             [&](auto&... argument) {
