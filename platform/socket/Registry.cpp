@@ -472,6 +472,9 @@ status_t Registry::changes(int* fd) {
         }
         mRetry = std::move(retry);
         mChanges = std::move(changes);
+        if (!mHeld.empty()) {
+            restoreLater();  // what happened to them so far was not noticed
+        }
     }
     *fd = mChanges.get();
     return OK;
@@ -489,11 +492,15 @@ void Registry::restore() noexcept {
         ALOGE("names can not be put back: %s", error.what());
     }
     if (!complete) {
-        itimerspec soon{};
-        soon.it_value.tv_sec = kRetryMilliseconds / 1000;
-        soon.it_value.tv_nsec = kRetryMilliseconds % 1000 * 1'000'000L;
-        timerfd_settime(mRetry.get(), 0, &soon, nullptr);
+        restoreLater();
     }
+}
+
+void Registry::restoreLater() {
+    itimerspec soon{};
+    soon.it_value.tv_sec = kRetryMilliseconds / 1000;
+    soon.it_value.tv_nsec = kRetryMilliseconds % 1000 * 1'000'000L;
+    timerfd_settime(mRetry.get(), 0, &soon, nullptr);
 }
 
 /** The lock is held. False when it is to be tried again. */

@@ -77,7 +77,7 @@ class Registry {
     status_t list(std::vector<RegistryEntry>* entries);
 
     /**
-     * Starts to notice what is done to the directory; to be called before names are taken. The descriptor is
+     * Starts to notice what is done to the directory; best before names are taken. The descriptor is
      * the registry's, and readable when restore() is to be called.
      */
     status_t changes(int* fd);
@@ -130,6 +130,7 @@ class Registry {
         Record record;
         bool missing = false;  // that it was is logged once
     };
+
     /** What is done about a directory that is not there. */
     enum class Missing { Made, NotFound };
 
@@ -167,6 +168,7 @@ class Registry {
     status_t occupy(const std::string& file, Record* record, UniqueFd* result);
     status_t putBack(const std::string& file, Held* name);
     bool restoreAll();
+    void restoreLater();
     bool pollOnce(int milliseconds);
 
     const std::string mPath;

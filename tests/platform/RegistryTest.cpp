@@ -203,6 +203,25 @@ TEST_F(RegistryTest, NamesThatCouldLeaveTheirFolderOrItsListAreRefused) {
     EXPECT_EQ(entries[1].instance, "with+plus and space");
 }
 
+TEST_F(RegistryTest, ProcessesInAndOutsideADesktopsSessionUseTheSameFolderUnlessToldAnother) {
+    const struct {
+        const char* given;
+        const char* session;
+        std::string expected;
+    } cases[] = {
+            {"", "", "/tmp/hidl-" + std::to_string(geteuid())},
+            {"", "/run/user/1", "/tmp/hidl-" + std::to_string(geteuid())},
+            {"/given", "/run/user/1", "/given"},
+    };
+    for (const auto& each : cases) {
+        setenv("HIDL_RUNTIME_DIR", each.given, 1);
+        setenv("XDG_RUNTIME_DIR", each.session, 1);
+        EXPECT_EQ(Registry::defaultPath(), each.expected);
+    }
+    unsetenv("HIDL_RUNTIME_DIR");
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
 TEST_F(RegistryTest, AFolderThatOthersMayTouchIsRefused) {
     struct Case {
         const char* name;
@@ -460,8 +479,22 @@ TEST_F(RegistryTest, AWatchEndsForAnyRegistrationAfterItsStart) {
         usleep(20000);
         return take(2, "other");
     });
+    // All wait by what one of them polls, which is now and then another.
+    std::vector<std::thread> others;
+    for (const int milliseconds : {1, 3, 10000, -1}) {
+        others.emplace_back([&, milliseconds] {
+            Registry::Watch mine;
+            EXPECT_EQ(mine.start(own), OK);
+            while (found("other") == 0) {
+                EXPECT_TRUE(mine.wait(milliseconds) || milliseconds < 10);
+            }
+        });
+    }
     while (found("other") == 0) {
         ASSERT_TRUE(watch.wait(10000));
+    }
+    for (std::thread& other : others) {
+        other.join();
     }
 }
 
