@@ -26,6 +26,20 @@ Registry& registry() {
     return *instance;
 }
 
+/**
+ * Has names that are held put back when their files are deleted. A process that can not watch them registers
+ * all the same, and tries again with its next registration.
+ */
+void keepNames() {
+    int changes = -1;
+    status_t status = registry().changes(&changes);
+    if (status == OK) {
+        status = Transport::self().whenReadable(changes, [] { registry().restore(); });
+    }
+    ALOGW_IF(status != OK, "names whose files are deleted will be lost: %s", statusText(status).c_str());
+}
+
+/** All of them or none: what was taken before stays taken. */
 status_t takeAll(const std::vector<std::string>& names, const std::string& instance,
                  const ObjectReference& reference) {
     for (size_t i = 0; i < names.size(); ++i) {
@@ -71,6 +85,7 @@ status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& 
     ObjectReference reference;
     status_t status = Transport::self().publish(object, &reference);
     if (status == OK) {
+        keepNames();
         status = takeAll(names, instance, reference);
         if (status != OK) {
             Transport::self().withdraw(reference);
@@ -103,10 +118,13 @@ sp<IBinder> getServiceBinder(const char* descriptor, const std::string& instance
             ALOGW("%s/%s, process %d, can not be reached: %s", descriptor, instance.c_str(), pid,
                   statusText(status).c_str());
         } else if (status != NAME_NOT_FOUND) {
-            ALOGE("%s/%s can not be looked up: %s", descriptor, instance.c_str(), statusText(status).c_str());
+            ALOGE("%s/%s can not be looked up in %s: %s", descriptor, instance.c_str(),
+                  registry().path().c_str(), statusText(status).c_str());
             return nullptr;
         }
         if (!retry) {
+            ALOGI_IF(!found, "%s/%s is not registered in %s", descriptor, instance.c_str(),
+                     registry().path().c_str());
             return nullptr;
         }
         if (watching) {
@@ -121,7 +139,7 @@ sp<IBinder> getServiceBinder(const char* descriptor, const std::string& instance
             return nullptr;
         }
         watching = true;
-        ALOGI("waiting for %s/%s", descriptor, instance.c_str());
+        ALOGI("waiting for %s/%s in %s", descriptor, instance.c_str(), registry().path().c_str());
     }
 }
 

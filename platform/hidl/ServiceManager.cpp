@@ -3,15 +3,9 @@
 #include "platform/hidl/ServiceManager.h"
 
 #include <log/log.h>
-#include <poll.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
+#include <exception>
 #include <list>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 #include "platform/hidl/StatusText.h"
@@ -22,8 +16,19 @@ namespace android::hardware {
 
 namespace {
 
+/** How soon a name that could not be looked up is looked up again. */
+constexpr int kRetryMilliseconds = 1000;
+
 bool isSame(const ObjectReference& left, const ObjectReference& right) {
     return left.endpoint == right.endpoint && left.object == right.object && left.nonce == right.nonce;
+}
+
+/** Says where it looked when there is nothing. */
+status_t listAll(Registry& registry, std::vector<RegistryEntry>* entries) {
+    const status_t status = registry.list(entries);
+    ALOGE_IF(status != OK, "%s can not be listed: %s", registry.path().c_str(), statusText(status).c_str());
+    ALOGI_IF(status == OK && entries->empty(), "nothing is registered in %s", registry.path().c_str());
+    return status;
 }
 
 }  // namespace
@@ -42,14 +47,16 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
         if (status == OK) {
             request.before = reference;
         } else if (status != NAME_NOT_FOUND) {
-            return false;
+            return refuse(statusText(status));
         }
         const std::lock_guard lock(mLock);
+        ALOGI_IF(status == NAME_NOT_FOUND && !mRunning, "waiting for %s/%s in %s", fqName.c_str(),
+                 instance.c_str(), mRegistry.path().c_str());
         if (!mRunning && !start()) {
             return false;
         }
         mAdded.push_back(std::move(request));
-        eventfd_write(mWake.get(), 1);
+        mRegistry.wakeWatches();
         return true;
     }
 
@@ -65,20 +72,21 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
     /** With mLock held and no thread running. */
     bool start() {
         const status_t status = mWatch.start(mRegistry);
-        mWake = UniqueFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
-        if (status != OK || !mWake.ok()) {
-            ALOGE("registrations can not be watched: %s",
-                  status != OK ? statusText(status).c_str() : strerror(errno));
-            return false;
+        if (status != OK) {
+            return refuse(statusText(status));
         }
         try {
             std::thread([self = shared_from_this()] { self->run(); }).detach();
-        } catch (const std::system_error& error) {
-            ALOGE("registrations can not be watched: %s", error.what());
-            return false;
+        } catch (const std::exception& error) {
+            return refuse(error.what());
         }
         mRunning = true;
         return true;
+    }
+
+    static bool refuse(const std::string& reason) {
+        ALOGE("registrations can not be watched: %s", reason.c_str());
+        return false;
     }
 
     void run() {
@@ -92,21 +100,42 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
                     return;
                 }
             }
-            requests.remove_if([&](Request& request) { return !update(request); });
-            wait();
+            bool complete = true;
+            for (auto request = requests.begin(); request != requests.end();) {
+                Told told = Told::Later;
+                try {
+                    told = update(*request);
+                } catch (const std::exception& error) {
+                    ALOGE("%s/%s: its notification failed: %s", request->fqName.c_str(),
+                          request->instance.c_str(), error.what());
+                }
+                complete = complete && told != Told::Later;
+                request = told == Told::Nobody ? requests.erase(request) : std::next(request);
+            }
+            mWatch.wait(complete ? -1 : kRetryMilliseconds);
         }
     }
 
-    /** Tells of what is new; false when there is nobody to tell. */
-    bool update(Request& request) {
+    /** Whether a request's owner knows all, is to be told later, or is not there any more. */
+    enum class Told { All, Later, Nobody };
+
+    /** Tells of what is new. */
+    Told update(Request& request) {
         ObjectReference reference;
         pid_t pid = 0;
-        if (mRegistry.find(request.fqName, request.instance, &reference, &pid) != OK) {
+        const status_t status = mRegistry.find(request.fqName, request.instance, &reference, &pid);
+        if (status == NAME_NOT_FOUND) {
             request.told.reset();
-            return true;
+            return Told::All;
+        }
+        if (status != OK) {
+            // That we can not look now does not mean that it is gone.
+            ALOGW("%s/%s can not be looked up: %s", request.fqName.c_str(), request.instance.c_str(),
+                  statusText(status).c_str());
+            return Told::Later;
         }
         if (request.told && isSame(*request.told, reference)) {
-            return true;
+            return Told::All;
         }
         const bool preexisting = request.before && isSame(*request.before, reference);
         request.before.reset();
@@ -115,20 +144,11 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
                 request.callback->onRegistration(request.fqName, request.instance, preexisting);
         ALOGW_IF(!told.isOk(), "%s/%s: its notification failed: %s", request.fqName.c_str(),
                  request.instance.c_str(), told.description().c_str());
-        return !told.isDeadObject();
-    }
-
-    void wait() {
-        pollfd waiting[] = {{mWatch.fd(), POLLIN, 0}, {mWake.get(), POLLIN, 0}};
-        poll(waiting, 2, -1);
-        eventfd_t count = 0;
-        eventfd_read(mWake.get(), &count);
-        mWatch.wait(0);
+        return told.isDeadObject() ? Told::Nobody : Told::All;
     }
 
     Registry& mRegistry;
-    Registry::Watch mWatch;  // set before the thread starts
-    UniqueFd mWake;          // likewise
+    Registry::Watch mWatch;  // set before the thread starts, then the thread's own
 
     std::mutex mLock;  // guards the rest
     std::list<Request> mAdded;
@@ -145,7 +165,7 @@ Return<bool> ServiceManager::registerForNotifications(const hidl_string& fqName,
 
 Return<void> ServiceManager::list(list_cb _hidl_cb) {
     std::vector<RegistryEntry> entries;
-    const status_t status = mRegistry.list(&entries);
+    const status_t status = listAll(mRegistry, &entries);
     if (status != OK) {
         return Status::fromStatusT(status);
     }
@@ -160,7 +180,7 @@ Return<void> ServiceManager::list(list_cb _hidl_cb) {
 
 Return<void> ServiceManager::debugDump(debugDump_cb _hidl_cb) {
     std::vector<RegistryEntry> entries;
-    const status_t status = mRegistry.list(&entries);
+    const status_t status = listAll(mRegistry, &entries);
     if (status != OK) {
         return Status::fromStatusT(status);
     }

@@ -241,7 +241,7 @@ void Transport::startPlatformThread() {
 bool Transport::watchControl(const std::shared_ptr<Peer>& peer, UniqueFd fd) {
     const std::lock_guard<std::mutex> lock(mLock);
     const int number = fd.get();
-    mWatched[number] = {peer, {}};
+    mWatched[number] = {peer, {}, {}};
     epoll_event event{};
     event.events = EPOLLIN | EPOLLRDHUP;
     event.data.fd = number;
@@ -254,6 +254,19 @@ bool Transport::watchControl(const std::shared_ptr<Peer>& peer, UniqueFd fd) {
     peer->control().open(std::move(fd), mPlatformEpoll.get());
     startPlatformThread();
     return true;
+}
+
+status_t Transport::whenReadable(int fd, std::function<void()> function) {
+    const std::lock_guard<std::mutex> lock(mLock);
+    epoll_event event{};
+    event.events = EPOLLIN;
+    event.data.fd = fd;
+    if (epoll_ctl(mPlatformEpoll.get(), EPOLL_CTL_ADD, fd, &event) != 0) {
+        return errno == EEXIST ? OK : -errno;
+    }
+    mWatched[fd] = {nullptr, {}, std::move(function)};
+    startPlatformThread();
+    return OK;
 }
 
 void Transport::runPlatformThread() {
@@ -284,7 +297,9 @@ void Transport::runPlatformThread() {
             }
             watched = found->second;
         }
-        if (watched.peer == nullptr) {
+        if (watched.function) {
+            watched.function();
+        } else if (watched.peer == nullptr) {
             readHello(watched.greeter);
         } else if ((event.events & (EPOLLIN | EPOLLHUP | EPOLLERR | EPOLLRDHUP)) != 0) {
             // Nothing is ever sent to us on this connection: it has ended, or its peer has lost its mind.
@@ -359,7 +374,7 @@ void Transport::acceptConnections() {
         const auto greeter = std::prev(mGreeters.end());
         {
             const std::lock_guard<std::mutex> lock(mLock);
-            mWatched[number] = {nullptr, greeter};
+            mWatched[number] = {nullptr, greeter, {}};
         }
         epoll_event event{};
         event.events = EPOLLIN;

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -47,6 +48,12 @@ class Transport final : public ObjectResolver {
 
     /** Undoes publish(); who holds the object by now keeps it. */
     void withdraw(const ObjectReference& reference) { mExports.unpin(reference.object); }
+
+    /**
+     * Has the platform thread call a function whenever a descriptor is readable. Both last as long as the
+     * transport; the function does not throw.
+     */
+    status_t whenReadable(int fd, std::function<void()> function);
 
     /** Object of a reference found in the registry; DEAD_OBJECT when its process can not be reached. */
     status_t resolve(const ObjectReference& reference, sp<IBinder>* object) override;
@@ -102,6 +109,7 @@ class Transport final : public ObjectResolver {
     struct Watched {
         std::shared_ptr<Peer> peer;            // a control connection
         std::list<Greeter>::iterator greeter;  // else one that has not said who it is
+        std::function<void()> function;        // else it is no connection
     };
 
     std::shared_ptr<Peer> peerAt(const Endpoint& endpoint);

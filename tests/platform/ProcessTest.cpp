@@ -392,9 +392,20 @@ TEST_F(ProcessTest, ClientsThatComeAndGoLeaveNoDescriptorBehind) {
 
 TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
     sp<IProbe> probe = start();
-    Player rival("server");
-    EXPECT_EQ('f', rival.word());
-    EXPECT_EQ(1, rival.wait());
+    const std::filesystem::path folder = getenv("HIDL_RUNTIME_DIR");
+    std::error_code quicker;  // a file may be back before its folder is gone
+    const std::function<void()> harms[] = {
+            [] {},
+            [&] { std::filesystem::remove(folder / (std::string(IProbe::descriptor) + "+default")); },
+            [&] { std::filesystem::remove_all(folder, quicker); },
+    };
+    for (const auto& harm : harms) {
+        harm();
+        EXPECT_TRUE(eventually([] { return IProbe::tryGetService() != nullptr; }));
+        Player rival("server");
+        EXPECT_EQ('f', rival.word());
+        EXPECT_EQ(1, rival.wait());
+    }
     mServer.back().kill(SIGKILL);
     const Return<void> late = probe->blob(1, [](const auto&) {});
     EXPECT_TRUE(late.isDeadObject());

@@ -4,7 +4,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,6 +22,7 @@
 #include <vector>
 
 #include "platform/hidl/ServiceManager.h"
+#include "tests/support/LogCapture.h"
 
 namespace android::hardware {
 namespace {
@@ -200,11 +203,31 @@ TEST_F(RegistryTest, NamesThatCouldLeaveTheirFolderOrItsListAreRefused) {
     EXPECT_EQ(entries[1].instance, "with+plus and space");
 }
 
+TEST_F(RegistryTest, ProcessesInAndOutsideADesktopsSessionUseTheSameFolderUnlessToldAnother) {
+    const struct {
+        const char* given;
+        const char* session;
+        std::string expected;
+    } cases[] = {
+            {"", "", "/tmp/hidl-" + std::to_string(geteuid())},
+            {"", "/run/user/1", "/tmp/hidl-" + std::to_string(geteuid())},
+            {"/given", "/run/user/1", "/given"},
+    };
+    for (const auto& each : cases) {
+        setenv("HIDL_RUNTIME_DIR", each.given, 1);
+        setenv("XDG_RUNTIME_DIR", each.session, 1);
+        EXPECT_EQ(Registry::defaultPath(), each.expected);
+    }
+    unsetenv("HIDL_RUNTIME_DIR");
+    unsetenv("XDG_RUNTIME_DIR");
+}
+
 TEST_F(RegistryTest, AFolderThatOthersMayTouchIsRefused) {
     struct Case {
         const char* name;
         std::function<void()> make;
         status_t expected;
+        const char* told = "";  // in the log
     };
     const auto folder = [this](mode_t mode) {
         return [this, mode] {
@@ -215,8 +238,9 @@ TEST_F(RegistryTest, AFolderThatOthersMayTouchIsRefused) {
     const Case cases[] = {
             {"none yet", [] {}, OK},
             {"ours", folder(0700), OK},
-            {"readable by others", folder(0704), PERMISSION_DENIED},
-            {"writable by the group", folder(0720), PERMISSION_DENIED},
+            {"readable by others", folder(0704), PERMISSION_DENIED, "chmod 700 /tmp/registry-test-"},
+            {"writable by the group", folder(0720), PERMISSION_DENIED, "chmod 700 /tmp/registry-test-"},
+            {"everyone's", folder(01777), PERMISSION_DENIED, "HIDL_RUNTIME_DIR"},
             {"a link to a good one",
              [this] {
                  mkdir((mFolder + "/real").c_str(), 0700);
@@ -224,26 +248,170 @@ TEST_F(RegistryTest, AFolderThatOthersMayTouchIsRefused) {
              },
              -ENOTDIR},
             {"a file", [this] { std::ofstream file(mPath); }, -ENOTDIR},
-            {"another user's",
-             [this] {
-                 mkdir(mPath.c_str(), 0700);
-                 EXPECT_EQ(chown(mPath.c_str(), 1, 1), 0);
-             },
-             PERMISSION_DENIED},
             {"in a folder that does not exist", [this] { mPath = mFolder + "/no/names"; }, -ENOENT},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.name);
-        if (geteuid() != 0 && each.name == std::string("another user's")) {
-            continue;  // it takes root to make one
-        }
         std::filesystem::remove_all(mPath);
         each.make();
         for (const char* slash : {"", "/"}) {
+            const LogCapture log;
             Registry registry(mPath + slash);
             EXPECT_EQ(registry.take(kInterface, "default", reference(1)), each.expected);
+            EXPECT_TRUE(log.contains(each.told) || *each.told == '\0');
         }
     }
+}
+
+TEST_F(RegistryTest, RootAndAUserShareTheUsersFolderAndNoOtherUserDoes) {
+    if (geteuid() != 0) {
+        SUCCEED() << "only root can play another user";
+        return;
+    }
+    constexpr uid_t kUser = 1;
+    chmod(mFolder.c_str(), 0755);
+    mkdir(mPath.c_str(), 0700);
+    ASSERT_EQ(chown(mPath.c_str(), kUser, kUser), 0);
+    const auto as = [](uid_t user, const std::function<status_t()>& function) {
+        return [=] { return setresuid(user, user, user) != 0 ? UNKNOWN_ERROR : function(); };
+    };
+    Registry own(mPath);
+    ASSERT_EQ(own.take(kInterface, "default", reference(1)), OK);
+    EXPECT_EQ(Child(as(kUser, [&] { return found() == 1 ? OK : NAME_NOT_FOUND; })).result(), OK);
+    EXPECT_EQ(Child(as(kUser, [&] { return take(2); })).result(), ALREADY_EXISTS);
+    EXPECT_EQ(Child(as(kUser + 1, [&] { return take(2, "other"); })).result(), -EACCES);
+    own.release(kInterface, "default");
+    const Child user(as(kUser, [&] { return take(3); }));
+    EXPECT_EQ(user.result(), OK) << "in the file that root made";
+    EXPECT_EQ(found(), 3u);
+    // What the user may have put there for root to overwrite.
+    std::ofstream(mFolder + "/roots") << "precious";
+    ASSERT_EQ(link((mFolder + "/roots").c_str(), file("trap").c_str()), 0);
+    EXPECT_EQ(own.take(kInterface, "trap", reference(4)), PERMISSION_DENIED);
+    EXPECT_EQ(std::filesystem::file_size(mFolder + "/roots"), 8u);
+}
+
+TEST_F(RegistryTest, AMissingDescriptorIsAnErrorOfItsCallAndNotAMissingName) {
+    Registry own(mPath);
+    ASSERT_EQ(own.take(kInterface, "default", reference(1)), OK);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit few{std::min<rlim_t>(before.rlim_cur, 256), before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    std::vector<UniqueFd> all;
+    for (int fd = dup(STDIN_FILENO); fd >= 0; fd = dup(STDIN_FILENO)) {
+        all.emplace_back(fd);
+    }
+    // A look takes two, for the folder and the file; a list one more.
+    for (const size_t left : {0, 1, 2, 3}) {
+        std::vector<RegistryEntry> entries;
+        ObjectReference result{};
+        pid_t pid = 0;
+        EXPECT_EQ(own.find(kInterface, "default", &result, &pid), left < 2 ? -EMFILE : OK) << left;
+        EXPECT_EQ(own.list(&entries), left < 3 ? -EMFILE : OK) << left;
+        EXPECT_EQ(entries.size(), left < 3 ? 0u : 1u) << left;
+        all.pop_back();
+    }
+    all.clear();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+}
+
+/** Restores a registry's names until the end, as the platform thread does. */
+class Keeper {
+  public:
+    explicit Keeper(Registry& registry) {
+        int changes = -1;
+        EXPECT_EQ(registry.changes(&changes), OK);
+        mThread = std::thread([this, &registry, changes] {
+            while (!mEnds) {
+                pollfd waiting{changes, POLLIN, 0};
+                if (poll(&waiting, 1, 10) > 0) {
+                    registry.restore();
+                }
+            }
+        });
+    }
+    ~Keeper() {
+        mEnds = true;
+        mThread.join();
+    }
+
+  private:
+    std::atomic<bool> mEnds{false};
+    std::thread mThread;
+};
+
+TEST_F(RegistryTest, AHeldNameComesBackWhateverIsDoneToItsFileOrFolder) {
+    namespace fs = std::filesystem;
+    const std::string other = mFolder + "/other";
+    std::error_code quicker;  // a file may be back before its folder is gone
+    struct Case {
+        const char* name;
+        std::function<void()> harm;
+    };
+    const Case cases[] = {
+            {"file deleted", [&] { fs::remove(file()); }},
+            {"file moved", [&] { fs::rename(file(), file("moved")); }},
+            {"file replaced by another", [&] { std::ofstream(other) << "x", fs::rename(other, file()); }},
+            {"file replaced by a link",
+             [&] {
+                 fs::create_symlink("x", other);
+                 fs::rename(other, file());
+             }},
+            {"folder deleted", [&] { fs::remove_all(mPath, quicker); }},
+            {"folder moved", [&] { fs::rename(mPath, other); }},
+            {"folder and its folder moved for a while",
+             [&] {
+                 fs::rename(mPath, mPath + "-gone");
+                 fs::rename(mFolder, mFolder + "-gone");
+                 usleep(50000);
+                 fs::rename(mFolder + "-gone", mFolder);
+             }},
+            {"taken by a rival meanwhile",
+             [&] {
+                 fs::remove(file());
+                 take(2);
+             }},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        fs::remove_all(mFolder);
+        fs::create_directory(mFolder);
+        Registry own(mPath);
+        const Keeper keeper(own);
+        ASSERT_EQ(own.take(kInterface, "default", reference(1)), OK);
+        Registry::Watch watch;
+        ASSERT_EQ(watch.start(own), OK);
+        each.harm();
+        for (int i = 0; i < 1000 && found() != 1; ++i) {
+            watch.wait(10);
+        }
+        EXPECT_EQ(found(), 1u);
+        EXPECT_EQ(take(3), ALREADY_EXISTS);
+        EXPECT_EQ(found("moved"), 0u);
+        mRegistries.clear();
+    }
+}
+
+TEST_F(RegistryTest, OfTwoHoldersOfANameTheFirstKeepsItAndTheOtherGivesItUp) {
+    Registry first(mPath);
+    Registry second(mPath);
+    int changes = -1;
+    ASSERT_EQ(first.changes(&changes), OK);
+    ASSERT_EQ(second.changes(&changes), OK);
+    ASSERT_EQ(first.take(kInterface, "default", reference(1)), OK);
+    std::filesystem::remove(file());
+    ASSERT_EQ(second.take(kInterface, "default", reference(2)), OK) << "the first has not noticed yet";
+    second.restore();
+    EXPECT_EQ(found(), 2u);
+    first.restore();
+    EXPECT_EQ(found(), 1u);
+    pollfd waiting{changes, POLLIN, 0};
+    EXPECT_EQ(poll(&waiting, 1, 0), 1);
+    second.restore();
+    first.release(kInterface, "default");
+    second.restore();
+    EXPECT_EQ(found(), 0u) << "the second has given it up for good";
 }
 
 TEST_F(RegistryTest, AFileThatNoHolderMadeIsNoName) {
@@ -314,8 +482,22 @@ TEST_F(RegistryTest, AWatchEndsForAnyRegistrationAfterItsStart) {
         usleep(20000);
         return take(2, "other");
     });
+    // All wait by what one of them polls, which is now and then another.
+    std::vector<std::thread> others;
+    for (const int milliseconds : {1, 3, 10000, -1}) {
+        others.emplace_back([&, milliseconds] {
+            Registry::Watch mine;
+            EXPECT_EQ(mine.start(own), OK);
+            while (found("other") == 0) {
+                EXPECT_TRUE(mine.wait(milliseconds) || milliseconds < 10);
+            }
+        });
+    }
     while (found("other") == 0) {
         ASSERT_TRUE(watch.wait(10000));
+    }
+    for (std::thread& other : others) {
+        other.join();
     }
 }
 
