@@ -1,5 +1,6 @@
-// bench-listener [<message bytes>]: one of several clients that receive events; with a number, messages of
-// this length from its standard input instead. Answers a byte there after every kBatch of them.
+// bench-listener default | threads <n> | raw <message bytes>: one of several clients that receive events,
+// with the pool of threads that a process has when it asks for none, or with one of n; or one that receives
+// messages of this length from its standard input instead. Answers a byte there after every kBatch of them.
 
 #include <hidl/HidlTransportSupport.h>
 #include <unistd.h>
@@ -53,8 +54,13 @@ class Listener : public IZvtTvFApiCallbackManager {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2) {
-        std::vector<char> message(std::stoul(argv[1]));
+    const std::string kind = argc > 1 ? argv[1] : "";
+    if (argc != (kind == "default" ? 2 : 3) || (kind != "default" && kind != "threads" && kind != "raw")) {
+        std::fprintf(stderr, "usage: bench-listener default | threads <n> | raw <message bytes>\n");
+        return 2;
+    }
+    if (kind == "raw") {
+        std::vector<char> message(std::stoul(argv[2]));
         for (uint32_t count = 1; bench::readFully(STDIN_FILENO, message.data(), message.size()); ++count) {
             if (count % bench::kBatch == 0 && !bench::writeFully(STDIN_FILENO, "", 1)) {
                 break;
@@ -62,7 +68,9 @@ int main(int argc, char** argv) {
         }
         return 0;
     }
-    android::hardware::configureRpcThreadpool(2, false);
+    if (kind == "threads") {
+        android::hardware::configureRpcThreadpool(std::stoul(argv[2]), false);
+    }
     const android::sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
     if (manager->a_hidl_a_zvttvfapi_mngr_set_callback(new Listener).withDefault(-1) != 0 ||
         !bench::writeFully(STDIN_FILENO, "", 1)) {

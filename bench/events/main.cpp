@@ -39,6 +39,8 @@ using Record = fapi_core::ZvtTvFApiEventCommonObject;
 
 constexpr size_t kClients = 10;
 constexpr size_t kRecordBytes = 292;
+/** Arguments of a client that asks for no pool of threads. */
+const std::vector<std::string> kDefaultClient{"default"};
 
 double nanosecondsSince(Clock::time_point start) {
     return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
@@ -124,6 +126,14 @@ uint64_t allocationsOfBatch(const Record& record) {
     return stopCountingAllocations();
 }
 
+/** Ends listeners of ours and waits until the registry of clients has noticed. */
+void dismiss(Listeners* listeners) {
+    listeners->clear();
+    while (clients() > 0) {
+        std::this_thread::yield();
+    }
+}
+
 Table measure(bool pinned, const Options& options) {
     std::optional<OneCpu> binding;
     if (pinned) {
@@ -135,30 +145,13 @@ Table measure(bool pinned, const Options& options) {
     // 292 bytes a record: a number, a text of 32 characters, and bytes.
     const Record record{1, std::string(32, 't'), std::vector<uint8_t>(kRecordBytes - 4 - 32, 0x5A)};
     const uint64_t allocatedForNobody = allocationsOfBatch(record);
-    Listeners own = startListeners(kClients, {});
+    Listeners own = startListeners(kClients, kDefaultClient);
     awaitAll(own);
     const uint64_t messageBytes = bytesOf([&] { raise(0x10000, record); }).request / kClients;
     for (uint32_t i = 2; i < kBatch; ++i) {  // two have gone out to be counted
         raise(0x10000, record);
     }
     awaitAll(own);
-
-    const std::string fanOut = "an event to " + std::to_string(kClients) + " clients (" +
-                               std::to_string(messageBytes) + " B each), deliveries";
-    if (options.wants(fanOut)) {
-        const Listeners raw = startListeners(kClients, {std::to_string(messageBytes)});
-        const std::vector<char> message(messageBytes, 'm');
-        table.rows.push_back(compare(
-                fanOut, Unit::CallsPerSecond, limit(Limit::Kind::TimesAtLeast, 0.9), options.rounds,
-                [&] {
-                    return deliveriesPerSecond(options.seconds, raw, [&] {
-                        for (const auto& listener : raw) {
-                            writeFully(listener->socket(), message.data(), message.size());
-                        }
-                    });
-                },
-                [&] { return deliveriesPerSecond(options.seconds, own, [&] { raise(0x10000, record); }); }));
-    }
 
     const std::string allocations = "heap allocations per delivery, ten clients";
     if (options.wants(allocations)) {
@@ -176,7 +169,7 @@ Table measure(bool pinned, const Options& options) {
         table.rows.push_back(compare(
                 death, Unit::Nanoseconds, Limit{}, options.rounds,
                 [&] {
-                    Listener raw({std::to_string(messageBytes)});
+                    Listener raw({"raw", std::to_string(messageBytes)});
                     const Clock::time_point start = Clock::now();
                     raw.kill();
                     char byte;
@@ -185,7 +178,7 @@ Table measure(bool pinned, const Options& options) {
                     return nanosecondsSince(start);
                 },
                 [&] {
-                    Listener victim({});
+                    Listener victim(kDefaultClient);
                     victim.await();
                     const size_t before = clients();
                     const Clock::time_point start = Clock::now();
@@ -196,9 +189,35 @@ Table measure(bool pinned, const Options& options) {
                     return nanosecondsSince(start);
                 }));
     }
-    own.clear();
-    while (clients() > 0) {
-        std::this_thread::yield();
+    dismiss(&own);
+
+    struct Pool {
+        const char* name;
+        std::vector<std::string> arguments;
+    };
+    for (const Pool& pool : {Pool{"default pool of one thread", kDefaultClient},
+                             Pool{"pool of two threads", {"threads", "2"}}}) {
+        const std::string fanOut = "an event to " + std::to_string(kClients) + " clients, " + pool.name +
+                                   " (" + std::to_string(messageBytes) + " B each), deliveries";
+        if (!options.wants(fanOut)) {
+            continue;
+        }
+        own = startListeners(kClients, pool.arguments);
+        awaitAll(own);
+        // One write for each event and client; each raw client waits in read() for one message at a time.
+        const Listeners raw = startListeners(kClients, {"raw", std::to_string(messageBytes)});
+        const std::vector<char> message(messageBytes, 'm');
+        table.rows.push_back(compare(
+                fanOut, Unit::CallsPerSecond, limit(Limit::Kind::TimesAtLeast, 1.0), options.rounds,
+                [&] {
+                    return deliveriesPerSecond(options.seconds, raw, [&] {
+                        for (const auto& listener : raw) {
+                            writeFully(listener->socket(), message.data(), message.size());
+                        }
+                    });
+                },
+                [&] { return deliveriesPerSecond(options.seconds, own, [&] { raise(0x10000, record); }); }));
+        dismiss(&own);
     }
     return table;
 }
@@ -212,7 +231,7 @@ Table measurePosting(const Options& options, const TemporaryFolder& folder) {
     Table table{"Posting: " + conditions(true, options), {}};
     const Child service(sibling("vendor.zentrovi.tv.zvttvfactory@1.0-service"));
     const android::sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
-    const Listeners listeners = startListeners(kClients, {});
+    const Listeners listeners = startListeners(kClients, kDefaultClient);
     awaitAll(listeners);
     const ZvtTvFApiEventCommonObject record{1, std::string(32, 't'),
                                             std::vector<uint8_t>(kRecordBytes - 4 - 32, 0x5A)};

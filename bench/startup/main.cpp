@@ -1,18 +1,15 @@
 // bench-startup: from the start of the service to its last registration, and what it costs when idle, beside
-// a process that opens one socket.
+// a process that opens one socket; the same of a server of one interface, beside one over D-Bus.
 
+#include <android/log.h>
 #include <hidl/ServiceManagement.h>
-#include <poll.h>
 #include <sys/inotify.h>
 #include <time.h>
-#include <unistd.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,21 +19,18 @@
 #include "bench/common/Process.h"
 #include "bench/common/Rounds.h"
 #include "bench/common/Table.h"
+#include "bench/startup/OneInterface.h"
+#include "bench/startup/Subject.h"
 #include "bench/transport/Raw.h"
 
 namespace {
 
 using namespace bench;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
-using Clock = std::chrono::steady_clock;
 
 constexpr double kMiB = 1024 * 1024;
 constexpr double kMillisecond = 1e6;
 constexpr size_t kNames = 10;
-
-double nanosecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
-}
 
 /** Registered names of the service's package. Looks into the registry; the service does not notice. */
 size_t registeredNames() {
@@ -52,60 +46,6 @@ size_t registeredNames() {
             .assertOk();
     return count;
 }
-
-/**
- * Tells what happens in a folder. It lasts as long as the program, as ending a watch takes the kernel some
- * milliseconds.
- */
-class FolderWatch {
-  public:
-    FolderWatch(const std::string& folder, uint32_t events) : mFd(inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
-        if (mFd < 0 || inotify_add_watch(mFd, folder.c_str(), events) < 0) {
-            failOnCall("inotify");
-        }
-    }
-    ~FolderWatch() { close(mFd); }
-    FolderWatch(const FolderWatch&) = delete;
-    FolderWatch& operator=(const FolderWatch&) = delete;
-
-    /** Forgets what has happened so far. */
-    void drain() const {
-        char events[4096];
-        while (read(mFd, events, sizeof(events)) > 0) {
-        }
-    }
-
-    /** Waits until something happens to a file with this text in its name. */
-    void await(const std::string& name) const {
-        while (true) {
-            pollfd ready{mFd, POLLIN, 0};
-            const int count = poll(&ready, 1, kPatienceMilliseconds);
-            if (count == 0) {
-                fail(name + " does not appear");
-            }
-            alignas(inotify_event) char events[4096];
-            const ssize_t got = read(mFd, events, sizeof(events));
-            for (ssize_t at = 0; at < got;) {
-                const auto* event = reinterpret_cast<const inotify_event*>(events + at);
-                if (event->len > 0 && std::string(event->name).find(name) != std::string::npos) {
-                    return;
-                }
-                at += static_cast<ssize_t>(sizeof(*event) + event->len);
-            }
-        }
-    }
-
-  private:
-    static constexpr int kPatienceMilliseconds = 10'000;
-
-    const int mFd;
-};
-
-/** The process under test, and how to tell that it is ready without asking it. */
-struct Subject {
-    std::function<std::unique_ptr<Child>()> start;
-    std::function<void()> awaitReady;
-};
 
 Subject bareProcess(const TemporaryFolder& folder, const FolderWatch& watch) {
     const std::string socket = folder / "bare";
@@ -130,27 +70,6 @@ Subject service(const std::string& program, const FolderWatch& watch) {
                     watch.await("IZvtTvFApiManager");  // the last one
                 } while (registeredNames() < kNames);
             }};
-}
-
-Measure startOf(const Subject& subject) {
-    return [&subject] {
-        const Clock::time_point start = Clock::now();
-        const std::unique_ptr<Child> child = subject.start();
-        subject.awaitReady();
-        return nanosecondsSince(start);
-    };
-}
-
-/** A figure in kB of one of the process's files under /proc, in bytes. */
-double procBytes(pid_t pid, const std::string& file, const std::string& label) {
-    std::ifstream stream("/proc/" + std::to_string(pid) + "/" + file);
-    std::string line;
-    while (std::getline(stream, line)) {
-        if (line.compare(0, label.size(), label) == 0) {
-            return std::stod(line.substr(label.size())) * 1024;
-        }
-    }
-    fail("no " + label + " in " + file);
 }
 
 double cpuNanoseconds(pid_t pid) {
@@ -189,12 +108,14 @@ int main(int argc, char** argv) {
     std::string program = sibling("vendor.zentrovi.tv.zvttvfactory@1.0-service");
     std::string idleText = "3";
     parseOptions(argc, argv,
-                 "Measures the service's start and its idle cost beside a process that opens one socket.",
+                 "Measures the start and the idle cost of the service beside a process that opens one "
+                 "socket, and those of a server of one interface beside one over D-Bus.",
                  &options,
                  {{"--service", "The service's executable", &program},
                   {"--idle-seconds", "How long the idle process is watched", &idleText}});
     const double idleSeconds = std::stod(idleText);
 
+    __android_log_set_minimum_priority(ANDROID_LOG_WARN);
     const TemporaryFolder folder;
     const std::string runtime = folder / "runtime";
     setenv("HIDL_RUNTIME_DIR", runtime.c_str(), 1);
@@ -238,5 +159,6 @@ int main(int argc, char** argv) {
     add("private anonymous memory", Unit::Bytes, 1.5 * kMiB, &Idle::anonymous);
     add("CPU time", Unit::Nanoseconds, 0, &Idle::cpu);
     tables.push_back(table);
+    tables.push_back(measureOneInterface(folder, folderWatch, options));
     return report(tables, options);
 }

@@ -11,6 +11,9 @@ namespace bench {
 
 using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInformation;
 
+/** Threads that serve calls where nothing else is said: as many as the service has. */
+constexpr char kServiceThreads[] = "10";
+
 /** One 32-bit argument; an 8-bit and a 32-bit result. */
 inline void tinyCall(IZvtTvFApiInformation& information) {
     uint32_t answers = 0;

@@ -1,8 +1,10 @@
-// bench-caller [<socket path> <request bytes> <reply bytes>]: one of several client processes. Makes tiny
-// calls to bench-server, or calls of the given size to bench-raw-server, for as long as its standard input
-// orders, and answers there with how many.
+// bench-caller <instance> | keep <instance> | raw <socket path> <request bytes> <reply bytes>: one of several
+// client processes. Makes tiny calls to bench-server, to which it first gives an object of its own with
+// "keep", or calls of the given size to bench-raw-server, for as long as its standard input orders, and
+// answers there with how many.
 
 #include <unistd.h>
+#include <zvttv/bench/1.0/IBenchServer.h>
 
 #include <chrono>
 #include <cstdio>
@@ -17,6 +19,19 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using ::android::sp;
+using ::android::hardware::Return;
+using ::android::hardware::Void;
+using ::zvttv::bench::V1_0::IBenchProbe;
+using ::zvttv::bench::V1_0::IBenchServer;
+
+class Probe final : public IBenchProbe {
+  public:
+    Return<void> isOdd(uint32_t number, isOdd_cb callback) override {
+        callback(number % 2 == 1, 0);
+        return Void();
+    }
+};
 
 /** Asking for the time at every call would be a part of what is measured. */
 constexpr uint64_t kCallsBetweenLooks = 16;
@@ -43,14 +58,28 @@ int serveOrders(const Call& call) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 4) {
-        bench::RawClient client(argv[1], {std::stoull(argv[2]), std::stoull(argv[3])});
+    const std::string first = argc > 1 ? argv[1] : "";
+    if (first == "raw" && argc == 5) {
+        bench::RawClient client(argv[2], {std::stoull(argv[3]), std::stoull(argv[4])});
         return serveOrders([&] { client.call(); });
     }
-    const auto information = bench::IZvtTvFApiInformation::getService("default");
+    if (argc != (first == "keep" ? 3 : 2)) {
+        std::fprintf(stderr,
+                     "usage: bench-caller <instance> | keep <instance> | raw <path> <request> <reply>\n");
+        return 2;
+    }
+    const sp<bench::IZvtTvFApiInformation> information =
+            bench::IZvtTvFApiInformation::getService(argv[argc - 1]);
     if (information == nullptr) {
         std::fprintf(stderr, "bench-caller: no service\n");
         return 2;
+    }
+    if (first == "keep") {
+        const sp<IBenchServer> server = IBenchServer::getService(argv[2]);
+        if (server == nullptr || !server->keep(new Probe).isOk()) {
+            std::fprintf(stderr, "bench-caller: its object is not kept\n");
+            return 2;
+        }
     }
     return serveOrders([&] { bench::tinyCall(*information); });
 }
