@@ -16,17 +16,11 @@ using vendor::zentrovi::tv::zvttvfactory::V1_0::implementation::ZvtTvFApiInforma
 
 namespace {
 
-struct Nobody final : ObjectResolver, ObjectExporter {
-    status_t resolve(const ObjectReference&, sp<IBinder>*) override { return DEAD_OBJECT; }
-    status_t exportObject(const sp<IBinder>&, ObjectReference*) override { return DEAD_OBJECT; }
-};
-
 void checkReply(const Parcel& reply) {
-    Nobody nobody;
     Encoder encoder;
     MessageHeader head{};
     head.kind = MessageKind::Reply;
-    fuzz::require(encoder.encode(head, reply, &nobody) == OK);
+    fuzz::require(encoder.encode(head, reply, nullptr) == OK);
     const Gather gather = encoder.gather();
     const Block block = allocateBlock(gather.bytes);
     uint8_t* end = block.get();
@@ -34,23 +28,23 @@ void checkReply(const Parcel& reply) {
         std::memcpy(end, gather.vectors[i].iov_base, gather.vectors[i].iov_len);
         end += gather.vectors[i].iov_len;
     }
-    fuzz::require(!fuzz::receive(block.get(), gather.bytes).empty());
+    fuzz::require(fuzz::receive(block.get(), gather.bytes) != nullptr);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const sp<IBinder> sStub = new BnHwZvtTvFApiInformation(new ZvtTvFApiInformation);
-    Message message = fuzz::receive(data, size);
-    if (message.empty()) {
+    const Block block = fuzz::receive(data, size);
+    if (block == nullptr) {
         return 0;
     }
+    const Message message(block.get());
     const uint32_t code = message.header().code;
     const uint32_t flags = message.header().kind == MessageKind::OneWay ? IBinder::FLAG_ONEWAY : 0;
-    Nobody nobody;
     Parcel call;
     Parcel reply;
-    call.receive(std::move(message), &nobody);
+    call.receive(fuzz::received(message));
     sStub->transact(code, call, &reply, flags, [](Parcel& results) { checkReply(results); });
     return 0;
 }

@@ -15,10 +15,6 @@ namespace {
 
 constexpr size_t kReads = 16;
 
-struct Nobody final : ObjectResolver {
-    status_t resolve(const ObjectReference&, sp<IBinder>*) override { return DEAD_OBJECT; }
-};
-
 template <typename T>
 void touch(const T* data, size_t count) {
     if (count != 0) {  // then data may be null
@@ -97,13 +93,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < kReads) {
         return 0;
     }
-    Message message = fuzz::receive(data + kReads, size - kReads);
-    if (message.empty()) {
+    const Block block = fuzz::receive(data + kReads, size - kReads);
+    if (block == nullptr) {
         return 0;
     }
-    Nobody nobody;
     Parcel parcel;
-    parcel.receive(std::move(message), &nobody);
+    parcel.receive(fuzz::received(Message(block.get())));
     for (size_t i = 0; i < kReads; ++i) {
         read(parcel, data[i]);
     }

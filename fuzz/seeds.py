@@ -7,20 +7,26 @@ import struct
 
 CORPUS = pathlib.Path(__file__).parent / "corpus"
 NO_PARENT = 0xFFFFFFFF
+IS_OBJECT = 0xFFFFFFFE
 CALL, ONE_WAY = 3, 5
 
 
-def padded(data):
-    return data + bytes(-len(data) % 8)
+def padded(data, unit=8):
+    return data + bytes(-len(data) % unit)
 
 
-def message(code, scalars=b"", buffers=(), kind=CALL, magic=0x315A5448, total=None, count=None, scalar_bytes=None):
-    """buffers: (bytes, parent, offset of the pointer in the parent)."""
-    table = b"".join(struct.pack("<4I", len(data), parent, offset, 0) for data, parent, offset in buffers)
-    body = table + padded(scalars) + b"".join(padded(data) for data, _, _ in buffers)
+def message(code, scalars=b"", pieces=(), kind=CALL, magic=0x325A5448, total=None, count=None, objects=None,
+            scalar_bytes=None):
+    """pieces: of a buffer (bytes, parent, offset of the pointer in the parent); of an object its number, 0 for null."""
+    buffers = [(b"", IS_OBJECT, 0) if isinstance(piece, int) else piece for piece in pieces]
+    sizes = [min(piece, 1) if isinstance(piece, int) else len(piece[0]) for piece in pieces]
+    table = b"".join(struct.pack("<4I", size, parent, offset, 0)
+                     for size, (_, parent, offset) in zip(sizes, buffers))
+    references = [struct.pack("<16s2Q", b"endpoint", piece, 1) for piece in pieces if isinstance(piece, int) and piece]
+    body = table + b"".join(references) + padded(scalars) + b"".join(padded(data) for data, _, _ in buffers)
     head = struct.pack("<4I2Qi3I", magic, 48 + len(body) if total is None else total, kind, code, 1, 2, 0,
                        len(scalars) if scalar_bytes is None else scalar_bytes,
-                       len(buffers) if count is None else count, 0)
+                       len(pieces) if count is None else count, len(references) if objects is None else objects)
     return head + body
 
 
@@ -36,38 +42,41 @@ def texts(*values):
     return buffers
 
 
-def parcel(reads, scalars=b"", buffers=(), **head):
-    return bytes(reads).ljust(16, b"\0") + message(1, scalars, buffers, **head)
+def parcel(reads, scalars=b"", pieces=(), **head):
+    return bytes(reads).ljust(16, b"\0") + message(1, scalars, pieces, **head)
 
 
 NUMBER, TEXT, BUFFER_16, NUMBERS, TEXTS, OBJECT = 0, 1, 2 + 6 * 2, 3, 4, 5
 two_texts = [(record(2), NO_PARENT, 0), (record(1) + record(0), 0, 0), (b"a\0", 1, 0), (b"\0", 1, 16)]
 
 parcels = {
-    "numbers_then_text": parcel([NUMBER, NUMBER, TEXT], struct.pack("<2I", 1, 2) + b"text\0"),
+    "numbers_then_text": parcel([NUMBER, NUMBER, TEXT], struct.pack("<2I", 1, 2) + padded(b"text\0", 4)),
     "text_without_end": parcel([TEXT], b"text"),
-    "buffer": parcel([BUFFER_16], buffers=[(bytes(16), NO_PARENT, 0)]),
-    "buffer_of_another_size": parcel([BUFFER_16], buffers=[(bytes(24), NO_PARENT, 0)]),
-    "vector": parcel([NUMBERS], buffers=[(record(3), NO_PARENT, 0), (bytes(6), 0, 0)]),
-    "vector_longer_than_its_buffer": parcel([NUMBERS], buffers=[(record(4), NO_PARENT, 0), (bytes(6), 0, 0)]),
-    "vector_whose_size_overflows": parcel([NUMBERS], buffers=[(record(0x80000000), NO_PARENT, 0), (b"", 0, 0)]),
-    "vector_that_owns_foreign_memory": parcel([NUMBERS], buffers=[(record(0, 1), NO_PARENT, 0), (b"", 0, 0)]),
-    "vector_of_texts": parcel([TEXTS], buffers=two_texts),
-    "vector_of_texts_read_twice": parcel([TEXTS, TEXTS], buffers=two_texts),
-    "pointer_beyond_its_parent": parcel([NUMBERS], buffers=[(record(3), NO_PARENT, 0), (bytes(6), 0, 16)]),
-    "parent_after_its_child": parcel([NUMBERS], buffers=[(bytes(6), 1, 0), (record(3), NO_PARENT, 0)]),
-    "parent_that_is_the_child": parcel([NUMBERS], buffers=[(record(3), 0, 0)]),
-    "object": parcel([OBJECT], struct.pack("<Q", 1) + bytes(32)),
-    "object_null": parcel([OBJECT], bytes(40)),
-    "length_too_large": parcel([NUMBER], bytes(8), total=0x100008),
+    "buffer": parcel([BUFFER_16], pieces=[(bytes(16), NO_PARENT, 0)]),
+    "buffer_of_another_size": parcel([BUFFER_16], pieces=[(bytes(24), NO_PARENT, 0)]),
+    "vector": parcel([NUMBERS], pieces=[(record(3), NO_PARENT, 0), (bytes(6), 0, 0)]),
+    "vector_longer_than_its_buffer": parcel([NUMBERS], pieces=[(record(4), NO_PARENT, 0), (bytes(6), 0, 0)]),
+    "vector_whose_size_overflows": parcel([NUMBERS], pieces=[(record(0x80000000), NO_PARENT, 0), (b"", 0, 0)]),
+    "vector_that_owns_foreign_memory": parcel([NUMBERS], pieces=[(record(0, 1), NO_PARENT, 0), (b"", 0, 0)]),
+    "vector_of_texts": parcel([TEXTS], pieces=two_texts),
+    "vector_of_texts_read_twice": parcel([TEXTS, TEXTS], pieces=two_texts),
+    "pointer_beyond_its_parent": parcel([NUMBERS], pieces=[(record(3), NO_PARENT, 0), (bytes(6), 0, 16)]),
+    "parent_after_its_child": parcel([NUMBERS], pieces=[(bytes(6), 1, 0), (record(3), NO_PARENT, 0)]),
+    "parent_that_is_the_child": parcel([NUMBERS], pieces=[(record(3), 0, 0)]),
+    "objects": parcel([OBJECT, OBJECT, OBJECT], pieces=[1, 0, 2]),
+    "objects_that_nobody_reads": parcel([OBJECT], pieces=[1, (bytes(16), NO_PARENT, 0), 0, 2]),
+    "object_without_a_reference": parcel([OBJECT], pieces=[1, 0], objects=0),
+    "reference_without_an_object": parcel([OBJECT], bytes(32), pieces=[0], objects=1, scalar_bytes=0),
+    "object_as_a_parent": parcel([OBJECT, BUFFER_16], pieces=[1, (bytes(16), 0, 0)]),
+    "length_too_large": parcel([NUMBER], bytes(8), total=0x110008),
     "length_too_small": parcel([NUMBER], bytes(8), total=40),
     "table_larger_than_message": parcel([NUMBER], bytes(8), count=0x10000000),
     "scalars_larger_than_message": parcel([NUMBER], bytes(8), scalar_bytes=0xFFFFFFFF),
     "wrong_magic": parcel([NUMBER], bytes(8), magic=0),
 }
 
-token = b"vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiInformation\0"
-base = b"android.hidl.base@1.0::IBase\0"
+token = padded(b"vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiInformation\0", 4)
+base = padded(b"android.hidl.base@1.0::IBase\0", 4)
 GET_INI, SET_INI, IP_STATUS, VERSION = 1, 2, 3, 4
 CHAIN, DESCRIPTOR, PING = (0x0F000000 | sum(ord(c) << s for c, s in zip(n, (16, 8, 0))) for n in ("CHN", "DSC", "PNG"))
 
@@ -108,5 +117,7 @@ names = {
 for target, seeds in ("fuzz-parcel", parcels), ("fuzz-information", calls), ("fuzz-registry", names):
     folder = CORPUS / target
     folder.mkdir(parents=True, exist_ok=True)
+    for stale in folder.iterdir():
+        stale.unlink()
     for name, data in seeds.items():
         (folder / name).write_bytes(data)

@@ -34,13 +34,22 @@ ROOMS = [
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
     ("tools/", ["tools/"], ANY),
-    ("platform/", ["platform/"], ANY),
+    ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h")),
+    ("platform/parcel/", [], ("hwbinder/", "utils/")),
+    ("platform/binding/Backend.cpp", ["platform/binding/", "platform/socket/"], ANY),
+    ("platform/binding/", ["platform/binding/"], ANY),
+    ("platform/socket/", ["platform/socket/", "platform/binding/"], ANY),
+    ("platform/hidl/", ["platform/hidl/", "platform/binding/"], ANY),
+    ("platform/backtrace/", ["platform/backtrace/"], ANY),
+    ("platform/", [], ()),
 ]
-# What no row's "anything" covers.
+# What no row's "anything" covers, in all rooms of a folder.
 FORBIDDEN = {
     "simulator/": ("android/", "log/", "hidl/", "hwbinder/", "utils/", "cutils/") + GENERATED,
     "tools/": ("hwbinder/",),
     "platform/": GENERATED,
+    "platform/binding/": ("hidl/", "android/hidl/"),
+    "platform/socket/": ("hidl/", "android/hidl/base/"),  # names are an object of android.hidl.manager, too
 }
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')
@@ -59,7 +68,7 @@ def broken_rule(root, name, quoted, angled):
         return None if quoted.startswith(tuple(tree)) else f"does not belong to what {room} may include"
     if (root / angled).is_file():
         return "is a file of the tree: in quotes"
-    if angled.startswith(FORBIDDEN.get(room, ())):
+    if any(room.startswith(folder) and angled.startswith(names) for folder, names in FORBIDDEN.items()):
         return f"is nothing that {room} may know"
     if angled in STANDARD or angled.startswith(system):
         return None
@@ -102,6 +111,23 @@ PLANTED = [
     ("service/frame/F.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiTv.h>", True),
     ("chiplayer/sys.h", "<cstdint>", False),
     ("chiplayer/sys.h", "<log/log.h>", True),
+    ("platform/include/hidl/I.h", "<hwbinder/Parcel.h>", False),
+    ("platform/include/hidl/I.h", "<sys/socket.h>", True),
+    ("platform/include/hidl/I.h", '"platform/binding/B.h"', True),
+    ("platform/parcel/P.cpp", "<hwbinder/Parcel.h>", False),
+    ("platform/parcel/P.cpp", '"platform/socket/P.h"', True),
+    ("platform/binding/B.cpp", '"platform/binding/B.h"', False),
+    ("platform/binding/B.cpp", '"platform/socket/P.h"', True),
+    ("platform/binding/B.cpp", "<hidl/Status.h>", True),
+    ("platform/binding/Backend.cpp", '"platform/socket/P.h"', False),
+    ("platform/binding/Backend.cpp", '"platform/hidl/H.h"', True),
+    ("platform/socket/P.cpp", '"platform/hidl/H.h"', True),
+    ("platform/socket/P.cpp", '"platform/hidl/H.h"', True),
+    ("platform/socket/P.cpp", "<hidl/Status.h>", True),
+    ("platform/socket/P.cpp", '"platform/binding/B.h"', False),
+    ("platform/hidl/H.cpp", '"platform/binding/B.h"', False),
+    ("platform/new/N.cpp", '"platform/binding/B.h"', True),
+    ("platform/hidl/H.cpp", '"platform/socket/P.h"', True),
     ("platform/socket/P.h", "<sys/socket.h>", False),
     ("platform/socket/P.h", '"chiplayer/sys.h"', True),
     ("platform/socket/P.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/types.h>", True),
@@ -118,7 +144,8 @@ def self_test():
     for name, included, wrong in PLANTED:
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
-            for file in ["chiplayer/sys.h", "manager/M.h", "platform/socket/P.h", "simulator/S.h", name]:
+            for file in ["chiplayer/sys.h", "manager/M.h", "platform/binding/B.h", "platform/hidl/H.h",
+                         "platform/hidl/H.h", "platform/socket/P.h", "simulator/S.h", name]:
                 (root / file).parent.mkdir(parents=True, exist_ok=True)
                 (root / file).write_text("#pragma once\n")
             with open(root / name, "a", encoding="utf-8") as file:

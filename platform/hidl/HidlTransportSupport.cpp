@@ -4,7 +4,7 @@
 #include <hidl/Static.h>
 #include <log/log.h>
 
-#include "platform/socket/Transport.h"
+#include "platform/binding/Backend.h"
 
 using ::android::hidl::base::V1_0::IBase;
 
@@ -13,11 +13,11 @@ namespace android::hardware {
 void configureRpcThreadpool(size_t maxThreads, bool callerWillJoin) {
     // The packaged log library drops debug lines unless told otherwise; a service decides by its own means.
     __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
-    Transport::self().setMaxThreads(maxThreads, callerWillJoin);
+    Backend::self().setMaxThreads(maxThreads, callerWillJoin);
 }
 
 void joinRpcThreadpool() {
-    Transport::self().joinThreadPool();
+    Backend::self().joinThreadPool();
 }
 
 void hidl_binder_death_recipient::binderDied(const wp<IBinder>& /* who */) {

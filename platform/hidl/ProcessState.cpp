@@ -1,6 +1,6 @@
 #include <hwbinder/ProcessState.h>
 
-#include "platform/socket/Transport.h"
+#include "platform/binding/Backend.h"
 
 namespace android::hardware {
 
@@ -15,7 +15,7 @@ sp<ProcessState> ProcessState::self() {
 }
 
 void ProcessState::startThreadPool() {
-    Transport::self().startThreadPool();
+    Backend::self().startThreadPool();
 }
 
 }  // namespace android::hardware

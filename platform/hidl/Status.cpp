@@ -3,7 +3,7 @@
 #include <hidl/Status.h>
 #include <log/log.h>
 
-#include "platform/hidl/StatusText.h"
+#include "platform/binding/StatusText.h"
 
 namespace android::hardware {
 

@@ -2,8 +2,17 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace android::hardware {
+
+namespace {
+
+constexpr size_t padded8(size_t size) {
+    return (size + 7) & ~size_t{7};
+}
+
+}  // namespace
 
 /** Keeps the first failure. */
 status_t Parcel::fail(status_t status) {
@@ -18,13 +27,13 @@ status_t Parcel::writeInterfaceToken(const char* descriptor) {
 }
 
 bool Parcel::enforceInterface(const char* descriptor) const {
-    const auto* token = reinterpret_cast<const char*>(mInScalars);
-    for (size_t at = mScalarCursor; at < mScalarBytes; ++at, ++descriptor) {
+    const auto* token = reinterpret_cast<const char*>(mReceived.scalars);
+    for (size_t at = mScalarCursor; at < mReceived.scalarBytes; ++at, ++descriptor) {
         if (token[at] != *descriptor) {
             return false;
         }
         if (*descriptor == '\0') {
-            mScalarCursor = at + 1;
+            mScalarCursor = std::min(paddedScalar(at + 1), mReceived.scalarBytes);
             return true;
         }
     }
@@ -32,29 +41,30 @@ bool Parcel::enforceInterface(const char* descriptor) const {
 }
 
 status_t Parcel::writeCString(const char* text) {
-    const size_t length = std::strlen(text);
-    if (length > UINT16_MAX) {
+    const size_t size = std::strlen(text) + 1;
+    if (size - 1 > UINT16_MAX) {
         return fail(BAD_VALUE);
     }
-    uint8_t* place = mScalars.grow(length + 1);
+    uint8_t* place = mScalars.grow(paddedScalar(size));
     if (place == nullptr) {
         return fail(NO_MEMORY);
     }
-    std::memcpy(place, text, length + 1);
+    std::memset(place + paddedScalar(size) - 4, 0, 4);
+    std::memcpy(place, text, size);
     return OK;
 }
 
 const char* Parcel::readCString() const {
-    const size_t left = mScalarBytes - mScalarCursor;
+    const size_t left = mReceived.scalarBytes - mScalarCursor;
     if (left == 0) {
         return nullptr;
     }
-    const char* text = reinterpret_cast<const char*>(mInScalars + mScalarCursor);
+    const char* text = reinterpret_cast<const char*>(mReceived.scalars + mScalarCursor);
     const size_t length = strnlen(text, left);
     if (length == left) {
         return nullptr;
     }
-    mScalarCursor += length + 1;
+    mScalarCursor += std::min(paddedScalar(length + 1), left);
     return text;
 }
 
@@ -67,52 +77,55 @@ status_t Parcel::readBool(bool* value) const {
     return status;
 }
 
-inline status_t Parcel::appendBuffer(const void* data, const BufferEntry& entry, size_t* handle) {
-    *handle = mOutEntries.size();
-    mOutBytes += padded(entry.size);
-    mLongest = std::max<size_t>(mLongest, entry.size);
-    return mOutEntries.push(entry) && mOutMemory.push(data) ? OK : fail(NO_MEMORY);
+inline status_t Parcel::appendPiece(const void* data, size_t size, uint32_t parent, size_t parentOffset,
+                                    size_t* handle) {
+    *handle = mPieces.size();
+    const ParcelPiece piece{static_cast<uint32_t>(size), parent, static_cast<uint32_t>(parentOffset),
+                            static_cast<uint32_t>(mScalars.size())};
+    return mPieces.push(piece) && mMemory.push(data) ? OK : fail(NO_MEMORY);
 }
 
 status_t Parcel::writeBuffer(const void* data, size_t size, size_t* handle) {
-    if (size > kMaxMessageBytes) {
+    if (size > kMaxTransactionBytes) {
         return fail(FAILED_TRANSACTION);
     }
-    return appendBuffer(data, {static_cast<uint32_t>(size), kNoParent, 0, 0}, handle);
+    mBufferBytes += padded8(size);
+    mLongest = std::max(mLongest, size);
+    return appendPiece(data, size, kNoParent, 0, handle);
 }
 
 status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* handle, size_t parentHandle,
                                      size_t parentOffset) {
-    if (size > kMaxMessageBytes) {
+    if (size > kMaxTransactionBytes) {
         return fail(FAILED_TRANSACTION);
     }
-    if (parentHandle >= mOutEntries.size() || mOutEntries[parentHandle].size < sizeof(void*) ||
-        parentOffset > mOutEntries[parentHandle].size - sizeof(void*)) {
+    if (parentHandle >= mPieces.size() || mPieces[parentHandle].parent == kIsObject ||
+        mPieces[parentHandle].size < sizeof(void*) ||
+        parentOffset > mPieces[parentHandle].size - sizeof(void*) || parentOffset % sizeof(void*) != 0) {
         return fail(BAD_VALUE);
     }
-    return appendBuffer(data,
-                        {static_cast<uint32_t>(size), static_cast<uint32_t>(parentHandle),
-                         static_cast<uint32_t>(parentOffset), 0},
-                        handle);
+    mBufferBytes += padded8(size);
+    mLongest = std::max(mLongest, size);
+    return appendPiece(data, size, static_cast<uint32_t>(parentHandle), parentOffset, handle);
 }
 
-inline status_t Parcel::takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
-                                   uint8_t** data) const {
-    if (mBufferCursor >= mEntryCount) {
+inline status_t Parcel::takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
+                                  uint8_t** data) const {
+    if (mPieceCursor >= mReceived.pieceCount) {
         return NOT_ENOUGH_DATA;
     }
-    const BufferEntry& entry = mEntries[mBufferCursor];
-    if (entry.size != size || entry.parent != parent || entry.parentOffset != parentOffset) {
+    const ParcelPiece& piece = mReceived.pieces[mPieceCursor];
+    if (piece.size != size || piece.parent != parent || piece.parentOffset != parentOffset) {
         return BAD_VALUE;
     }
-    *handle = mBufferCursor++;
-    *data = mBytes + entry.offset;
+    *handle = mPieceCursor++;
+    *data = mReceived.base + piece.place;
     return OK;
 }
 
 status_t Parcel::readBuffer(size_t size, size_t* handle, const void** data) const {
     uint8_t* bytes = nullptr;
-    const status_t status = takeBuffer(size, kNoParent, 0, handle, &bytes);
+    const status_t status = takePiece(size, kNoParent, 0, handle, &bytes);
     if (status == OK) {
         *data = bytes;
     }
@@ -121,66 +134,78 @@ status_t Parcel::readBuffer(size_t size, size_t* handle, const void** data) cons
 
 status_t Parcel::readEmbeddedBuffer(size_t size, size_t* handle, size_t parentHandle, size_t parentOffset,
                                     const void** data) const {
-    if (parentHandle >= mBufferCursor) {
+    // A parent is a buffer with room for the pointer: of its children the transport has checked that.
+    if (parentHandle >= mPieceCursor) {
         return BAD_VALUE;
     }
     uint8_t* bytes = nullptr;
     const status_t status =
-            takeBuffer(size, static_cast<uint32_t>(parentHandle), parentOffset, handle, &bytes);
+            takePiece(size, static_cast<uint32_t>(parentHandle), parentOffset, handle, &bytes);
     if (status != OK) {
         return status;
     }
     if (size == 0) {
         bytes = nullptr;
     }
-    std::memcpy(mBytes + mEntries[parentHandle].offset + parentOffset, &bytes, sizeof(bytes));
+    std::memcpy(mReceived.base + mReceived.pieces[parentHandle].place + parentOffset, &bytes, sizeof(bytes));
     *data = bytes;
     return OK;
 }
 
 status_t Parcel::writeStrongBinder(const sp<IBinder>& object) {
-    ObjectSlot slot{};
     if (object != nullptr) {
-        slot.present = 1;
-        mObjects.push_back({mScalars.size(), object});
+        try {
+            mObjects.push_back(object);
+        } catch (const std::bad_alloc&) {
+            return fail(NO_MEMORY);
+        }
     }
-    return writeScalar(slot);
+    size_t handle = 0;
+    return appendPiece(nullptr, object == nullptr ? 0 : 1, kIsObject, 0, &handle);
 }
 
 status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
-    ObjectSlot slot;
-    const status_t status = readScalar(&slot);
-    if (status != OK) {
-        return status;
-    }
     object->clear();
-    if (slot.present == 0) {
+    size_t handle = 0;
+    uint8_t* form = nullptr;
+    if (takePiece(0, kIsObject, 0, &handle, &form) == OK) {
         return OK;
     }
-    return mResolver == nullptr ? INVALID_OPERATION : mResolver->resolve(slot.reference, object);
+    const status_t status = takePiece(1, kIsObject, 0, &handle, &form);
+    return status == OK ? mReceived.objects->takeObject(form, object) : status;
+}
+
+size_t Parcel::transactionBytes() const {
+    // The driver's forms: an object of a transaction takes 24 bytes among the data, a buffer 40, and each but
+    // a null object 8 in the table of them.
+    constexpr size_t kObjectBytes = 24;
+    constexpr size_t kBufferBytes = 40;
+    size_t data = mScalars.size();
+    size_t listed = 0;
+    for (const ParcelPiece& piece : mPieces) {
+        data += piece.parent == kIsObject ? kObjectBytes : kBufferBytes;
+        listed += piece.parent == kIsObject && piece.size == 0 ? 0 : 1;
+    }
+    return padded8(data) + 8 * listed + mBufferBytes;
+}
+
+void Parcel::dropUnread() {
+    for (size_t i = mPieceCursor; i < mReceived.pieceCount; ++i) {
+        const ParcelPiece& piece = mReceived.pieces[i];
+        if (piece.parent == kIsObject && piece.size != 0) {
+            mReceived.objects->dropObject(mReceived.base + piece.place);
+        }
+    }
 }
 
 void Parcel::clear() {
     mScalars.clear();
-    mOutEntries.clear();
-    mOutMemory.clear();
-    mOutBytes = 0;
+    mPieces.clear();
+    mMemory.clear();
+    mBufferBytes = 0;
     mLongest = 0;
     mObjects.clear();
     mError = OK;
-}
-
-void Parcel::receive(Message message, ObjectResolver* resolver, bool tellEnd) {
-    mMessage = std::move(message);
-    mBytes = mMessage.bytes();
-    mEntries = mMessage.entries();
-    mInScalars = mMessage.scalars();
-    mEntryCount = mMessage.header().bufferCount;
-    mScalarBytes = mMessage.header().scalarBytes;
-    mScalarCursor = 0;
-    mBufferCursor = 0;
-    mResolver = resolver;
-    mTellsEnd = tellEnd;
 }
 
 }  // namespace android::hardware

@@ -16,30 +16,40 @@ inline void copyPadded(uint8_t* to, const void* from, size_t size) {
 
 }  // namespace
 
-void Encoder::encode(MessageHeader head) {
+void Encoder::encode(MessageHeader head, const Endpoint* body) {
+    const size_t bodyBytes = body == nullptr ? 0 : body->size();
     head.magic = kMessageMagic;
-    head.totalBytes = sizeof(head);
-    head.scalarBytes = 0;
-    head.bufferCount = 0;
-    head.reserved = 0;
+    head.totalBytes = static_cast<uint32_t>(sizeof(head) + bodyBytes);
+    head.scalarBytes = static_cast<uint32_t>(bodyBytes);
+    head.pieceCount = 0;
+    head.objectCount = 0;
     mStaging.clear();
     mVectors.clear();
-    // Both fit in the inline storage.
-    std::memcpy(mStaging.grow(sizeof(head)), &head, sizeof(head));
-    mVectors.push({mStaging.data(), sizeof(head)});
-    mBytes = sizeof(head);
+    // All fits in the inline storage.
+    uint8_t* const stage = mStaging.grow(head.totalBytes);
+    std::memcpy(stage, &head, sizeof(head));
+    if (body != nullptr) {
+        std::memcpy(stage + sizeof(head), body->data(), bodyBytes);
+    }
+    mBytes = head.totalBytes;
+    mVectors.push({stage, mBytes});
 }
 
-status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter) {
+status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter, size_t most) {
     const auto& scalars = parcel.scalars();
-    const auto& entries = parcel.entries();
+    const auto& pieces = parcel.pieces();
+    const auto& objects = parcel.objects();
     mStaging.clear();
     mVectors.clear();
     if (parcel.error() != OK) {
         return parcel.error();
     }
+    if (parcel.transactionBytes() > most) {
+        return FAILED_TRANSACTION;
+    }
 
-    const size_t scalarsAt = sizeof(head) + entries.size() * sizeof(BufferEntry);
+    const size_t referencesAt = sizeof(head) + pieces.size() * sizeof(ParcelPiece);
+    const size_t scalarsAt = referencesAt + objects.size() * sizeof(ObjectReference);
     const size_t buffersAt = scalarsAt + padded(scalars.size());
     const size_t total = buffersAt + parcel.bufferBytes();
     if (total > kMaxMessageBytes) {
@@ -53,18 +63,18 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
     size_t staged = total;
     size_t gathered = 0;
     if (!allCopied) {
-        if (copied.grow(entries.size()) == nullptr) {
+        if (copied.grow(pieces.size()) == nullptr) {
             return NO_MEMORY;
         }
-        for (size_t i = 0; i < entries.size(); ++i) {
-            copied[i] = entries[i].size <= kCopyBytes;
-            if (entries[i].parent != kNoParent) {
-                copied[entries[i].parent] = true;
+        for (size_t i = 0; i < pieces.size(); ++i) {
+            copied[i] = pieces[i].parent == kIsObject || pieces[i].size <= kCopyBytes;
+            if (pieces[i].parent < i) {
+                copied[pieces[i].parent] = true;
             }
         }
-        for (size_t i = 0; i < entries.size(); ++i) {
+        for (size_t i = 0; i < pieces.size(); ++i) {
             if (!copied[i]) {
-                staged -= entries[i].size;
+                staged -= pieces[i].size;
                 ++gathered;
             }
         }
@@ -73,28 +83,32 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
     head.magic = kMessageMagic;
     head.totalBytes = static_cast<uint32_t>(total);
     head.scalarBytes = static_cast<uint32_t>(scalars.size());
-    head.bufferCount = static_cast<uint32_t>(entries.size());
-    head.reserved = 0;
+    head.pieceCount = static_cast<uint32_t>(pieces.size());
+    head.objectCount = static_cast<uint32_t>(objects.size());
     // The staging area has its final size from here on: the vectors point into it.
     uint8_t* const stage = mStaging.grow(staged);
     InlineVector<uint32_t, 64> places;  // where in the staging area a copied buffer lies
     if (stage == nullptr || mVectors.grow(2 * gathered + 1) == nullptr ||
-        places.grow(entries.size()) == nullptr) {
+        places.grow(pieces.size()) == nullptr) {
         return NO_MEMORY;
     }
     const size_t maxVectors = mVectors.size();
     std::memcpy(stage, &head, sizeof(head));
-    if (!entries.empty()) {
-        std::memcpy(stage + sizeof(head), entries.data(), entries.size() * sizeof(BufferEntry));
-    }
     copyPadded(stage + scalarsAt, scalars.data(), scalars.size());
 
+    uint8_t* table = stage + sizeof(head);
     uint8_t* end = stage + buffersAt;
     uint8_t* run = stage;  // start of the staged bytes that no vector covers yet
     size_t vectors = 0;
-    for (size_t i = 0; i < entries.size(); ++i) {
-        const BufferEntry& entry = entries[i];
-        const size_t size = entry.size;
+    for (size_t i = 0; i < pieces.size(); ++i) {
+        const ParcelPiece& piece = pieces[i];
+        const ParcelPiece sent{piece.size, piece.parent, piece.parentOffset, 0};
+        std::memcpy(table, &sent, sizeof(sent));
+        table += sizeof(sent);
+        if (piece.parent == kIsObject) {
+            continue;
+        }
+        const size_t size = piece.size;
         if (allCopied || copied[i]) {
             places[i] = static_cast<uint32_t>(end - stage);
             copyPadded(end, parcel.memory()[i], size);
@@ -106,8 +120,8 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
             std::memset(end, 0, padded(size) - size);
             end += padded(size) - size;
         }
-        if (entry.parent != kNoParent) {
-            std::memset(stage + places[entry.parent] + entry.parentOffset, 0, sizeof(void*));
+        if (piece.parent != kNoParent) {
+            std::memset(stage + places[piece.parent] + piece.parentOffset, 0, sizeof(void*));
         }
     }
     if (end != run) {
@@ -116,14 +130,13 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
     mBytes = total;
     mVectors.shrink(maxVectors - vectors);
 
-    for (const OutgoingObject& outgoing : parcel.objects()) {
+    for (size_t i = 0; i < objects.size(); ++i) {
         ObjectReference reference;
-        const status_t status = exporter->exportObject(outgoing.object, &reference);
+        const status_t status = exporter->exportObject(objects[i], &reference);
         if (status != OK) {
             return status;
         }
-        std::memcpy(stage + scalarsAt + outgoing.scalarOffset + offsetof(ObjectSlot, reference), &reference,
-                    sizeof(reference));
+        std::memcpy(stage + referencesAt + i * sizeof(reference), &reference, sizeof(reference));
     }
     return OK;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <hwbinder/InlineVector.h>
 #include <hwbinder/Parcel.h>
 
-#include <hwbinder/InlineVector.h>
 #include "platform/socket/Message.h"
 #include "platform/socket/Socket.h"
 
@@ -34,13 +34,15 @@ class Encoder {
      * Lays out head and parcel; magic, lengths and counts of the head are filled in here. Objects are
      * exported once it is certain that the message can be sent.
      *
-     * @return FAILED_TRANSACTION when the message would exceed kMaxMessageBytes, NO_MEMORY, the failure of an
-     * earlier write to the parcel, or the exporter's failure
+     * @param most bytes that the transaction may have
+     * @return FAILED_TRANSACTION when it has more, or the message exceeds kMaxMessageBytes, NO_MEMORY, the
+     * failure of an earlier write to the parcel, or the exporter's failure
      */
-    status_t encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter);
+    status_t encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter,
+                    size_t most = kMaxTransactionBytes);
 
-    /** Lays out a head alone. */
-    void encode(MessageHeader head);
+    /** Lays out a head, alone or with an endpoint as its body. Can not fail. */
+    void encode(MessageHeader head, const Endpoint* body = nullptr);
 
     Gather gather() { return {mVectors.data(), mVectors.size(), mBytes}; }
 

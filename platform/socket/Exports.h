@@ -2,8 +2,10 @@
 
 #include <hwbinder/IBinder.h>
 
+#include <cstdint>
 #include <mutex>
 #include <unordered_map>
+#include <vector>
 
 #include "platform/socket/Message.h"
 
@@ -11,8 +13,13 @@ namespace android::hardware {
 
 /** What one peer holds. Guarded by the lock of the Exports that it is given to. */
 struct Holds {
-    std::unordered_map<uint64_t, uint64_t> counts;  // object number to the references that the peer was sent
-    bool closed = false;                            // the peer is gone: nothing is held for it any more
+    /**
+     * Object number to the references that the peer was given, less those that it gave back. Below zero for a
+     * moment when a reference that a third process handed over is given back before we hear of its being
+     * handed over.
+     */
+    std::unordered_map<uint64_t, int64_t> balances;
+    bool closed = false;  // the peer is gone: nothing is held for it any more
 };
 
 /**
@@ -21,23 +28,24 @@ struct Holds {
  */
 class Exports {
   public:
-    /** Exports for good, for the registry. */
+    /** Exports for good, for the registry; as many pins as calls. May throw std::bad_alloc. */
     void pin(const sp<BHwBinder>& object, uint64_t* number, uint64_t* nonce);
 
-    /** Undoes pin(). */
+    /** Undoes one pin(). */
     void unpin(uint64_t number);
 
-    /** Exports the object for one more reference that a peer is sent. False when the peer is gone. */
+    /** Exports the object for one more reference that a peer is sent. False when the peer is gone. May throw.
+     */
     bool hold(const sp<BHwBinder>& object, Holds* holds, uint64_t* number, uint64_t* nonce);
 
-    /** A peer got the reference elsewhere. False when there is no such object, or no peer. */
-    bool hold(uint64_t number, uint64_t nonce, Holds* holds);
+    /** The peer is handed the reference by a third process. False when there is no such object. May throw. */
+    bool holdFor(uint64_t number, uint64_t nonce, Holds* holds);
 
-    /** How many references to an object a peer holds. */
-    uint64_t heldBy(uint64_t number, const Holds& holds);
-
-    /** A peer dropped count references. False when it holds fewer: then it is left with what it had. */
-    bool release(uint64_t number, uint64_t count, Holds* holds);
+    /**
+     * A peer gave count references back. One that gives back more than it has takes them from its own next
+     * ones, never from another's; of objects that are not there, nothing is kept. May throw when it does so.
+     */
+    void release(uint64_t number, uint64_t count, Holds* holds);
 
     /** A peer is gone, and stays so. */
     void releaseAll(Holds* holds);
@@ -51,13 +59,15 @@ class Exports {
     struct Entry {
         sp<BHwBinder> object;
         uint64_t nonce = 0;
-        uint64_t holds = 0;
-        bool pinned = false;
+        uint64_t pins = 0;
+        uint64_t held = 0;          // balances above zero, of all peers
+        std::vector<Holds*> early;  // those whose balance has been below zero
     };
     using Table = std::unordered_map<uint64_t, Entry>;
 
     Table::iterator entryOf(const sp<BHwBinder>& object);
-    sp<BHwBinder> drop(uint64_t number, uint64_t count);
+    void add(Table::iterator entry, Holds* holds);
+    sp<BHwBinder> dropIfUnused(Table::iterator entry);
 
     std::mutex mLock;
     Table mEntries;

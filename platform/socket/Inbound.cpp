@@ -1,323 +1,207 @@
-#define LOG_TAG "hidl.transport"
-
 #include "platform/socket/Inbound.h"
 
-#include <errno.h>
-#include <log/log.h>
-#include <sched.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
+#include <time.h>
 
-#include <cstdint>
 #include <cstring>
 #include <new>
 
-#include "platform/hidl/StatusText.h"
+#include "platform/socket/Encoder.h"
 #include "platform/socket/Limits.h"
+#include "platform/socket/Pool.h"
 #include "platform/socket/Transport.h"
+#include "platform/socket/Wait.h"
 
 namespace android::hardware {
 
 namespace {
 
-/** Exports the objects of a reply; those of one that can not be sent stay with the peer until it ends. */
-class ReplyExporter final : public ObjectExporter {
-  public:
-    ReplyExporter(Transport& transport, Peer& peer) : mTransport(transport), mPeer(peer) {}
-
-    status_t exportObject(const sp<IBinder>& object, ObjectReference* reference) override {
-        return mTransport.exportTo(mPeer, object, reference);
-    }
-
-  private:
-    Transport& mTransport;
-    Peer& mPeer;
-};
-
-/**
- * Where a thread waits for the next message of a stream of one-way messages: when that comes, it does not
- * push aside the thread that sent it, which is often about to send to other clients, and finds several
- * messages at once. Nobody waits for an answer to them; where a processor is free, it runs at once all the
- * same. The messages themselves are served as always: what their handlers start inherits nothing.
- */
-class StreamWait {
-  public:
-    /** Leaves a thread alone that runs under another policy than the ordinary one. */
-    explicit StreamWait(bool inStream)
-        : mSet(inStream && sched_getscheduler(0) == SCHED_OTHER && setPolicy(SCHED_BATCH)) {}
-    ~StreamWait() {
-        if (mSet) {
-            setPolicy(SCHED_OTHER);
-        }
-    }
-    StreamWait(const StreamWait&) = delete;
-    StreamWait& operator=(const StreamWait&) = delete;
-
-  private:
-    static bool setPolicy(int policy) {
-        const sched_param param{};
-        return sched_setscheduler(0, policy, &param) == 0;
-    }
-
-    const bool mSet;
-};
+int64_t monotonicNanoseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
 
 }  // namespace
 
-Inbound::Inbound(Transport& transport, std::shared_ptr<Peer> peer, UniqueFd fd, bool control)
-    : mTransport(transport),
+Inbound::Inbound(Pool& pool, std::shared_ptr<Peer> peer, UniqueFd fd, bool control)
+    : mPool(pool),
       mPeer(std::move(peer)),
       mFd(std::move(fd)),
       mControl(control),
-      mBlockBytes(control ? kControlBlockBytes : kSmallBlockBytes) {
+      mReader(control ? kControlBlockBytes : kSmallBlockBytes) {
     setWaitLimits(mFd.get(), kLingerMilliseconds);
 }
 
 Inbound::~Inbound() {
-    mPeer->removeInbound(mFd.get(), mControl);
+    if (mBegun) {
+        mPeer->removeInbound(mFd.get(), mControl, mWelcomed);
+    }
+}
+
+const char* Inbound::begin() {
+    const char* const rule = mPeer->addInbound(mFd.get(), mControl);
+    mBegun = rule == nullptr;
+    return rule;
+}
+
+void Inbound::welcome() {
+    mWelcomed = true;
+    if (!mControl) {
+        return;
+    }
+    Encoder encoder;
+    MessageHeader head{};
+    head.kind = MessageKind::Welcome;
+    encoder.encode(head);
+    sendAll(mFd.get(), encoder.gather());  // fits at once, or the peer is gone, which its end will tell
 }
 
 bool Inbound::serve() {
-    mTurns.load(std::memory_order_acquire);
-    bool justServed = false;
-    uint64_t served = 0;
-    int waits = 0;
-    bool inStream = false;
-    while (!mBroken) {
-        if (!flush()) {
-            break;
-        }
+    mTurnBegan = 0;
+    Wait wait(mPool, *this);
+    bool served = false;
+    while (flush()) {
         if (!mOut.empty()) {
-            mTransport.armInbound(this, EPOLLOUT);
+            mPool.arm(this, EPOLLOUT);
             return true;
         }
-        const uint64_t before = served;
-        bool turnOver = false;
-        const char* rule = serveBuffered(&served, &turnOver);
-        if (rule != nullptr) {
-            mPeer->drop(rule);
-            break;
+        const Step step = serveNext();
+        if (step == Step::Ended || mBroken) {
+            return false;
         }
-        if (mBroken || !mOut.empty()) {
+        if (step == Step::Served) {
+            served = true;
+            if (mOut.empty() && isTurnOver()) {
+                // More may be buffered than the kernel knows of: room to write wakes us at once.
+                mPool.arm(this, mReader.hasMore() ? uint32_t{EPOLLIN | EPOLLOUT} : uint32_t{EPOLLIN});
+                return true;
+            }
             continue;
         }
-        if (turnOver) {
-            // More may be buffered than the kernel knows of: room to write wakes us at once.
-            mTransport.armInbound(this, EPOLLIN | EPOLLOUT);
+        size_t size = 0;
+        uint8_t* const space = mReader.space(&size);
+        const ssize_t got = wait.receive(space, size, served);
+        if (got < 0 && wouldBlock(errno)) {
+            mPool.arm(this, EPOLLIN);
             return true;
         }
-        justServed = served > before;
-        const bool wait = justServed && mTransport.mayLinger();
-        if (wait && !inStream && ++waits == kWaitsUntilStream) {
-            inStream = true;
-            mTransport.unwatchInbound(this);
+        if (got <= 0) {
+            return false;
         }
-        const StreamWait policy(wait && inStream && mControl);
-        const Read read = readMore(wait);
-        if (read == Read::End) {
-            break;
-        }
-        if (read == Read::Nothing) {
-            mTransport.armInbound(this, EPOLLIN);
-            return true;
-        }
+        mReader.filled(static_cast<size_t>(got), *mPeer);
+        served = false;
     }
     return false;
 }
 
-Inbound::Read Inbound::readMore(bool wait) {
-    if (mCapacity == 0) {
-        mBlock = allocateBlock(mBlockBytes);
-        mCapacity = mBlock == nullptr ? 0 : mBlockBytes;
+/** Others wait for a thread, and this connection has had one for long enough. */
+bool Inbound::isTurnOver() {
+    if (mPool.hasIdleThread() && !othersWait()) {
+        mTurnBegan = 0;
+        return false;
     }
-    if (mHave == mCapacity) {
-        // A message that has announced its length: the head is checked.
-        MessageHeader head;
-        if (mCapacity != 0) {
-            std::memcpy(&head, mBlock.get(), sizeof(head));
-        }
-        Block larger = mCapacity == 0 ? nullptr : allocateBlock(head.totalBytes);
-        if (larger == nullptr) {
-            mPeer->drop("a message is dropped when there is no memory for it");
-            return Read::End;
-        }
-        std::memcpy(larger.get(), mBlock.get(), mHave);
-        mBlock = std::move(larger);
-        mCapacity = head.totalBytes;
+    const int64_t now = monotonicNanoseconds();
+    if (mTurnBegan == 0) {
+        mTurnBegan = now;
     }
-    const ssize_t got =
-            receiveSome(mFd.get(), mBlock.get() + mHave, mCapacity - mHave, wait ? 0 : MSG_DONTWAIT);
-    if (got > 0) {
-        mHave += static_cast<size_t>(got);
-        return Read::Some;
-    }
-    return got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK) ? Read::Nothing : Read::End;
+    return now - mTurnBegan >= kTurnNanoseconds;
 }
 
-/**
- * Serves the whole messages among what has been read, but no more than kMaxServedInARow while no thread is
- * free for others: then their turn has come, and a message may be left. Null, or the rule that one breaks.
- */
-const char* Inbound::serveBuffered(uint64_t* served, bool* turnOver) {
-    size_t start = 0;
+/** Serves the next message of what has been read. */
+Inbound::Step Inbound::serveNext() {
+    MessageHeader head;
+    uint8_t* bytes = nullptr;
     const char* rule = nullptr;
-    while (rule == nullptr && !mBroken && mOut.empty() && mHave - start >= sizeof(MessageHeader)) {
-        uint8_t* bytes = mBlock.get() + start;
-        MessageHeader head;
-        std::memcpy(&head, bytes, sizeof(head));
-        rule = Message::checkHeader(head);
-        if (rule != nullptr || mHave - start < head.totalBytes) {
-            break;
-        }
-        if (*served >= kMaxServedInARow && !mTransport.mayLinger()) {
-            *turnOver = true;
-            break;
-        }
-        rule = Message::check(bytes);
-        if (rule == nullptr) {
-            rule = serveMessage(head, bytes);
-        }
-        start += head.totalBytes;
-        ++*served;
-    }
-    if (start > 0) {
-        mHave -= start;
-        if (mHave > 0) {
-            std::memmove(mBlock.get(), mBlock.get() + start, mHave);
-        }
-        if (mCapacity > mBlockBytes && mHave <= mBlockBytes) {
-            Block small = allocateBlock(mBlockBytes);
-            if (small != nullptr) {
-                std::memcpy(small.get(), mBlock.get(), mHave);
-                mBlock = std::move(small);
-                mCapacity = mBlockBytes;
+    switch (mReader.next(&head, &bytes, &rule, *mPeer)) {
+        case MessageReader::Found::Nothing:
+            return Step::MoreIsNeeded;
+        case MessageReader::Found::NoMemory:
+            mPeer->complain(head, NO_MEMORY);
+            if (!mControl) {
+                sendStatus(NO_MEMORY);
             }
-        }
+            return Step::Served;
+        case MessageReader::Found::Message:
+            rule = serveMessage(head, bytes);
+            break;
+        case MessageReader::Found::BrokenRule:
+            break;
     }
-    return rule;
+    if (rule == nullptr) {
+        return Step::Served;
+    }
+    mPeer->drop(rule);
+    return Step::Ended;
 }
 
+/** Null, or the rule that it breaks. */
 const char* Inbound::serveMessage(const MessageHeader& head, uint8_t* bytes) {
     if (!mControl) {
         if (head.kind != MessageKind::Call) {
             return "a connection for calls carries calls";
         }
-        serveCall(head, bytes);
+        if (mReader.hasMore()) {
+            runCall(*mPeer, Message(bytes), this);  // its caller does not wait for us alone
+        } else {
+            const ServedCall served(*mPeer, mFd.get());
+            runCall(*mPeer, Message(bytes), this);
+        }
         return nullptr;
     }
-    switch (head.kind) {
-        case MessageKind::OneWay:
-            serveOneWay(head, bytes);
-            return nullptr;
-        case MessageKind::Acquire:
-            // False when its last holder let go meanwhile: calls on it will say so.
-            mTransport.exports().hold(head.object, head.nonce, &mPeer->holds);
-            return nullptr;
-        case MessageKind::Release:
-            return mPeer->release(head.object, head.code);
-        default:
-            return "a connection for one-way messages carries no calls";
-    }
-}
-
-void Inbound::serveCall(const MessageHeader& head, uint8_t* bytes) {
-    mReplied = false;
-    const sp<BHwBinder> object = mTransport.exports().find(head.object, head.nonce);
-    status_t status = DEAD_OBJECT;
-    if (object != nullptr) {
-        Parcel data;
-        Parcel reply;
-        data.receive(Message(bytes), &mPeer->resolver);
-        try {
-            status = object->transact(head.code, data, &reply, 0,
-                                      [this](Parcel& results) { sendReply(results); });
-        } catch (const std::bad_alloc&) {
-            status = NO_MEMORY;
-        }
-        // A stub that answers with an exception status writes it without asking for the reply to be sent.
-        if (status == OK && !mReplied) {
-            if (reply.scalars().empty()) {
-                status = UNKNOWN_TRANSACTION;
-            } else {
-                sendReply(reply);
+    try {
+        switch (head.kind) {
+            case MessageKind::OneWay:
+                runCall(*mPeer, Message(bytes), nullptr);
+                return nullptr;
+            case MessageKind::HandOver: {
+                Endpoint receiver;
+                if (head.scalarBytes != receiver.size()) {
+                    return "a reference is handed over to an endpoint";
+                }
+                std::memcpy(receiver.data(), Message(bytes).scalars(), receiver.size());
+                mPeer->handedOver(head.object, head.nonce, receiver);
+                return nullptr;
             }
+            case MessageKind::Release:
+                mPeer->givenBack({head.object, head.nonce}, head.code);
+                return nullptr;
+            default:
+                return "a connection for one-way messages carries no calls";
         }
-    }
-    if (status != OK) {
-        mPeer->complain(head, status);
-        if (!mReplied) {
-            sendStatus(status);
-        }
-    }
-}
-
-void Inbound::serveOneWay(const MessageHeader& head, uint8_t* bytes) {
-    const sp<BHwBinder> object = mTransport.exports().find(head.object, head.nonce);
-    status_t status = DEAD_OBJECT;
-    if (object != nullptr) {
-        Parcel data;
-        Parcel reply;
-        data.receive(Message(bytes), &mPeer->resolver);
-        try {
-            status = object->transact(head.code, data, &reply, IBinder::FLAG_ONEWAY, [](Parcel&) {});
-        } catch (const std::bad_alloc&) {
-            status = NO_MEMORY;
-        }
-    }
-    if (status != OK) {
-        mPeer->complain(head, status);
+    } catch (const std::bad_alloc&) {
+        mPeer->complain(head, NO_MEMORY);
+        return nullptr;
     }
 }
 
 // Replies.
 
-void Inbound::sendReply(const Parcel& reply) {
-    ReplyExporter exporter(mTransport, *mPeer);
-    Encoder encoder;
-    MessageHeader head{};
-    head.kind = MessageKind::Reply;
-    const status_t status = encoder.encode(head, reply, &exporter);
-    if (status != OK) {
-        ALOGW("no reply to pid %d uid %u: %s", mPeer->credentials.pid, mPeer->credentials.uid,
-              status == FAILED_TRANSACTION ? "the results exceed one message" : statusText(status).c_str());
-        sendStatus(status);
-        return;
-    }
-    send(encoder.gather());
-}
-
-void Inbound::sendStatus(status_t status) {
-    Encoder encoder;
-    MessageHeader head{};
-    head.kind = MessageKind::Reply;
-    head.status = status;
-    encoder.encode(head);
-    send(encoder.gather());
-}
-
-void Inbound::send(Gather gather) {
-    mReplied = true;
+bool Inbound::send(Gather gather) {
     // Waits at most kLingerMilliseconds, and only for results that the socket's buffer can not hold.
-    bool wait = mTransport.mayLinger();
+    const bool wait = mPool.hasIdleThread() && !othersWait();
     while (gather.bytes > 0) {
         const size_t before = gather.bytes;
         const ssize_t sent = sendSome(mFd.get(), &gather, wait ? 0 : MSG_DONTWAIT);
-        if (sent < 0 && errno != EAGAIN && errno != EWOULDBLOCK) {
+        if (sent < 0 && !wouldBlock(errno) && !isLack(errno)) {
             mBroken = true;
-            return;
+            return false;
         }
         if (sent < 0 || gather.bytes == before || (wait && gather.bytes > 0)) {
-            mBroken = !queueReply(gather);
-            return;
+            return queueRest(gather);
         }
     }
+    return true;
 }
 
-bool Inbound::queueReply(Gather rest) {
+/** Keeps what the peer does not take at once; where there is no memory for that, waits for the peer. */
+bool Inbound::queueRest(const Gather& rest) {
     try {
         mOut.reserve(rest.bytes);
     } catch (const std::bad_alloc&) {
-        return false;
+        mBroken = !sendAll(mFd.get(), rest);
+        return !mBroken;
     }
     for (size_t i = 0; i < rest.count; ++i) {
         const auto* bytes = static_cast<const uint8_t*>(rest.vectors[i].iov_base);
@@ -335,7 +219,7 @@ bool Inbound::flush() {
     iovec vector{mOut.data() + mOutStart, mOut.size() - mOutStart};
     Gather gather{&vector, 1, vector.iov_len};
     if (sendSome(mFd.get(), &gather, MSG_DONTWAIT) < 0) {
-        return errno == EAGAIN || errno == EWOULDBLOCK;
+        return wouldBlock(errno) || isLack(errno);
     }
     mOutStart = mOut.size() - gather.bytes;
     if (gather.bytes == 0) {

@@ -1,30 +1,39 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
+#include <mutex>
 #include <vector>
 
-#include "platform/socket/Encoder.h"
+#include "platform/socket/Call.h"
+#include "platform/socket/MessageReader.h"
 #include "platform/socket/Peer.h"
 
 namespace android::hardware {
 
-class Transport;
+class Pool;
 
 /**
  * A connection that a peer has made to us. At any time one thread at most serves it: the one that epoll woke
  * for it, until it arms it again. A slow or silent peer therefore holds no thread: what has come so far, or
  * what has not gone out yet, stays here.
  */
-class Inbound {
+class Inbound final : private Answer {
   public:
-    Inbound(Transport& transport, std::shared_ptr<Peer> peer, UniqueFd fd, bool control);
+    Inbound(Pool& pool, std::shared_ptr<Peer> peer, UniqueFd fd, bool control);
     ~Inbound();
 
+    /** Counts it as one of its peer's. Null, or the rule that it breaks; then it is of no use. */
+    const char* begin();
+    /** There was memory for it. */
+    bool ok() const { return mReader.ok(); }
     int fd() const { return mFd.get(); }
+    /** It carries one-way messages, not calls. */
+    bool isControl() const { return mControl; }
+    Process& process() const { return *mPeer->process(); }
+    std::shared_ptr<Process> sharedProcess() const { return mPeer->sharedProcess(); }
 
-    /** It is in the epoll instance, armed or not. The transport's. */
-    bool watched = false;
+    /** It will be served: of one for one-way messages, the peer is told so, and sends from then on. */
+    void welcome();
 
     /**
      * Serves what can be served now and arms the connection again.
@@ -33,38 +42,46 @@ class Inbound {
      */
     bool serve();
 
-    /** Comes before epoll may wake another thread for it: that thread sees all that this one has done. */
-    void handOver() { mTurns.fetch_add(1, std::memory_order_release); }
+    /** Another thread should have the next turn: no thread is free, or the peer's process has others waiting.
+     */
+    bool othersWait() const { return process().hasParked(); }
 
-    /** Sends a reply, or keeps what the peer does not take at once. */
-    void sendReply(const Parcel& reply);
+    /**
+     * Held while it is armed, and by the thread that epoll has woken for it before it does anything else:
+     * that thread sees all that the one before has done.
+     */
+    std::mutex turn;
+
+    // Of those that keep it, guarded by their locks.
+
+    /** It is in the epoll instance, armed or not. The pool's. */
+    bool watched = false;
+    /** The next that waits for a thread of its process. */
+    Inbound* nextParked = nullptr;
+    /** It has waited, and counts as being served since its turn has come. */
+    bool hasTurn = false;
 
   private:
-    enum class Read { Some, Nothing, End };
+    enum class Step { Served, MoreIsNeeded, Ended };
 
-    Read readMore(bool wait);
-    bool flush();
-    bool queueReply(Gather rest);
-    const char* serveBuffered(uint64_t* served, bool* turnOver);
+    bool send(Gather gather) override;
+    Step serveNext();
     const char* serveMessage(const MessageHeader& head, uint8_t* bytes);
-    void serveCall(const MessageHeader& head, uint8_t* bytes);
-    void serveOneWay(const MessageHeader& head, uint8_t* bytes);
-    void sendStatus(status_t status);
-    void send(Gather gather);
+    bool isTurnOver();
+    bool queueRest(const Gather& rest);
+    bool flush();
 
-    Transport& mTransport;
+    Pool& mPool;
     const std::shared_ptr<Peer> mPeer;
     UniqueFd mFd;
     const bool mControl;
-    const size_t mBlockBytes;  // what a read is offered, unless a message is longer
-    Block mBlock;
-    size_t mCapacity = 0;
-    size_t mHave = 0;
+    MessageReader mReader;
     std::vector<uint8_t> mOut;  // rest of a reply
     size_t mOutStart = 0;
-    std::atomic<uint32_t> mTurns{0};
+    int64_t mTurnBegan = 0;  // since others wait; 0: none do
+    bool mBegun = false;
+    bool mWelcomed = false;
     bool mBroken = false;
-    bool mReplied = false;
 };
 
 }  // namespace android::hardware

@@ -12,7 +12,7 @@ thread_local SizedBlock tSpare;
 
 SizedBlock takeSpareBlock() {
     if (tSpare.capacity > 0) {
-        return {std::move(tSpare.block), std::exchange(tSpare.capacity, 0)};
+        return std::move(tSpare);
     }
     Block block = allocateBlock(kSmallBlockBytes);
     const size_t capacity = block == nullptr ? 0 : kSmallBlockBytes;
@@ -30,43 +30,68 @@ const char* Message::checkHeader(const MessageHeader& header) {
         return "a message begins with the magic number";
     }
     if (header.totalBytes > kMaxMessageBytes) {
-        return "a message is at most 1 MiB long";
+        return "a message carries one transaction at most";
     }
-    if (header.totalBytes < sizeof(MessageHeader) || header.totalBytes % 8 != 0) {
+    if (header.totalBytes < sizeof(MessageHeader) || header.totalBytes % kAlignment != 0) {
         return "a message's length covers its header and is a multiple of 8";
     }
-    const size_t body = header.totalBytes - sizeof(MessageHeader);
-    if (header.bufferCount > body / sizeof(BufferEntry)) {
-        return "the buffer table lies within the message";
+    size_t left = header.totalBytes - sizeof(MessageHeader);
+    if (header.pieceCount > left / sizeof(ParcelPiece)) {
+        return "the table of pieces lies within the message";
     }
-    if (header.scalarBytes > body - header.bufferCount * sizeof(BufferEntry)) {
+    left -= header.pieceCount * sizeof(ParcelPiece);
+    if (header.objectCount > header.pieceCount || header.objectCount > left / sizeof(ObjectReference)) {
+        return "the references lie within the message";
+    }
+    left -= header.objectCount * sizeof(ObjectReference);
+    if (header.scalarBytes > left) {
         return "the scalars lie within the message";
     }
     return nullptr;
 }
 
 const char* Message::check(uint8_t* bytes) {
-    Message message(bytes);
-    // A copy: as a reference it would be read anew after each entry that is written.
+    const Message message(bytes);
+    // A copy: as a reference it would be read anew after each piece that is written.
     const MessageHeader header = message.header();
-    BufferEntry* const entries = message.entries();
-    size_t offset =
-            sizeof(MessageHeader) + header.bufferCount * sizeof(BufferEntry) + padded(header.scalarBytes);
-    for (uint32_t i = 0; i < header.bufferCount; ++i) {
-        BufferEntry& entry = entries[i];
+    ParcelPiece* const pieces = message.pieces();
+    size_t reference = message.referencesAt();
+    const size_t scalars = reference + header.objectCount * sizeof(ObjectReference);
+    size_t buffer = scalars + padded(header.scalarBytes);
+    for (uint32_t i = 0; i < header.pieceCount; ++i) {
+        ParcelPiece& piece = pieces[i];
+        if (piece.parent == kIsObject) {
+            if (piece.size > 1 || piece.parentOffset != 0) {
+                return "an object is one or null";
+            }
+            piece.place = static_cast<uint32_t>(reference);
+            reference += piece.size * sizeof(ObjectReference);
+            if (reference > scalars) {
+                return "every object has its reference";
+            }
+            continue;
+        }
         // A parent comes before its children, so that whatever points was checked before.
-        if (entry.parent != kNoParent && (entry.parent >= i || entries[entry.parent].size < sizeof(void*) ||
-                                          entry.parentOffset > entries[entry.parent].size - sizeof(void*) ||
-                                          entry.parentOffset % 8 != 0)) {
+        if (piece.parent == kNoParent) {
+            if (piece.parentOffset != 0) {
+                return "a buffer without a parent has no place in it";
+            }
+        } else if (piece.parent >= i || pieces[piece.parent].parent == kIsObject ||
+                   pieces[piece.parent].size < sizeof(void*) ||
+                   piece.parentOffset > pieces[piece.parent].size - sizeof(void*) ||
+                   piece.parentOffset % kAlignment != 0) {
             return "a buffer's parent is an earlier buffer with room for the pointer";
         }
-        if (offset > header.totalBytes || entry.size > header.totalBytes - offset) {
+        if (buffer > header.totalBytes || piece.size > header.totalBytes - buffer) {
             return "a buffer lies within the message";
         }
-        entry.offset = static_cast<uint32_t>(offset);
-        offset += padded(entry.size);
+        piece.place = static_cast<uint32_t>(buffer);
+        buffer += padded(piece.size);
     }
-    if (offset != header.totalBytes) {
+    if (reference != scalars) {
+        return "every reference has its object";
+    }
+    if (buffer != header.totalBytes) {
         return "a message ends with its last buffer";
     }
     return nullptr;

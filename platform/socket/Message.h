@@ -1,7 +1,6 @@
 #pragma once
 
-#include <utils/Errors.h>
-#include <utils/StrongPointer.h>
+#include <hwbinder/Parcel.h>
 
 #include <array>
 #include <cstddef>
@@ -11,14 +10,6 @@
 #include <utility>
 
 namespace android::hardware {
-
-class IBinder;
-
-/**
- * Largest message, header and buffers together: the device's limit for one transaction. A longer one is
- * refused where it is written; one that announces more than this costs its sender the connection.
- */
-constexpr size_t kMaxMessageBytes = 1024 * 1024;
 
 /** What a connection's first read is offered, and the size of a block that most messages fit in. */
 constexpr size_t kSmallBlockBytes = 4096;
@@ -31,7 +22,12 @@ struct ObjectReference {
     Endpoint endpoint;
     uint64_t object;
     uint64_t nonce;
+
+    bool operator==(const ObjectReference& other) const {
+        return endpoint == other.endpoint && object == other.object && nonce == other.nonce;
+    }
 };
+static_assert(sizeof(ObjectReference) == 32);
 
 enum class MessageKind : uint32_t {
     HelloCall = 1,  // first on a connection that carries calls; object and nonce hold the sender's endpoint
@@ -39,13 +35,15 @@ enum class MessageKind : uint32_t {
     Call = 3,
     Reply = 4,
     OneWay = 5,
-    Acquire = 6,  // the sender got a reference to the object from a third process
-    Release = 7,  // the sender has dropped code references that it was sent
+    HandOver = 6,  // the sender gives a reference to the object to the process whose endpoint is the body
+    Release = 7,   // the sender has dropped code references that it was sent
+    Welcome = 8,   // answers HelloControl: what is sent from now on will be read
 };
 
 /**
  * Head of every message, in the machine's byte order: both ends run on one machine. After it come, without
- * gaps, the buffer entries, the scalars (padded to 8 bytes) and the buffers (each padded to 8 bytes).
+ * gaps, the pieces, the references of those that are objects, the scalars (padded to 8 bytes) and the buffers
+ * (each padded to 8 bytes). On the wire, a piece's place is 0.
  */
 struct MessageHeader {
     uint32_t magic;
@@ -56,28 +54,19 @@ struct MessageHeader {
     uint64_t nonce;
     int32_t status;        // of a reply: what the call itself came to; the rest is empty unless OK
     uint32_t scalarBytes;  // without the padding
-    uint32_t bufferCount;
-    uint32_t reserved;
+    uint32_t pieceCount;
+    uint32_t objectCount;  // pieces that are objects and not null
 };
 static_assert(sizeof(MessageHeader) == 48);
 
-constexpr uint32_t kMessageMagic = 0x315a5448;  // "HTZ1"
-constexpr uint32_t kNoParent = UINT32_MAX;
+constexpr uint32_t kMessageMagic = 0x325a5448;  // "HTZ2"
 
-struct BufferEntry {
-    uint32_t size;
-    uint32_t parent;        // number of the buffer that points to this one, or kNoParent
-    uint32_t parentOffset;  // where in it the pointer lies
-    uint32_t offset;        // from the start of the block; filled in by the receiver, zero on the wire
-};
-static_assert(sizeof(BufferEntry) == 16);
-
-/** How an object lies among the scalars. */
-struct ObjectSlot {
-    uint64_t present;  // 0: null, the reference is all zero
-    ObjectReference reference;
-};
-static_assert(sizeof(ObjectSlot) == 40);
+/**
+ * Longest message. What a transaction may hold (kMaxTransactionBytes) takes no more than this here, unless it
+ * has thousands of objects: each takes 48 bytes here, and 32 of a transaction. The sender refuses what is
+ * longer; a message that announces more costs its sender the connection.
+ */
+constexpr size_t kMaxMessageBytes = kMaxTransactionBytes + sizeof(MessageHeader) + sizeof(ObjectReference);
 
 /** Scalars and buffers begin at multiples of this. */
 constexpr size_t kAlignment = 8;
@@ -85,25 +74,6 @@ constexpr size_t kAlignment = 8;
 constexpr size_t padded(size_t size) {
     return (size + kAlignment - 1) & ~(kAlignment - 1);
 }
-
-/** An object that waits for being sent, and where its slot lies among the scalars. */
-struct OutgoingObject {
-    size_t scalarOffset;
-    sp<IBinder> object;
-};
-
-/** Makes objects of received references. */
-class ObjectResolver {
-  public:
-    /** @return DEAD_OBJECT when the object's process can not be reached. */
-    virtual status_t resolve(const ObjectReference& reference, sp<IBinder>* object) = 0;
-
-    /** The message whose reader it was given to is read: no reference of it will be asked for any more. */
-    virtual void messageRead() {}
-
-  protected:
-    ~ObjectResolver() = default;
-};
 
 struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
@@ -115,6 +85,15 @@ Block allocateBlock(size_t size);
 
 /** A block and how much it holds. */
 struct SizedBlock {
+    SizedBlock() = default;
+    SizedBlock(Block memory, size_t size) : block(std::move(memory)), capacity(size) {}
+    SizedBlock(SizedBlock&& other) noexcept { *this = std::move(other); }
+    SizedBlock& operator=(SizedBlock&& other) noexcept {
+        std::swap(block, other.block);
+        std::swap(capacity, other.capacity);
+        return *this;
+    }
+
     Block block;
     size_t capacity = 0;
 };
@@ -128,35 +107,30 @@ SizedBlock takeSpareBlock();
 void returnSpareBlock(SizedBlock block);
 constexpr size_t kMaxSpareBytes = 160 * 1024;
 
-/**
- * A received message inside a block whose lengths have been checked. It owns the block or looks into one that
- * outlives it.
- */
+/** Looks into a message whose lengths have been checked. */
 class Message {
   public:
-    Message() = default;
-    /** Looks into bytes that check() has accepted. */
     explicit Message(uint8_t* bytes) : mBytes(bytes) {}
-    explicit Message(Block block) : mBlock{std::move(block), 0}, mBytes(mBlock.block.get()) {}
-    /** The block goes back to the thread that ends the message. */
-    explicit Message(SizedBlock block) : mBlock(std::move(block)), mBytes(mBlock.block.get()) {}
-    Message(Message&& other) noexcept { *this = std::move(other); }
-    Message& operator=(Message&& other) noexcept {
-        std::swap(mBlock, other.mBlock);
-        std::swap(mBytes, other.mBytes);
-        return *this;
-    }
-    ~Message() {
-        if (mBlock.capacity > 0) {
-            returnSpareBlock(std::move(mBlock));
-        }
-    }
 
-    bool empty() const { return mBytes == nullptr; }
     const MessageHeader& header() const { return *reinterpret_cast<const MessageHeader*>(mBytes); }
-    BufferEntry* entries() { return reinterpret_cast<BufferEntry*>(mBytes + sizeof(MessageHeader)); }
-    uint8_t* scalars() { return mBytes + sizeof(MessageHeader) + header().bufferCount * sizeof(BufferEntry); }
-    uint8_t* bytes() { return mBytes; }
+    ParcelPiece* pieces() const { return reinterpret_cast<ParcelPiece*>(mBytes + sizeof(MessageHeader)); }
+    /** Of the objects, in the order of their pieces; 8-aligned. */
+    const ObjectReference* references() const {
+        return reinterpret_cast<const ObjectReference*>(mBytes + referencesAt());
+    }
+    const uint8_t* scalars() const {
+        return mBytes + referencesAt() + header().objectCount * sizeof(ObjectReference);
+    }
+    /** For a parcel that reads it; the caller adds who keeps it. */
+    ReceivedParcel received() const {
+        ReceivedParcel all;
+        all.scalars = scalars();
+        all.scalarBytes = header().scalarBytes;
+        all.pieces = pieces();
+        all.pieceCount = header().pieceCount;
+        all.base = mBytes;
+        return all;
+    }
 
     /**
      * Checks the lengths of a head before anything is allocated for it.
@@ -167,15 +141,16 @@ class Message {
 
     /**
      * Checks a whole message of header.totalBytes bytes, whose head checkHeader() has accepted, and notes in
-     * each entry where its buffer lies.
+     * each piece where it lies.
      *
      * @return null, or the rule that is broken
      */
     static const char* check(uint8_t* bytes);
 
   private:
-    SizedBlock mBlock;
-    uint8_t* mBytes = nullptr;
+    size_t referencesAt() const { return sizeof(MessageHeader) + header().pieceCount * sizeof(ParcelPiece); }
+
+    uint8_t* mBytes;
 };
 
 }  // namespace android::hardware

@@ -3,6 +3,7 @@
 #include <utils/Errors.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
 #include <vector>
 
@@ -11,50 +12,92 @@
 namespace android::hardware {
 
 /**
- * Our connection to a peer for messages without a reply. Sending never waits: what the socket does not take
- * is queued, up to kMaxOneWayQueueBytes, and goes out when the watching epoll instance reports room. Messages
- * keep their order. Any thread.
+ * Our connection to a peer for messages without a reply. Sending never waits: what can not go out at once is
+ * queued, and goes out when the watching epoll instance reports room. Messages keep their order. What waits
+ * for the peer, here or in the kernel, is at most kMaxOneWayBytes, as on the device.
+ *
+ * The peer welcomes a connection before anything is sent on it. One that it refuses, for lack of descriptors
+ * or memory, costs nothing but time: it is opened anew, and what was queued goes out then. Any thread.
  */
 class OneWayChannel {
   public:
-    /** Takes a connected socket that is (about to be) watched for input by the epoll instance. */
-    void open(UniqueFd fd, int epoll);
-    bool isOpen() const { return mOpen.load(std::memory_order_relaxed); }
-    /** It was open, and ends with its peer. */
-    bool isBroken();
+    enum class State {
+        Closed,    // no connection; messages may wait for one
+        Greeting,  // connected, not welcomed yet: messages wait
+        Open,
+        Ended,  // the peer is gone: for good
+    };
+
+    State state() const { return mState.load(std::memory_order_relaxed); }
+
+    /**
+     * Takes a connected socket, on which the caller says hello after this, and has the epoll instance watch
+     * it, under its descriptor as data.
+     *
+     * @return OK; -errno, and no connection, when it can not be watched; DEAD_OBJECT when it has ended
+     */
+    status_t open(UniqueFd fd, int epoll);
 
     /**
      * Sends one message whole or not at all.
      *
-     * @return FAILED_TRANSACTION when the queue has no room for it, DEAD_OBJECT when the peer is gone
+     * @return FAILED_TRANSACTION when too much waits already, NO_MEMORY, DEAD_OBJECT when the peer is gone
      */
     status_t send(Gather message);
 
-    /** Sends what is queued, as far as the socket takes it. */
-    void flush();
+    /**
+     * Waits for the peer's welcome: what is sent after that arrives even if this process ends at once. A peer
+     * that does not give it within that time is not waited for again on this connection.
+     */
+    void awaitWelcome(int milliseconds);
 
-    /** Ends both directions; the watcher sees the end of file. */
-    void shutdown();
+    /** Whether a message of this length would be taken now. */
+    bool hasRoomFor(size_t bytes);
 
-    /** The watcher is done with it. */
+    /** What the watcher learns of a connection. */
+    enum class Event {
+        None,
+        Refused,  // it ended before it was welcomed: to be closed with closeRefused()
+        Lost,     // it ended after that: so has the peer
+    };
+
+    /** The watcher calls it when there is something to read or room to write. */
+    Event update();
+
+    /** The watcher is done with a connection that was refused; another may be opened. */
+    void closeRefused();
+
+    /** Nothing is sent any more. The watcher sees the end of file. */
+    void end();
+
+    /** The watcher is done with it, or the process is. */
     void close();
 
+    /** Descriptor that is being watched, else -1. */
+    int fd();
     size_t queuedBytes();
 
   private:
-    /** @param lags set when the queue has grown enough to let others run before more is sent */
     status_t sendOrQueue(Gather message, bool* lags);
-    bool append(const Gather& rest);
+    bool fits(size_t bytes);
+    bool makeRoom(size_t bytes);
+    void append(const Gather& rest);
+    bool readWelcome();
+    bool flush();
     void watchForRoom(bool wanted);
-    void breakOff();
+    void closeFd();
 
     std::mutex mLock;
+    std::condition_variable mAnswered;  // no longer Greeting
+    bool mAwaited = false;              // in vain
     UniqueFd mFd;
     int mEpoll = -1;
-    bool mBroken = false;
-    std::atomic<bool> mOpen{false};  // it has a descriptor and is not broken; changed under the lock
+    std::atomic<State> mState{State::Closed};  // changed under the lock
     std::vector<uint8_t> mQueue;
     size_t mQueueStart = 0;  // bytes of the queue that are out already
+    size_t mKernelMost = 0;  // what the kernel may hold of ours; 0 while there is no connection
+    MessageHeader mWelcome;  // as far as it has come
+    size_t mWelcomeHave = 0;
 };
 
 }  // namespace android::hardware

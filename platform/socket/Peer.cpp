@@ -2,7 +2,6 @@
 
 #include "platform/socket/Peer.h"
 
-#include <errno.h>
 #include <log/log.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -10,10 +9,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <new>
 #include <thread>
 
-#include "platform/hidl/StatusText.h"
+#include "platform/binding/StatusText.h"
+#include "platform/socket/Call.h"
 #include "platform/socket/Encoder.h"
 #include "platform/socket/Limits.h"
 #include "platform/socket/Transport.h"
@@ -21,44 +23,6 @@
 namespace android::hardware {
 
 namespace {
-
-/** Exports objects for one message, and takes them back if it is not sent. */
-class ExportScope final : public ObjectExporter {
-  public:
-    ExportScope(Transport& transport, Peer& peer) : mTransport(transport), mPeer(peer) {}
-    ~ExportScope() {
-        for (const uint64_t object : mExported) {
-            mTransport.exports().release(object, 1, &mPeer.holds);
-        }
-    }
-
-    status_t exportObject(const sp<IBinder>& object, ObjectReference* reference) override {
-        const status_t status = mTransport.exportTo(mPeer, object, reference);
-        if (status == OK && reference->endpoint == mTransport.endpoint()) {
-            mExported.push_back(reference->object);
-        }
-        return status;
-    }
-
-    void sent() { mExported.clear(); }
-
-  private:
-    Transport& mTransport;
-    Peer& mPeer;
-    std::vector<uint64_t> mExported;
-};
-
-/** The first message on a connection: who we are. It always fits in an empty socket. */
-bool sendHello(int fd, MessageKind kind, const Endpoint& self) {
-    MessageHeader head{};
-    head.kind = kind;
-    std::memcpy(&head.object, self.data(), sizeof(head.object));
-    std::memcpy(&head.nonce, self.data() + sizeof(head.object), sizeof(head.nonce));
-    Encoder encoder;
-    encoder.encode(head);
-    Gather gather = encoder.gather();
-    return sendSome(fd, &gather, MSG_DONTWAIT) > 0 && gather.bytes == 0;
-}
 
 bool endsWithin(pid_t pid, int milliseconds) {
     const UniqueFd process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
@@ -69,177 +33,102 @@ bool endsWithin(pid_t pid, int milliseconds) {
     return poll(&end, 1, milliseconds) > 0;
 }
 
+/** What came of an attempt to connect: nobody is there, or we lack what it takes. */
+status_t failureOf(int error) {
+    return error == ECONNREFUSED || error == EPERM ? DEAD_OBJECT : FAILED_TRANSACTION;
+}
+
 }  // namespace
 
-Peer::~Peer() = default;
+Peer::~Peer() {
+    if (mGeneration != processGeneration()) {
+        return;  // a forked child's copy: the parent's locks may be taken for ever
+    }
+    mTransport.exports().releaseAll(&holds);
+    if (mKeptProcess != nullptr) {
+        mKeptProcess->removeEndpoint();
+    }
+}
 
-status_t Peer::Resolver::resolve(const ObjectReference& reference, sp<IBinder>* object) {
-    return mPeer.mTransport.resolveFrom(mPeer, reference, object);
+const char* Peer::admit(const Credentials& credentials) {
+    std::shared_ptr<Process> process = mTransport.processes().get(credentials);
+    const std::lock_guard<std::mutex> lock(mLock);
+    if (mKeptProcess != nullptr) {
+        const Credentials& known = mKeptProcess->credentials();
+        return known.pid == credentials.pid && known.uid == credentials.uid
+                       ? nullptr
+                       : "an endpoint belongs to one process";
+    }
+    if (!process->addEndpoint()) {
+        return "a process has one endpoint, or a few";
+    }
+    mKeptProcess = std::move(process);
+    mProcess.store(mKeptProcess.get(), std::memory_order_release);
+    return nullptr;
+}
+
+Credentials Peer::credentials() const {
+    const Process* known = process();
+    return known == nullptr ? Credentials{} : known->credentials();
 }
 
 // Calling its objects.
 
-/** Counts a call in progress, until endCall(), and takes a connection for it. */
-status_t Peer::beginCall(CallConnection* connection) {
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        ++mCalls;
-    }
-    const status_t status = borrow(connection);
-    if (status != OK) {
-        endCall();
-    }
-    return status;
-}
-
-void Peer::endCall() {
-    std::unordered_map<uint64_t, uint64_t> releases;
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (--mCalls > 0 || mReleases.empty()) {
-            return;
-        }
-        releases.swap(mReleases);
-    }
-    for (const auto& [object, count] : releases) {
-        // Checked against what it holds when it came.
-        mTransport.exports().release(object, count, &holds);
-    }
-}
-
-const char* Peer::release(uint64_t object, uint64_t count) {
-    constexpr const char* kRule = "a peer releases what it holds";
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (mCalls > 0) {
-            const auto waiting = mReleases.find(object);
-            const uint64_t all = count + (waiting == mReleases.end() ? 0 : waiting->second);
-            if (all < count || mTransport.exports().heldBy(object, holds) < all) {
-                return kRule;
-            }
-            mReleases[object] = all;
-            return nullptr;
-        }
-    }
-    return mTransport.exports().release(object, count, &holds) ? nullptr : kRule;
-}
-
-status_t Peer::borrow(CallConnection* connection) {
-    {
-        std::unique_lock<std::mutex> lock(mLock);
-        mConnectionFree.wait(
-                lock, [this] { return mDead || !mIdle.empty() || mCallConnections < kMaxCallConnections; });
-        if (mDead) {
-            return DEAD_OBJECT;
-        }
-        if (!mIdle.empty()) {
-            // The last one used: its server thread may still be waiting for it.
-            *connection = std::move(mIdle.back());
-            mIdle.pop_back();
-            return OK;
-        }
-        ++mCallConnections;
+/** A new connection before its hello; none, with a status and errno, when there can be none. */
+UniqueFd Peer::connect(status_t* status) {
+    *status = mTransport.listenOnce();
+    if (*status != OK) {
+        errno = -*status;
+        return UniqueFd();
     }
     Credentials who;
-    UniqueFd fd;
-    for (int waited = 0;; ++waited) {
-        fd = connectTo(mEndpoint, &who);
-        if (fd.ok() || errno != EAGAIN || waited >= kConnectPatienceMilliseconds) {
-            break;
+    UniqueFd fd = connectTo(mEndpoint, &who);
+    if (!fd.ok()) {
+        const int error = errno;
+        *status = failureOf(error);
+        if (*status != DEAD_OBJECT && error != EAGAIN && mTransport.complaints().count(credentials()) != 0) {
+            ALOGW("no connection to pid %d: %s", credentials().pid, strerror(error));
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        errno = error;
+        return fd;
     }
-    const int error = errno;
-    if (fd.ok() && mTransport.admit(*this, who) &&
-        sendHello(fd.get(), MessageKind::HelloCall, mTransport.endpoint())) {
-        *connection = {std::move(fd), false};
-        return OK;
+    if (const char* rule = admit(who); rule != nullptr) {
+        if (mTransport.complaints().count(who) != 0) {
+            ALOGW("no connection to pid %d uid %u: it breaks the rule that %s", who.pid, who.uid, rule);
+        }
+        *status = FAILED_TRANSACTION;
+        errno = EPERM;
+        return UniqueFd();
     }
-    discard({});
-    if (!fd.ok() && (error == ECONNREFUSED || error == EPERM)) {
-        markGone();
-        return DEAD_OBJECT;
-    }
-    ALOGW("no connection to pid %d: %s", credentials.pid, strerror(error));
-    return FAILED_TRANSACTION;
+    *status = OK;
+    return fd;
 }
 
-void Peer::giveBack(CallConnection connection) {
-    const std::lock_guard<std::mutex> lock(mLock);
-    if (mDead) {
-        --mCallConnections;
-        return;
+/** The same for calls, with the hello out. */
+UniqueFd Peer::connectForCalls(status_t* status) {
+    UniqueFd fd = connect(status);
+    if (fd.ok() && !mTransport.sendHello(fd.get(), MessageKind::HelloCall)) {
+        *status = FAILED_TRANSACTION;
+        errno = EPIPE;
+        return UniqueFd();
     }
-    mIdle.push_back(std::move(connection));
-    mConnectionFree.notify_one();
-}
-
-void Peer::discard(CallConnection) {
-    const std::lock_guard<std::mutex> lock(mLock);
-    --mCallConnections;
-    mConnectionFree.notify_one();
+    return fd;
 }
 
 /** What a connection that broke during a call tells about the peer. */
-status_t Peer::afterBreak(CallConnection connection) {
-    bool gone = connection.proven;  // a peer that serves us ends a connection only with all of them
-    discard(std::move(connection));
+status_t Peer::afterBreak(bool proven) {
+    bool gone = proven ||
+                mState != State::Alive;  // a peer that serves us ends a connection only with all of them
     if (!gone) {
         Credentials who;
         gone = (!connectTo(mEndpoint, &who).ok() && errno == ECONNREFUSED) ||
-               endsWithin(credentials.pid, kExitPatienceMilliseconds);
+               endsWithin(credentials().pid, kExitPatienceMilliseconds);
     }
-    if (gone) {
-        markGone();
-        return DEAD_OBJECT;
+    if (!gone) {
+        return FAILED_TRANSACTION;
     }
-    return FAILED_TRANSACTION;
-}
-
-status_t Peer::receiveReply(int fd, Message* message) {
-    SizedBlock space = takeSpareBlock();
-    Block& block = space.block;
-    if (block == nullptr) {
-        return NO_MEMORY;
-    }
-    size_t have = 0;
-    while (have < sizeof(MessageHeader)) {
-        const ssize_t got = receiveSome(fd, block.get() + have, space.capacity - have, 0);
-        if (got <= 0) {
-            return DEAD_OBJECT;
-        }
-        have += static_cast<size_t>(got);
-    }
-    MessageHeader head;
-    std::memcpy(&head, block.get(), sizeof(head));
-    const char* rule = Message::checkHeader(head);
-    if (rule == nullptr && (head.kind != MessageKind::Reply || have > head.totalBytes)) {
-        rule = "a call is answered with one reply";
-    }
-    if (rule == nullptr && head.totalBytes > space.capacity) {
-        Block whole = allocateBlock(head.totalBytes);
-        if (whole == nullptr) {
-            return NO_MEMORY;
-        }
-        std::memcpy(whole.get(), block.get(), have);
-        space = {std::move(whole), head.totalBytes};
-    }
-    while (rule == nullptr && have < head.totalBytes) {
-        const ssize_t got = receiveSome(fd, block.get() + have, head.totalBytes - have, MSG_WAITALL);
-        if (got <= 0) {
-            return DEAD_OBJECT;
-        }
-        have += static_cast<size_t>(got);
-    }
-    if (rule == nullptr) {
-        rule = Message::check(block.get());
-    }
-    if (rule != nullptr) {
-        drop(rule);
-        return DEAD_OBJECT;
-    }
-    *message = Message(std::move(space));
-    return OK;
+    noteGone();
+    return DEAD_OBJECT;
 }
 
 status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
@@ -249,55 +138,65 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
             return status;
         }
     }
-    CallConnection connection;
-    status_t status = beginCall(&connection);
-    if (status != OK) {
-        return status;
-    }
-    Message message;
-    status = exchange(head, data, std::move(connection), &message);
-    if (status == OK) {
-        status = message.header().status;
-    }
-    if (status == OK) {
-        reply->receive(std::move(message), &mReplyResolver, true);  // whose end ends the call
-    } else {
-        endCall();
-    }
-    return status;
-}
-
-/** Sends a call and receives its answer, on a connection that is given back or, if it breaks, closed. */
-status_t Peer::exchange(MessageHeader head, const Parcel& data, CallConnection connection, Message* message) {
-    status_t status;
-    {
-        ExportScope objects(mTransport, *this);
-        Encoder encoder;
-        head.kind = MessageKind::Call;
-        status = encoder.encode(head, data, &objects);
+    // A thread of the peer that waits for this one serves its calls.
+    CallConnections::Lease lease;
+    int fd = ServedCall::connectionTo(*this);
+    const bool isNested = fd >= 0;
+    if (!isNested) {
+        const status_t status = borrow(&lease);
         if (status != OK) {
-            giveBack(std::move(connection));
             return status;
         }
-        Gather gather = encoder.gather();
-        while (gather.bytes > 0) {
-            if (sendSome(connection.fd.get(), &gather, 0) < 0) {
-                return afterBreak(std::move(connection));
+        fd = lease.fd();
+    }
+    {
+        SentObjects objects(*this);
+        Encoder encoder;
+        head.kind = MessageKind::Call;
+        const status_t status = encoder.encode(head, data, &objects);
+        if (status != OK) {
+            if (!isNested) {
+                lease.giveBack(lease.isProven());
             }
+            return status;
+        }
+        if (!sendAll(fd, encoder.gather())) {
+            return afterBreak(isNested || lease.isProven());
         }
         objects.sent();
     }
-    status = receiveReply(connection.fd.get(), message);
+    OwnedMessage message;
+    const status_t status = awaitReply(*this, fd, &message);
     if (status == DEAD_OBJECT) {
-        return afterBreak(std::move(connection));
+        return afterBreak(isNested || lease.isProven());
     }
-    if (status != OK) {
-        discard(std::move(connection));  // the rest of the reply is still in it
-        return status;
+    if (!isNested) {
+        lease.giveBack(true);
     }
-    connection.proven = true;
-    giveBack(std::move(connection));
+    if (status != OK || message.head.status != OK) {
+        return status != OK ? status : message.head.status;
+    }
+    readFrom(*this, std::move(message), reply);
     return OK;
+}
+
+status_t Peer::borrow(CallConnections::Lease* lease) {
+    const status_t status = mConnections.borrow(
+            [](void* peer, status_t* why) {
+                auto* const self = static_cast<Peer*>(peer);
+                UniqueFd fd = self->connectForCalls(why);
+                for (int waited = 0; !fd.ok() && errno == EAGAIN && waited < kConnectPatienceMilliseconds;
+                     ++waited) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                    fd = self->connectForCalls(why);
+                }
+                return fd;
+            },
+            this, lease);
+    if (status == DEAD_OBJECT) {
+        noteGone();
+    }
+    return status;
 }
 
 status_t Peer::post(MessageHeader head, const Parcel& data) {
@@ -305,10 +204,13 @@ status_t Peer::post(MessageHeader head, const Parcel& data) {
     if (status != OK) {
         return status;
     }
-    ExportScope objects(mTransport, *this);
+    if (!data.objects().empty() && !mControl.hasRoomFor(data.transactionBytes())) {
+        return FAILED_TRANSACTION;  // before anybody is told of references that would not arrive
+    }
+    SentObjects objects(*this);
     Encoder encoder;
     head.kind = MessageKind::OneWay;
-    status = encoder.encode(head, data, &objects);
+    status = encoder.encode(head, data, &objects, kMaxOneWayBytes);
     if (status == OK) {
         status = mControl.send(encoder.gather());
     }
@@ -319,256 +221,335 @@ status_t Peer::post(MessageHeader head, const Parcel& data) {
 }
 
 status_t Peer::reach() {
-    CallConnection connection;
-    const status_t status = borrow(&connection);
+    CallConnections::Lease lease;
+    const status_t status = borrow(&lease);
     if (status == OK) {
-        giveBack(std::move(connection));
+        lease.giveBack(lease.isProven());
     }
     return status;
 }
 
 status_t Peer::ensureControl() {
-    if (mControl.isOpen()) {
-        return OK;
-    }
-    const std::lock_guard<std::mutex> opening(mControlOpening);
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (mDead) {
+    switch (mControl.state()) {
+        case OneWayChannel::State::Greeting:
+        case OneWayChannel::State::Open:
+            return OK;
+        case OneWayChannel::State::Ended:
             return DEAD_OBJECT;
+        case OneWayChannel::State::Closed:
+            break;
+    }
+    status_t status = OK;
+    {
+        const std::lock_guard<std::mutex> opening(mControlOpening);
+        if (mControl.state() != OneWayChannel::State::Closed) {
+            return mControl.state() == OneWayChannel::State::Ended ? DEAD_OBJECT : OK;
         }
-    }
-    if (mControl.isOpen()) {
-        return OK;
-    }
-    if (mControl.isBroken()) {
-        return DEAD_OBJECT;
-    }
-    Credentials who;
-    UniqueFd fd = connectTo(mEndpoint, &who);
-    if (!fd.ok()) {
-        if (errno == EAGAIN || errno == EMFILE || errno == ENFILE) {
-            ALOGW("no connection to pid %d: %s", credentials.pid, strerror(errno));
-            return FAILED_TRANSACTION;
+        const bool wanted = mWantsControl.exchange(true);
+        UniqueFd fd = connect(&status);
+        if (fd.ok()) {
+            status = mTransport.watchControl(shared_from_this(), std::move(fd));
         }
-        markGone();
-        return DEAD_OBJECT;
+        mWantsControl = wanted || status == OK;
     }
-    if (!mTransport.admit(*this, who) ||
-        !sendHello(fd.get(), MessageKind::HelloControl, mTransport.endpoint()) ||
-        !mTransport.watchControl(shared_from_this(), std::move(fd))) {
-        return FAILED_TRANSACTION;
+    if (status == DEAD_OBJECT) {
+        noteGone();
     }
-    return OK;
+    return status;
 }
 
-// Proxies.
-
-sp<IBinder> Peer::proxyFor(const ObjectReference& reference, uint64_t received) {
-    const std::lock_guard<std::mutex> lock(mLock);
-    Known& known = mProxies[reference.object];
-    sp<Proxy> proxy = known.proxy.promote();
-    if (proxy == nullptr) {
-        proxy = new Proxy(shared_from_this(), reference.object, reference.nonce);
-        // A proxy that is being destroyed at this moment releases what it has counted itself.
-        known = {proxy.get(), proxy, known.received, {}};
+void Peer::reopenControl() {
+    if (mWantsControl && mControl.state() == OneWayChannel::State::Closed) {
+        if (ensureControl() != OK && mState == State::Alive) {
+            mTransport.retryLater();
+        }
     }
-    known.received += received;
-    return proxy;
+    payOwed();
 }
 
-status_t Peer::proxyOf(const ObjectReference& reference, bool sentByPeer, sp<IBinder>* proxy) {
+status_t Peer::watchDeath() {
+    const status_t status = ensureControl();
+    return status == DEAD_OBJECT && mState == State::Draining ? OK : status;
+}
+
+// References to its objects.
+
+status_t Peer::proxyOf(const ObjectReference& reference, uint64_t counted, sp<IBinder>* proxy) {
+    status_t status;
+    try {
+        // Without the connection for one-way messages, what it counts could not be given back.
+        status = counted == 0 ? OK : ensureControl();
+        if (status == OK) {
+            *proxy = mProxies.get(shared_from_this(), {reference.object, reference.nonce}, counted);
+            return *proxy == nullptr ? DEAD_OBJECT : OK;
+        }
+    } catch (const std::bad_alloc&) {
+        status = NO_MEMORY;
+    }
+    giveBack({reference.object, reference.nonce}, counted);
+    return status;
+}
+
+void Peer::forgetProxy(RemoteObject* proxy) {
+    mProxies.forget(proxy);
+    payOwed();
+}
+
+void Peer::giveBack(const ObjectName& object, uint64_t count) {
+    if (count == 0 || mState != State::Alive) {
+        return;
+    }
+    try {
+        mProxies.owe(object, count);
+        mWantsControl = true;
+        if (const status_t status = ensureControl(); status != OK && status != DEAD_OBJECT) {
+            mTransport.retryLater();
+        }
+    } catch (const std::bad_alloc&) {
+        ALOGW("object %llu of pid %d stays held until the process ends: no memory",
+              static_cast<unsigned long long>(object.number), credentials().pid);
+    }
+    payOwed();
+}
+
+void Peer::payOwed() {
+    const std::lock_guard<std::mutex> paying(mPaying);
+    MessageHeader head{};
+    head.kind = MessageKind::Release;
+    ObjectName object;
+    while (mProxies.nextOwed(&object, &head.code)) {
+        head.object = object.number;
+        head.nonce = object.nonce;
+        Encoder encoder;
+        encoder.encode(head);
+        if (const status_t status = mControl.send(encoder.gather()); status != OK) {
+            if (status == NO_MEMORY) {
+                mTransport.retryLater();
+            }
+            return;  // else when there is room again, or never
+        }
+        mProxies.paid(object, head.code);
+    }
+}
+
+status_t Peer::handOver(const RemoteObject& object, const Endpoint& receiver) {
     const status_t status = ensureControl();
     if (status != OK) {
         return status;
     }
-    if (!sentByPeer) {
-        MessageHeader head{};
-        head.kind = MessageKind::Acquire;
-        head.object = reference.object;
-        head.nonce = reference.nonce;
-        Encoder encoder;
-        encoder.encode(head);
-        const status_t told = mControl.send(encoder.gather());
-        if (told != OK) {
-            return told;
+    // We may end as soon as the receiver has the reference: what it says must be out by then.
+    mControl.awaitWelcome(kWelcomePatienceMilliseconds);
+    MessageHeader head{};
+    head.kind = MessageKind::HandOver;
+    head.object = object.name().number;
+    head.nonce = object.name().nonce;
+    Encoder encoder;
+    encoder.encode(head, &receiver);
+    return mControl.send(encoder.gather());
+}
+
+// What it sends.
+
+status_t Peer::takeObject(const uint8_t* form, sp<IBinder>* object) {
+    ObjectReference reference;
+    std::memcpy(&reference, form, sizeof(reference));
+    if (reference.endpoint == mTransport.endpoint()) {
+        *object = mTransport.exports().find(reference.object, reference.nonce);
+        dropObject(form);
+        return *object == nullptr ? NAME_NOT_FOUND : OK;
+    }
+    if (reference.endpoint == mEndpoint) {
+        return proxyOf(reference, 1, object);
+    }
+    std::shared_ptr<Peer> owner;
+    try {
+        owner = mTransport.peerAt(reference.endpoint);
+    } catch (const std::bad_alloc&) {
+        dropObject(form);
+        return NO_MEMORY;
+    }
+    const status_t status = owner->proxyOf(reference, 1, object);
+    mTransport.forgetStranger(std::move(owner));
+    return status;
+}
+
+void Peer::dropObject(const uint8_t* form) {
+    ObjectReference reference;
+    std::memcpy(&reference, form, sizeof(reference));
+    try {
+        if (reference.endpoint == mTransport.endpoint()) {
+            // It was on its way to us; its sender said so before: see handOver().
+            mTransport.exports().release(reference.object, 1, &holds);
+        } else if (reference.endpoint == mEndpoint) {
+            giveBack({reference.object, reference.nonce}, 1);
+        } else {
+            std::shared_ptr<Peer> owner = mTransport.peerAt(reference.endpoint);
+            owner->giveBack({reference.object, reference.nonce}, 1);
+            mTransport.forgetStranger(std::move(owner));
         }
-    }
-    *proxy = proxyFor(reference, 1);
-    return OK;
-}
-
-sp<IBinder> Peer::proxyOfPinned(const ObjectReference& reference) {
-    return proxyFor(reference, 0);
-}
-
-void Peer::forgetProxy(Proxy* proxy) {
-    uint64_t received = 0;
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        const auto known = mProxies.find(proxy->object());
-        // A successor has taken over what its predecessor counted.
-        if (known == mProxies.end() || known->second.address != proxy) {
-            return;
-        }
-        received = known->second.received;
-        mProxies.erase(known);
-    }
-    // The code of a release is 32 bits wide: one message carries at most that many.
-    while (received > 0) {
-        const uint64_t count = std::min<uint64_t>(received, UINT32_MAX);
-        received -= count;
-        MessageHeader head{};
-        head.kind = MessageKind::Release;
-        head.object = proxy->object();
-        head.code = static_cast<uint32_t>(count);
-        Encoder encoder;
-        encoder.encode(head);
-        if (mControl.send(encoder.gather()) == FAILED_TRANSACTION) {
-            drop("a peer reads its one-way messages: there is no room for the release of an object");
-            return;
-        }
+    } catch (const std::bad_alloc&) {
+        ALOGW("an object that pid %d sent stays held until it ends: no memory", credentials().pid);
     }
 }
 
-status_t Peer::link(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient) {
-    status_t status = ensureControl();
-    if (status != OK && status != DEAD_OBJECT) {
-        return status;
+void Peer::givenBack(const ObjectName& object, uint64_t count) {
+    Exports& exports = mTransport.exports();
+    if (exports.find(object.number, object.nonce) != nullptr) {
+        exports.release(object.number, count, &holds);
     }
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (mBuried) {
-            status = DEAD_OBJECT;
-        }
-        mProxies[proxy->object()].links.push_back(recipient);
-    }
-    if (status == DEAD_OBJECT) {
-        mTransport.buryLater(shared_from_this());  // the caller may hold a lock that its recipient takes
-    }
-    return OK;
 }
 
-status_t Peer::unlink(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient) {
-    const std::lock_guard<std::mutex> lock(mLock);
-    auto& links = mProxies[proxy->object()].links;
-    const auto link = std::find(links.rbegin(), links.rend(), recipient);
-    if (link == links.rend()) {
-        return NAME_NOT_FOUND;
+void Peer::handedOver(uint64_t number, uint64_t nonce, const Endpoint& receiver) {
+    Exports& exports = mTransport.exports();
+    if (exports.find(number, nonce) == nullptr) {
+        return;
     }
-    links.erase(std::next(link).base());
-    return OK;
+    if (receiver == mTransport.endpoint() || receiver == mEndpoint) {
+        exports.holdFor(number, nonce, &holds);
+        return;
+    }
+    std::shared_ptr<Peer> peer = mTransport.peerAt(receiver);
+    const status_t status = peer->ensureControl();  // its death ends what it holds
+    if (status == OK) {
+        exports.holdFor(number, nonce, &peer->holds);
+    } else if (status != DEAD_OBJECT) {
+        exports.holdFor(number, nonce, &holds);  // for lack of means: at least as long as the giver lives
+    }
+    mTransport.forgetStranger(std::move(peer));
 }
-
-// Its side.
 
 const char* Peer::addInbound(int fd, bool control) {
     const std::lock_guard<std::mutex> lock(mLock);
-    if (mDead) {
+    if (mState == State::Ended || (mState == State::Draining && mHeardOut)) {
         return "a peer that has ended does not come back";
     }
     if (control && mInboundControl) {
         return "a peer has one connection for one-way messages";
     }
-    if (!control && mInbound.size() >= kMaxCallConnections + (mInboundControl ? 1 : 0)) {
-        return "a peer has a limited number of connections";
+    mInbound.reserve(mInbound.size() + 1);
+    if (!control && !mKeptProcess->addConnection()) {
+        return "a process has a limited number of connections";
     }
     mInboundControl |= control;
-    mInbound.insert(fd);
+    mInbound.push_back(fd);
     return nullptr;
 }
 
-void Peer::removeInbound(int fd, bool control) {
-    bool ended = control;
+void Peer::removeInbound(int fd, bool control, bool welcomed) {
+    bool last;
+    bool draining;
     {
         const std::lock_guard<std::mutex> lock(mLock);
-        mInbound.erase(fd);
-        ended = ended || (mInbound.empty() && mCallConnections == 0 && mProxies.empty());
+        mInbound.erase(std::find(mInbound.begin(), mInbound.end(), fd));
+        if (control) {
+            mInboundControl = false;
+        } else {
+            mKeptProcess->removeConnection();
+        }
+        last = mInbound.empty();
+        draining = mState == State::Draining && mHeardOut;
     }
-    // With its one-way messages all is said; and without any connection nothing would tell us of its end.
-    if (ended && (control || !mControl.isOpen())) {
+    if (last && draining) {
         end();
+    } else if (welcomed && (control || (last && isUnused() && mConnections.areDead()))) {
+        // It closes that connection only with all of them; and with no connection left, nothing else would
+        // tell of its end.
+        noteGone();
     }
 }
 
 void Peer::complain(const MessageHeader& head, status_t status) {
-    constexpr uint32_t kAlwaysLogged = 16;
-    const uint32_t count = ++mComplaints;
-    if (count > kAlwaysLogged && (count & (count - 1)) != 0) {
+    const Credentials who = credentials();
+    const uint32_t count = mTransport.complaints().count(who);
+    if (count == 0) {
         return;
     }
-    ALOGW("refused method %u on object %llu for pid %d uid %u: %s (refusal %u)", head.code,
-          static_cast<unsigned long long>(head.object), credentials.pid, credentials.uid,
-          statusText(status).c_str(), count);
+    try {
+        ALOGW("refused method %u on object %llu for pid %d uid %u: %s (refusal %u)", head.code,
+              static_cast<unsigned long long>(head.object), who.pid, who.uid, statusText(status).c_str(),
+              count);
+    } catch (const std::bad_alloc&) {
+        ALOGW("refused method %u for pid %d uid %u: no memory (refusal %u)", head.code, who.pid, who.uid,
+              count);
+    }
 }
 
 // Its end.
 
-void Peer::markGone() {
-    bool more;
+void Peer::noteGone() {
     {
         const std::lock_guard<std::mutex> lock(mLock);
-        mDead = true;
-        mCallConnections -= mIdle.size();
-        mIdle.clear();
-        more = mInboundControl && !mEnded;
-        mConnectionFree.notify_all();
+        if (mState != State::Alive) {
+            return;
+        }
+        mState = State::Draining;
     }
-    mControl.shutdown();
-    if (!more) {
+    mConnections.end();
+    mControl.end();
+    mTransport.hearOut(*this);
+}
+
+void Peer::heardOut() {
+    bool done;
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        mHeardOut = true;
+        done = mInbound.empty();
+    }
+    if (done) {
         end();
     }
+}
+
+bool Peer::isUnused() {
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (!mInbound.empty()) {
+            return false;
+        }
+    }
+    return mControl.state() == OneWayChannel::State::Closed && !mWantsControl && mProxies.empty();
+}
+
+bool Peer::isAbandoned() {
+    return mConnections.count() > 0 && isUnused() && mConnections.areDead();
+}
+
+void Peer::drop(const char* rule) {
+    const Credentials who = credentials();
+    if (const uint32_t count = mTransport.complaints().count(who); count != 0) {
+        ALOGW("dropped pid %d uid %u: it broke the rule that %s (complaint %u)", who.pid, who.uid, rule,
+              count);
+    }
+    end();
 }
 
 void Peer::end() {
     {
         const std::lock_guard<std::mutex> lock(mLock);
-        if (mEnded) {
+        if (mState == State::Ended) {
             return;
         }
-        mEnded = true;
+        mState = State::Ended;
         for (const int fd : mInbound) {
             ::shutdown(fd, SHUT_RDWR);
         }
     }
-    markGone();
-    mTransport.exports().releaseAll(&holds);
+    const std::shared_ptr<Peer> self = shared_from_this();
+    mConnections.end();
+    mControl.end();
     mTransport.forget(*this);
-}
-
-void Peer::drop(const char* rule) {
-    ALOGW("dropped pid %d uid %u: it broke the rule that %s", credentials.pid, credentials.uid, rule);
-    end();
-}
-
-void Peer::bury() {
-    markGone();
-    std::vector<std::pair<sp<IBinder::DeathRecipient>, wp<IBinder>>> links;
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        mBuried = true;
-        for (auto& [object, known] : mProxies) {
-            for (const auto& link : known.links) {
-                links.emplace_back(link.promote(), known.proxy);
-            }
-            known.links.clear();
-        }
-    }
-    for (const auto& [recipient, proxy] : links) {
-        if (recipient != nullptr) {
-            recipient->binderDied(proxy);
-        }
+    if (!mTransport.pool().bury(self)) {
+        mTransport.retryLater();
     }
 }
 
-// Proxy.
+void Peer::takeLinks(DeathLinks* links) {
+    mProxies.end(links);
+}
 
-status_t Proxy::transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags, TransactCallback) {
-    MessageHeader head{};
-    head.code = code;
-    head.object = mObject;
-    head.nonce = mNonce;
-    return (flags & FLAG_ONEWAY) != 0 ? mPeer->post(head, data) : mPeer->call(head, data, reply);
+void Peer::releaseHeld() {
+    mTransport.exports().releaseAll(&holds);
 }
 
 }  // namespace android::hardware

@@ -3,189 +3,155 @@
 #include <hwbinder/Parcel.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <memory>
 #include <mutex>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
+#include "platform/socket/CallConnections.h"
 #include "platform/socket/Exports.h"
 #include "platform/socket/OneWayChannel.h"
+#include "platform/socket/Process.h"
+#include "platform/socket/ProxyTable.h"
 
 namespace android::hardware {
 
-class Proxy;
 class Transport;
 
 /**
- * One other process: our connections to it, its connections to us, the proxies of its objects and what it
- * holds of ours. It ends once, when the process is seen to be gone or has broken a rule, and stays ended: a
- * process that comes back is another peer, under another endpoint.
+ * Another process under one of its endpoints: our connections to it, its connections to us, the proxies of
+ * its objects and what it holds of ours.
+ *
+ * Its life has three states. It is alive until its process has gone, as its connections tell. Then it is
+ * draining: nothing is sent to it, but what it sent before is still read and served. When that is done, or at
+ * once if it has broken a rule, it has ended: its death is reported, and what it held is released. It stays
+ * ended: a process that comes back is another peer. Our own lack of means ends nobody.
  */
-class Peer : public std::enable_shared_from_this<Peer> {
+class Peer final : public ObjectSource, public std::enable_shared_from_this<Peer> {
   public:
     Peer(Transport& transport, const Endpoint& endpoint) : mTransport(transport), mEndpoint(endpoint) {}
     ~Peer();
 
+    Transport& transport() const { return mTransport; }
     const Endpoint& endpoint() const { return mEndpoint; }
-    /** Filled in by the transport with the first connection, read-only after. */
-    Credentials credentials;
+
+    /**
+     * Notes with a connection, made by either side, whose process it is.
+     *
+     * @return null, or the rule that it breaks
+     */
+    const char* admit(const Credentials& credentials);
+    /** Null before the first connection; the same ever after. */
+    Process* process() const { return mProcess.load(std::memory_order_acquire); }
+    /** The same, for who may outlive the peer. After the first connection. */
+    std::shared_ptr<Process> sharedProcess() const { return mKeptProcess; }
+    /** All zero before the first connection. */
+    Credentials credentials() const;
 
     // Calling its objects.
 
-    /** One two-way call; see IBinder::transact(). */
+    /** One two-way call; see IBinder::transact(). May throw std::bad_alloc, as the next may. */
     status_t call(MessageHeader head, const Parcel& data, Parcel* reply);
     /** One one-way call. */
     status_t post(MessageHeader head, const Parcel& data);
     /** Checks that it can be called, by having a connection for the first call ready. */
     status_t reach();
-    /** Opens the connection on which one-way messages go out and the peer's death is noticed. */
+    /**
+     * Opens the connection on which one-way messages go out and its end is noticed, unless it is open.
+     *
+     * @return DEAD_OBJECT when it is not alive; FAILED_TRANSACTION or -errno for lack of means
+     */
     status_t ensureControl();
+    /** Opens the control connection again if it was refused. */
+    void reopenControl();
+    /** Its death will be noticed and reported; as ensureControl(), but OK while it is draining. */
+    status_t watchDeath();
 
-    // Proxies.
+    // References to its objects.
 
     /**
-     * The proxy of one object of the peer.
+     * The proxy of one of its objects.
      *
-     * @param sentByPeer the peer sent us the reference and counts it; else the peer is told that we have it
+     * @param counted references that it counts for us with this one; given back in any case
      */
-    status_t proxyOf(const ObjectReference& reference, bool sentByPeer, sp<IBinder>* proxy);
-    /** A proxy that was found, but not counted by the peer: of an object that is exported for good. */
-    sp<IBinder> proxyOfPinned(const ObjectReference& reference);
-    void forgetProxy(Proxy* proxy);
-    /** A peer that has ended already is reported to the new link as well, soon after. */
-    status_t link(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient);
-    status_t unlink(Proxy* proxy, const sp<IBinder::DeathRecipient>& recipient);
+    status_t proxyOf(const ObjectReference& reference, uint64_t counted, sp<IBinder>* proxy);
+    void forgetProxy(RemoteObject* proxy);
+    /** Gives back references that nobody will use. */
+    void giveBack(const ObjectName& object, uint64_t count);
+    /** Tells it that another process, or itself, is about to get a reference to one of its objects from us.
+     */
+    status_t handOver(const RemoteObject& object, const Endpoint& receiver);
 
-    // Its side.
+    // What it sends.
 
     /** What it holds of our objects; guarded by the transport's Exports. */
     Holds holds;
+    // Objects in its messages.
+    status_t takeObject(const uint8_t* form, sp<IBinder>* object) override;
+    void dropObject(const uint8_t* form) override;
+    /** It gives back references to an object of ours. Of one that it was told lies about, nothing is kept. */
+    void givenBack(const ObjectName& object, uint64_t count);
+    /** It gives somebody a reference to an object of ours. */
+    void handedOver(uint64_t number, uint64_t nonce, const Endpoint& receiver);
+
     /**
-     * The peer has dropped references that we sent it. While a call of ours to it is in progress they still
-     * count: its answer may be about to bring one of them back.
-     *
-     * @return null, or the rule that it breaks
-     */
-    const char* release(uint64_t object, uint64_t count);
-    /**
-     * Counts a connection that the peer has made.
+     * Counts a connection that it has made.
      *
      * @return null, or the rule that it breaks
      */
     const char* addInbound(int fd, bool control);
-    void removeInbound(int fd, bool control);
-    /** Logs a refused call of the peer; of a flood of them, ever fewer. */
-    void complain(const MessageHeader& head, status_t status);
+    /** @param welcomed it was served: else its end says nothing of the peer */
+    void removeInbound(int fd, bool control, bool welcomed);
 
     // Its end.
 
-    /**
-     * Its process is gone: nothing is sent to it from here on. What it holds, and its connections to us, last
-     * until its one-way messages have been read: it may have sent some just before. Any thread, any number of
-     * times. Links are reported by bury().
-     */
-    void markGone();
+    /** Its process has gone: it is draining from now on. Any thread, any number of times. */
+    void noteGone();
+    /** All connections that it made before it went have been accepted: it ends with the last of them. */
+    void heardOut();
+    bool waitsForHearing() const { return mState == State::Draining && !mHeardOut; }
     /** Ends it for breaking a rule, and says so in the log. */
     void drop(const char* rule);
-    /** Reports its death to every link that has not been told. On the platform thread, without locks. */
-    void bury();
+    /** Nothing is left between us and it but idle connections, all of which it has closed. */
+    bool isAbandoned();
+    void end();
+    /** After its end: gives the links to its objects, which are to be told. Takes no memory. */
+    void takeLinks(DeathLinks* links);
+    /** After that, on a pool thread, as it may run code of anybody's: releases what it held. */
+    void releaseHeld();
+    /** The pool's: who is to be released after it. */
+    std::shared_ptr<Peer> nextToBury;
+
     OneWayChannel& control() { return mControl; }
+    void complain(const MessageHeader& head, status_t status);
 
   private:
-    /** A connection that one call at a time has for itself. */
-    struct CallConnection {
-        UniqueFd fd;
-        bool proven = false;  // a reply has come over it
-    };
-    struct Known {
-        Proxy* address;
-        wp<Proxy> proxy;
-        uint64_t received;  // references that the peer counts for us
-        std::vector<wp<IBinder::DeathRecipient>> links;
-    };
-    class Resolver : public ObjectResolver {
-      public:
-        explicit Resolver(Peer& peer) : mPeer(peer) {}
-        status_t resolve(const ObjectReference& reference, sp<IBinder>* object) override;
+    enum class State { Alive, Draining, Ended };
 
-      protected:
-        ~Resolver() = default;
-        Peer& mPeer;
-    };
-    class RequestResolver final : public Resolver {
-        using Resolver::Resolver;
-    };
-    class ReplyResolver final : public Resolver {
-      public:
-        using Resolver::Resolver;
-        void messageRead() override { mPeer.endCall(); }
-    };
-
-    void end();
-
-    status_t beginCall(CallConnection* connection);
-    void endCall();
-    status_t borrow(CallConnection* connection);
-    void giveBack(CallConnection connection);
-    void discard(CallConnection connection);
-    status_t afterBreak(CallConnection connection);
-    status_t exchange(MessageHeader head, const Parcel& data, CallConnection connection, Message* message);
-    status_t receiveReply(int fd, Message* message);
-    sp<IBinder> proxyFor(const ObjectReference& reference, uint64_t received);
+    UniqueFd connect(status_t* status);
+    UniqueFd connectForCalls(status_t* status);
+    status_t borrow(CallConnections::Lease* lease);
+    status_t afterBreak(bool proven);
+    void payOwed();
+    bool isUnused();
 
     Transport& mTransport;
     const Endpoint mEndpoint;
+    const uint32_t mGeneration = processGeneration();
+
+    CallConnections mConnections;
+    ProxyTable mProxies;
     OneWayChannel mControl;
-    std::mutex mControlOpening;
+    std::mutex mControlOpening;  // nobody waits for a peer, or for code that is not ours, while holding it
+    std::mutex mPaying;          // likewise
 
-    std::mutex mLock;  // guards the rest
-    std::condition_variable mConnectionFree;
-    std::vector<CallConnection> mIdle;
-    size_t mCallConnections = 0;
-    size_t mCalls = 0;                                 // in progress, until their answers are read
-    std::unordered_map<uint64_t, uint64_t> mReleases;  // that wait for them, by object
-    std::unordered_map<uint64_t, Known> mProxies;
-    std::unordered_set<int> mInbound;
+    std::mutex mLock;                       // guards changes of what follows
+    std::shared_ptr<Process> mKeptProcess;  // set once
+    std::atomic<Process*> mProcess{nullptr};
+    std::atomic<State> mState{State::Alive};
+    std::vector<int> mInbound;  // descriptors
     bool mInboundControl = false;
-    bool mDead = false;
-    bool mEnded = false;
-    bool mBuried = false;
-
-    std::atomic<uint32_t> mComplaints{0};
-
-  public:
-    /** Resolves references that this peer sent. */
-    RequestResolver resolver{*this};
-
-  private:
-    ReplyResolver mReplyResolver{*this};
-};
-
-/** An object of another process. */
-class Proxy final : public IBinder {
-  public:
-    Proxy(std::shared_ptr<Peer> peer, uint64_t object, uint64_t nonce)
-        : mPeer(std::move(peer)), mObject(object), mNonce(nonce) {}
-    ~Proxy() override { mPeer->forgetProxy(this); }
-
-    status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
-                      TransactCallback callback) override;
-    status_t linkToDeath(const sp<DeathRecipient>& recipient) override {
-        return mPeer->link(this, recipient);
-    }
-    status_t unlinkToDeath(const sp<DeathRecipient>& recipient) override {
-        return mPeer->unlink(this, recipient);
-    }
-
-    uint64_t object() const { return mObject; }
-    ObjectReference reference() const { return {mPeer->endpoint(), mObject, mNonce}; }
-
-  private:
-    const std::shared_ptr<Peer> mPeer;
-    const uint64_t mObject;
-    const uint64_t mNonce;
+    std::atomic<bool> mHeardOut{false};
+    std::atomic<bool> mWantsControl{false};
 };
 
 }  // namespace android::hardware

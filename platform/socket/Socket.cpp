@@ -1,7 +1,9 @@
 #include "platform/socket/Socket.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <log/log.h>
+#include <poll.h>
 #include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -11,14 +13,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/socket/Limits.h"
+
 namespace android::hardware {
 
 namespace {
 
 constexpr char kNamePrefix[] = "zvttv-hidl/";
-
-// The most connections that may wait for being accepted; the kernel's own limit may be lower.
-constexpr int kBacklog = 4096;
 
 void fillRandom(void* memory, size_t size) {
     // Requests of up to 256 bytes are never cut short.
@@ -37,13 +38,6 @@ socklen_t makeAddress(const Endpoint& endpoint, sockaddr_un* address) {
 }
 
 }  // namespace
-
-void UniqueFd::reset(int fd) {
-    if (mFd >= 0) {
-        close(mFd);
-    }
-    mFd = fd;
-}
 
 Endpoint randomEndpoint() {
     Endpoint endpoint;
@@ -151,6 +145,28 @@ ssize_t sendSome(int fd, Gather* gather, int flags) {
         gather->advance(static_cast<size_t>(sent));
     }
     return sent;
+}
+
+bool sendAll(int fd, Gather gather) {
+    while (gather.bytes > 0) {
+        if (sendSome(fd, &gather, 0) >= 0) {
+            continue;
+        }
+        if (!wouldBlock(errno) && !isLack(errno)) {
+            return false;
+        }
+        if (isLack(errno)) {
+            usleep(1000);
+        }
+        pollfd room{fd, POLLOUT, 0};
+        poll(&room, 1, -1);
+    }
+    return true;
+}
+
+void waitForInput(int fd) {
+    pollfd input{fd, POLLIN, 0};
+    poll(&input, 1, -1);
 }
 
 ssize_t receiveSome(int fd, void* memory, size_t size, int flags) {

@@ -1,38 +1,21 @@
 #pragma once
 
+#include <errno.h>
 #include <sys/types.h>
 #include <sys/uio.h>
 
 #include <cstddef>
 #include <string>
-#include <utility>
 
+#include "platform/binding/UniqueFd.h"
 #include "platform/socket/Message.h"
 
 namespace android::hardware {
 
-/** Owns a descriptor. */
-class UniqueFd {
-  public:
-    UniqueFd() = default;
-    explicit UniqueFd(int fd) : mFd(fd) {}
-    UniqueFd(UniqueFd&& other) noexcept : mFd(other.release()) {}
-    UniqueFd& operator=(UniqueFd&& other) noexcept {
-        reset(other.release());
-        return *this;
-    }
-    ~UniqueFd() { reset(); }
-
-    int get() const { return mFd; }
-    bool ok() const { return mFd >= 0; }
-    int release() { return std::exchange(mFd, -1); }
-    void reset(int fd = -1);
-
-  private:
-    int mFd = -1;
-};
-
-/** Who is at the other end of a connection, as the kernel noted it when the connection was made. */
+/**
+ * Who is at the other end of a connection, as the kernel noted it when the connection was made. A process of
+ * another PID namespace has no number here: its pid is 0.
+ */
 struct Credentials {
     pid_t pid = 0;
     uid_t uid = 0;
@@ -79,6 +62,22 @@ struct Gather {
 
 /** One sendmsg(), repeated when a signal interrupts it. -1 with errno set, else the bytes sent. */
 ssize_t sendSome(int fd, Gather* gather, int flags);
+
+/** Sends all of it, waiting for room however long that takes. False when the connection has ended. */
+bool sendAll(int fd, Gather gather);
+
+/** Waits until there is something to read, an end included, however long that takes. */
+void waitForInput(int fd);
+
+/** A socket operation without MSG_DONTWAIT ran out of time, or one with it would have had to wait. */
+inline bool wouldBlock(int error) {
+    return error == EAGAIN || error == EWOULDBLOCK;
+}
+
+/** The kernel lacks memory for it at this moment: that says nothing of the other end. */
+inline bool isLack(int error) {
+    return error == ENOMEM || error == ENOBUFS;
+}
 
 /** One recv(), repeated when a signal interrupts it. */
 ssize_t receiveSome(int fd, void* memory, size_t size, int flags);

@@ -2,10 +2,12 @@
 
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "platform/socket/Message.h"
+#include "platform/socket/Encoder.h"
 
 /** The parts of a text or sequence in a record as a sender may claim them. */
 struct RawReference {
@@ -15,6 +17,43 @@ struct RawReference {
     uint8_t pad[3];
 };
 static_assert(sizeof(RawReference) == 16);
+
+/** An object that nobody calls. */
+class NoObject : public android::hardware::BHwBinder {
+    android::status_t onTransact(uint32_t, const android::hardware::Parcel&, android::hardware::Parcel*,
+                                 uint32_t, TransactCallback) override {
+        return android::UNKNOWN_TRANSACTION;
+    }
+};
+
+/** Notes what becomes of the objects of messages, by their numbers. */
+struct NotedObjects final : android::hardware::ObjectSource {
+    android::status_t takeObject(const uint8_t* form, android::sp<android::hardware::IBinder>*) override {
+        taken.push_back(number(form));
+        return android::OK;
+    }
+    void dropObject(const uint8_t* form) override { dropped.push_back(number(form)); }
+
+    std::vector<uint64_t> taken;
+    std::vector<uint64_t> dropped;
+
+  private:
+    static uint64_t number(const uint8_t* form) {
+        android::hardware::ObjectReference reference;
+        std::memcpy(&reference, form, sizeof(reference));
+        return reference.object;
+    }
+};
+
+/** The bytes that a socket would carry. */
+inline std::vector<uint8_t> bytesOf(const android::hardware::Gather& gather) {
+    std::vector<uint8_t> bytes;
+    for (size_t i = 0; i < gather.count; ++i) {
+        const auto* first = static_cast<const uint8_t*>(gather.vectors[i].iov_base);
+        bytes.insert(bytes.end(), first, first + gather.vectors[i].iov_len);
+    }
+    return bytes;
+}
 
 /** Bytes of a message, well-formed but for what it is told to get wrong. */
 class MessageBuilder {
@@ -27,15 +66,30 @@ class MessageBuilder {
     template <typename T>
     MessageBuilder& scalar(const T& value) {
         append(mScalars, &value, sizeof(value));
-        return *this;
+        return alignScalars();
     }
     MessageBuilder& text(const char* value) {
         append(mScalars, value, std::strlen(value) + 1);
+        return alignScalars();
+    }
+    /** Bytes among the scalars, without padding. */
+    MessageBuilder& raw(const std::string& bytes) {
+        append(mScalars, bytes.data(), bytes.size());
+        return *this;
+    }
+    /** An object by its number; 0: null. */
+    MessageBuilder& object(uint64_t number) {
+        mPieces.push_back({number == 0 ? 0u : 1u, android::hardware::kIsObject, 0, 0});
+        return number == 0 ? *this : strayReference(number);
+    }
+    /** The reference of an object, which has no piece. */
+    MessageBuilder& strayReference(uint64_t number) {
+        mReferences.push_back({{}, number, 0});
         return *this;
     }
     MessageBuilder& record(const void* data, size_t size, uint32_t parent = android::hardware::kNoParent,
                            uint32_t parentOffset = 0) {
-        mEntries.push_back({static_cast<uint32_t>(size), parent, parentOffset, 0});
+        mPieces.push_back({static_cast<uint32_t>(size), parent, parentOffset, 0});
         append(mBuffers, data, size);
         mBuffers.resize(android::hardware::padded(mBuffers.size()));
         return *this;
@@ -54,8 +108,8 @@ class MessageBuilder {
         mHeadLie = std::move(lie);
         return *this;
     }
-    MessageBuilder& lieInEntry(size_t index, std::function<void(android::hardware::BufferEntry&)> lie) {
-        lie(mEntries[index]);
+    MessageBuilder& lieInPiece(size_t index, std::function<void(android::hardware::ParcelPiece&)> lie) {
+        lie(mPieces[index]);
         return *this;
     }
     /** Bytes that nothing accounts for. */
@@ -66,14 +120,16 @@ class MessageBuilder {
 
     std::vector<uint8_t> bytes() const {
         std::vector<uint8_t> body;
-        append(body, mEntries.data(), mEntries.size() * sizeof(mEntries[0]));
+        append(body, mPieces.data(), mPieces.size() * sizeof(mPieces[0]));
+        append(body, mReferences.data(), mReferences.size() * sizeof(mReferences[0]));
         append(body, mScalars.data(), mScalars.size());
         body.resize(android::hardware::padded(body.size()));
         append(body, mBuffers.data(), mBuffers.size());
         android::hardware::MessageHeader head = mHead;
         head.totalBytes = static_cast<uint32_t>(sizeof(head) + body.size());
         head.scalarBytes = static_cast<uint32_t>(mScalars.size());
-        head.bufferCount = static_cast<uint32_t>(mEntries.size());
+        head.pieceCount = static_cast<uint32_t>(mPieces.size());
+        head.objectCount = static_cast<uint32_t>(mReferences.size());
         if (mHeadLie) {
             mHeadLie(head);
         }
@@ -83,17 +139,27 @@ class MessageBuilder {
         return all;
     }
 
-    /** Copies bytes into a block of their size, and puts them through both checks; *rule is the broken one.
+    /**
+     * Makes a parcel the reader of a message, in a block of its very size.
+     *
+     * @return the rule that it breaks; else null
      */
-    static android::hardware::Message receive(const std::vector<uint8_t>& bytes, const char** rule) {
-        android::hardware::Block block = android::hardware::allocateBlock(bytes.size());
-        std::memcpy(block.get(), bytes.data(), bytes.size());
-        android::hardware::Message message(std::move(block));
-        *rule = android::hardware::Message::checkHeader(message.header());
-        if (*rule == nullptr) {
-            *rule = android::hardware::Message::check(message.bytes());
+    static const char* receive(const std::vector<uint8_t>& all, android::hardware::Parcel* parcel,
+                               std::shared_ptr<android::hardware::ObjectSource> objects = nullptr) {
+        android::hardware::Block block = android::hardware::allocateBlock(all.size());
+        std::memcpy(block.get(), all.data(), all.size());
+        const android::hardware::Message message(block.get());
+        const char* rule = android::hardware::Message::checkHeader(message.header());
+        if (rule == nullptr) {
+            rule = android::hardware::Message::check(block.get());
         }
-        return message;
+        if (rule == nullptr) {
+            android::hardware::ReceivedParcel received = message.received();
+            received.objects = std::move(objects);
+            received.memory = {block.release(), all.size(), [](void* memory, size_t) { std::free(memory); }};
+            parcel->receive(std::move(received));
+        }
+        return rule;
     }
 
   private:
@@ -102,8 +168,14 @@ class MessageBuilder {
         bytes.insert(bytes.end(), first, first + size);
     }
 
+    MessageBuilder& alignScalars() {
+        mScalars.resize((mScalars.size() + 3) / 4 * 4);
+        return *this;
+    }
+
     android::hardware::MessageHeader mHead{};
-    std::vector<android::hardware::BufferEntry> mEntries;
+    std::vector<android::hardware::ParcelPiece> mPieces;
+    std::vector<android::hardware::ObjectReference> mReferences;
     std::vector<uint8_t> mScalars;
     std::vector<uint8_t> mBuffers;
     std::function<void(android::hardware::MessageHeader&)> mHeadLie;

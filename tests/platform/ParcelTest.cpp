@@ -2,9 +2,10 @@
 #include <hidl/HidlTransportSupport.h>
 #include <hwbinder/Parcel.h>
 
+#include <functional>
+#include <new>
 #include <string>
 
-#include "platform/socket/Encoder.h"
 #include "tests/platform/MessageBuilder.h"
 
 namespace android::hardware {
@@ -12,25 +13,7 @@ namespace {
 
 /** Makes a parcel the reader of what was built, which must pass the message's own checks. */
 void receive(const std::vector<uint8_t>& bytes, Parcel* parcel) {
-    const char* rule = nullptr;
-    Message message = MessageBuilder::receive(bytes, &rule);
-    ASSERT_STREQ(rule, nullptr);
-    parcel->receive(std::move(message), nullptr);
-}
-
-/** The bytes that a socket would carry. */
-std::vector<uint8_t> sent(const Parcel& parcel) {
-    Encoder encoder;
-    MessageHeader head{};
-    head.kind = MessageKind::Call;
-    EXPECT_EQ(encoder.encode(head, parcel, nullptr), OK);
-    std::vector<uint8_t> bytes;
-    const Gather gather = encoder.gather();
-    for (size_t i = 0; i < gather.count; ++i) {
-        const auto* first = static_cast<const uint8_t*>(gather.vectors[i].iov_base);
-        bytes.insert(bytes.end(), first, first + gather.vectors[i].iov_len);
-    }
-    return bytes;
+    ASSERT_STREQ(MessageBuilder::receive(bytes, parcel), nullptr);
 }
 
 status_t readText(const Parcel& parcel, const hidl_string** text) {
@@ -69,8 +52,10 @@ TEST(Parcel, WhatIsWrittenIsReadBackInItsOrder) {
         }
     }
 
+    Encoder encoder;
+    ASSERT_EQ(encoder.encode({}, out, nullptr), OK);
     Parcel in;
-    receive(sent(out), &in);
+    receive(bytesOf(encoder.gather()), &in);
     int8_t s8 = 0;
     uint64_t u64 = 0;
     double real = 0;
@@ -205,12 +190,12 @@ TEST(Parcel, ScalarsAndTextsEndWhereTheMessagesScalarsEnd) {
     const std::string tail(16, '\1');
     const Case cases[] = {
             {"nothing", MessageBuilder().buffer(tail), false, false},
-            {"seven bytes", MessageBuilder().scalar<uint32_t>(~0u).scalar<uint16_t>(~0).scalar<uint8_t>(~0),
-             false, false},
+            {"seven bytes", MessageBuilder().raw("\377\377\377\377\377\377\377"), false, false},
             {"eight without a NUL", MessageBuilder().scalar(uint64_t{0x4141414141414141}).buffer(tail), false,
              true},
             {"seven and a NUL", MessageBuilder().text("1234567").buffer(tail), true, true},
             {"an empty text", MessageBuilder().text("").buffer(tail), true, false},
+            {"a text cut short of its padding", MessageBuilder().raw({"12345", 6}), true, false},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.name);
@@ -218,8 +203,9 @@ TEST(Parcel, ScalarsAndTextsEndWhereTheMessagesScalarsEnd) {
         receive(each.message.bytes(), &parcel);
         uint64_t number = 0;
         EXPECT_EQ(parcel.readUint64(&number), each.hasNumber ? OK : NOT_ENOUGH_DATA);
-        receive(each.message.bytes(), &parcel);
-        EXPECT_EQ(parcel.readCString() != nullptr, each.hasText);
+        Parcel again;
+        receive(each.message.bytes(), &again);
+        EXPECT_EQ(again.readCString() != nullptr, each.hasText);
     }
 }
 
@@ -228,6 +214,129 @@ TEST(Parcel, OnlyTheExactInterfaceNameIsTheCallsInterface) {
         Parcel parcel;
         receive(MessageBuilder().text(name).bytes(), &parcel);
         EXPECT_EQ(parcel.enforceInterface("a@1.0::IA"), std::string(name) == "a@1.0::IA") << name;
+    }
+}
+
+TEST(Parcel, AnUnreadObjectIsGivenUpOnceAndTheMemoryIsKeptUntilThen) {
+    using Numbers = std::vector<uint64_t>;
+    struct Case {
+        int reads;
+        Numbers taken, dropped;
+    };
+    for (const auto& [reads, taken, dropped] :
+         {Case{0, {}, {1, 2, 3}}, Case{1, {1}, {2, 3}}, Case{2, {1}, {2, 3}}, Case{4, {1, 2, 3}, {}}}) {
+        SCOPED_TRACE(reads);
+        const std::vector<uint8_t> bytes =
+                MessageBuilder().object(1).object(0).object(2).object(3).buffer("last").bytes();
+        static int sReleased;
+        sReleased = 0;
+        const auto objects = std::make_shared<NotedObjects>();
+        {
+            std::vector<uint8_t> block(bytes);
+            ASSERT_STREQ(Message::check(block.data()), nullptr);
+            ReceivedParcel received = Message(block.data()).received();
+            received.objects = objects;
+            received.memory = {nullptr, 0, [](void*, size_t) { ++sReleased; }};
+            Parcel parcel;
+            parcel.receive(std::move(received));
+            sp<IBinder> object;
+            size_t handle = 0;
+            const void* data = nullptr;
+            for (int i = 0; i < reads; ++i) {
+                EXPECT_NE(parcel.readBuffer(4, &handle, &data), OK) << "an object is no buffer";
+                EXPECT_EQ(parcel.readNullableStrongBinder(&object), OK);
+            }
+            EXPECT_TRUE(reads < 4 || parcel.readNullableStrongBinder(&object) != OK) << "nor the reverse";
+            EXPECT_EQ(sReleased, 0);
+        }
+        EXPECT_EQ(sReleased, 1);
+        EXPECT_EQ(objects->taken, taken);
+        EXPECT_EQ(objects->dropped, dropped);
+    }
+}
+
+TEST(Parcel, ScalarsLieAsOnTheDevice) {
+    struct Case {
+        const char* name;
+        std::function<status_t(Parcel&)> write;
+        std::string expected;
+    };
+    const Case cases[] = {
+            {"one byte", [](Parcel& p) { return p.writeInt8(-1); }, {"\377\0\0\0", 4}},
+            {"truth", [](Parcel& p) { return p.writeBool(true); }, {"\1\0\0\0", 4}},
+            {"two bytes", [](Parcel& p) { return p.writeUint16(0x0201); }, {"\1\2\0\0", 4}},
+            {"four bytes", [](Parcel& p) { return p.writeUint32(0x04030201); }, "\1\2\3\4"},
+            {"eight bytes", [](Parcel& p) { return p.writeUint64(0x0807060504030201); }, "\1\2\3\4\5\6\7\10"},
+            {"a name", [](Parcel& p) { return p.writeInterfaceToken("a@1::I"); }, {"a@1::I\0\0", 8}},
+            {"a text of a word", [](Parcel& p) { return p.writeCString("1234"); }, {"1234\0\0\0\0", 8}},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        alignas(Parcel) uint8_t memory[sizeof(Parcel)];
+        std::memset(memory, 0xA5, sizeof(memory));  // what lay there before must not travel
+        auto* const parcel = new (memory) Parcel;
+        EXPECT_EQ(each.write(*parcel), OK);
+        EXPECT_EQ(std::string(parcel->scalars().begin(), parcel->scalars().end()), each.expected);
+        parcel->~Parcel();
+    }
+}
+
+TEST(Parcel, ABuffersPlaceInItsParentIsCheckedWhenItIsWritten) {
+    struct Case {
+        size_t parent, offset;
+        status_t expected;
+    };
+    for (const auto& [parent, offset, expected] :
+         {Case{0, 0, OK}, Case{0, 8, OK}, Case{0, 9, BAD_VALUE}, Case{0, SIZE_MAX - 7, BAD_VALUE},
+          Case{0, 4, BAD_VALUE}, Case{1, 0, BAD_VALUE}, Case{2, 0, BAD_VALUE}, Case{3, 0, BAD_VALUE}}) {
+        Parcel parcel;
+        const char bytes[16] = {};
+        size_t handle = 0;
+        ASSERT_TRUE(parcel.writeBuffer(bytes, 16, &handle) == OK &&
+                    parcel.writeBuffer(bytes, 7, &handle) == OK && parcel.writeStrongBinder(nullptr) == OK);
+        EXPECT_EQ(parcel.writeEmbeddedBuffer(bytes, 16, &handle, parent, offset), expected)
+                << parent << " " << offset;
+        Encoder encoder;
+        EXPECT_EQ(encoder.encode({}, parcel, nullptr), expected) << "nobody looked at the write";
+    }
+}
+
+TEST(Parcel, ATransactionTakesWhatItTakesOnTheDevice) {
+    const hidl_string text = "hello";
+    const auto writeText = [&](Parcel& parcel) {
+        size_t handle = 0;
+        parcel.writeBuffer(&text, sizeof(text), &handle);
+        writeEmbeddedToParcel(text, &parcel, handle, 0);
+    };
+    struct Case {
+        const char* name;
+        std::function<void(Parcel&)> write;
+        size_t bytes;
+    };
+    const Case cases[] = {
+            {"nothing", [](Parcel&) {}, 0},
+            {"a number", [](Parcel& p) { p.writeInt32(1); }, 8},
+            {"a text", writeText, 2 * 40 + 2 * 8 + 16 + 8},
+            {"a name, a byte and a text",
+             [&](Parcel& p) {
+                 p.writeInterfaceToken("a@1.0::IA");
+                 p.writeInt8(1);
+                 writeText(p);
+             },
+             (12 + 4 + 2 * 40) + 2 * 8 + 16 + 8},
+            {"a null object", [](Parcel& p) { p.writeStrongBinder(nullptr); }, 24},
+            {"a number and objects",
+             [](Parcel& p) {
+                 p.writeInt32(1);
+                 p.writeStrongBinder(new NoObject);
+                 p.writeStrongBinder(nullptr);
+             },
+             56 + 8},
+    };
+    for (const Case& each : cases) {
+        Parcel parcel;
+        each.write(parcel);
+        EXPECT_EQ(parcel.transactionBytes(), each.bytes) << each.name;
     }
 }
 

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
+#include <sched.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/prctl.h>
@@ -15,7 +16,6 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <mutex>
 #include <thread>
 
@@ -23,6 +23,7 @@
 #include "platform/socket/Registry.h"
 #include "platform/socket/Socket.h"
 #include "tests/support/Descriptors.h"
+#include "tests/support/Eventually.h"
 
 namespace {
 
@@ -41,20 +42,13 @@ using zvttv::test::probe::V1_0::IProbe;
 using zvttv::test::probe::V1_0::IProbeListener;
 using zvttv::test::probe::V1_0::Leaf;
 
-bool eventually(const std::function<bool()>& condition) {
-    for (int i = 0; i < 2000; ++i) {
-        if (condition()) {
-            return true;
-        }
-        std::this_thread::sleep_for(5ms);
-    }
-    return false;
-}
-
 // The server's side.
 
 class Probe : public IProbe {
   public:
+    Probe() { ++sLiving; }
+    ~Probe() override { --sLiving; }
+
     Return<void> mirror(const Everything& value, bool flag, const hidl_vec<Leaf>& leaves,
                         mirror_cb _hidl_cb) override {
         _hidl_cb(value, flag, leaves);
@@ -112,19 +106,61 @@ class Probe : public IProbe {
         return Void();
     }
 
+    Return<void> note(uint32_t number) override {
+        if (number == mRecipient->notes) {
+            ++mRecipient->notes;
+        }
+        return Void();
+    }
+    Return<void> notes(notes_cb _hidl_cb) override {
+        const std::lock_guard<std::mutex> lock(mRecipient->lock);
+        _hidl_cb(mRecipient->notes, mRecipient->notesAtDeaths);
+        return Void();
+    }
+    Return<void> sleep(uint32_t milliseconds) override {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        return Void();
+    }
+    Return<bool> keep(const sp<IProbe>& probe) override {
+        const std::lock_guard<std::mutex> lock(mLock);
+        mKept = probe;
+        return true;
+    }
+    Return<bool> useKept() override {
+        const std::lock_guard<std::mutex> lock(mLock);
+        return mKept != nullptr && mKept->sleep(0).isOk();
+    }
+    Return<void> dropKept() override {
+        const std::lock_guard<std::mutex> lock(mLock);
+        mKept.clear();
+        return Void();
+    }
+    Return<sp<IProbe>> child() override { return sp<IProbe>(new Probe); }
+    Return<uint32_t> living() override { return sLiving.load(); }
+    Return<bool> enrol(const hidl_string& name, bool itself) override {
+        const sp<IProbe> probe = itself ? sp<IProbe>(this) : new Probe;
+        return probe->registerAsService(name) == android::OK;
+    }
+
   private:
     struct Recipient : hidl_death_recipient {
         void serviceDied(uint64_t cookie, const wp<IBase>&) override {
             const std::lock_guard<std::mutex> guard(lock);
             cookies.push_back(cookie);
+            notesAtDeaths.push_back(notes);
         }
         std::mutex lock;
         std::vector<uint64_t> cookies;
+        std::vector<uint32_t> notesAtDeaths;
+        std::atomic<uint32_t> notes{0};  // in order
     };
+
+    static inline std::atomic<uint32_t> sLiving{0};
 
     std::mutex mLock;
     std::vector<std::pair<uint64_t, sp<IProbeListener>>> mListeners;
     uint64_t mListened = 0;
+    sp<IProbe> mKept;
     const sp<Recipient> mRecipient = new Recipient;
 };
 
@@ -150,14 +186,14 @@ class Listener : public IProbeListener {
     uint32_t mRound = UINT32_MAX;
 };
 
-int playServer(bool fewDescriptors) {
+int playServer(const std::string& name, bool fewDescriptors, size_t threads) {
     if (fewDescriptors) {
-        const rlimit limit{48, 48};
+        const rlimit limit{48, 1024};
         setrlimit(RLIMIT_NOFILE, &limit);
     }
-    android::hardware::configureRpcThreadpool(4, true);
+    android::hardware::configureRpcThreadpool(threads, true);
     const sp<IProbe> probe = new Probe;
-    const int status = probe->registerAsService("default");
+    const int status = probe->registerAsService(name);
     dprintf(STDOUT_FILENO, "%c", status == 0 ? 'r' : 'f');
     if (status != 0) {
         return 1;
@@ -183,6 +219,71 @@ int playCaller() {
     const sp<IProbe> probe = IProbe::getService();
     const Return<void> result = probe->blob(100000, [](const hidl_vec<uint8_t>&) {});
     return result.isOk() ? 0 : 1;
+}
+
+/** Hands a child of the server's to the keeper, and ends at once. */
+int playGiver() {
+    const sp<IProbe> keeper = IProbe::getService("keeper");
+    const sp<IProbe> child = IProbe::getService()->child().withDefault(nullptr);
+    _exit(keeper->keep(child).withDefault(false) ? 0 : 1);
+}
+
+/** So many notes fit in a socket's buffer: they are out when the process that posted them is killed. */
+constexpr uint32_t kNotes = 200;
+
+/** Stops once its first note has come, then posts the others, and waits to be killed. */
+int playPoster() {
+    android::hardware::configureRpcThreadpool(1, false);
+    const sp<IProbe> probe = IProbe::getService();
+    bool sent = probe->listen(new Listener).withDefault(false);
+    for (uint32_t i = 0; i < kNotes; ++i) {
+        sent = probe->note(i).isOk() && sent;
+        if (i == 0) {
+            sent = eventually([&] {
+                       uint32_t noted = 0;
+                       const Return<void> asked =
+                               probe->notes([&](uint32_t count, const auto&) { noted = count; });
+                       return asked.isOk() && noted == 1;
+                   }) &&
+                   sent;
+            raise(SIGSTOP);
+        }
+    }
+    dprintf(STDOUT_FILENO, "%c", sent ? 'r' : 'f');
+    pause();
+    return 0;
+}
+
+/** As many slow calls as there are connections. */
+int playHog() {
+    const sp<IProbe> probe = IProbe::getService();
+    std::vector<std::thread> threads;
+    std::atomic<int> failed{0};
+    for (int i = 0; i < 16; ++i) {
+        threads.emplace_back([&] { failed += probe->sleep(300).isOk() ? 0 : 1; });
+    }
+    dprintf(STDOUT_FILENO, "r");
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    return failed;
+}
+
+/** Calls in a loop on as many connections as there may be. */
+int playLooper() {
+    const sp<IProbe> probe = IProbe::getService();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 16; ++i) {
+        threads.emplace_back([&] {
+            while (probe->sleep(0).isOk()) {
+            }
+        });
+    }
+    dprintf(STDOUT_FILENO, "r");
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    return 0;
 }
 
 // The test's side.
@@ -443,6 +544,230 @@ TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
             << "and others again once there is room";
 }
 
+TEST_F(ProcessTest, AReferenceOutlivesTheProcessThatHandedItOn) {
+    const sp<IProbe> probe = start();
+    Player keeper("keeper");
+    ASSERT_EQ('r', keeper.word());
+    const sp<IProbe> toKeeper = IProbe::getService("keeper");
+    for (int i = 0; i < 30; ++i) {
+        ASSERT_EQ(0, Player("giver").wait());
+        ASSERT_TRUE(toKeeper->useKept().withDefault(false)) << i;
+    }
+    EXPECT_TRUE(eventually([&] { return probe->living() == 2u; })) << probe->living();
+    EXPECT_TRUE(toKeeper->useKept().withDefault(false));
+    EXPECT_TRUE(toKeeper->dropKept().isOk());
+    EXPECT_TRUE(eventually([&] { return probe->living() == 1u; }));
+}
+
+TEST_F(ProcessTest, ASecondRegistrationLeavesTheFirstIntact) {
+    const sp<IProbe> probe = start();
+    Player keeper("keeper");
+    ASSERT_EQ('r', keeper.word());
+    for (const char* name : {"default", "second", "second", "keeper"}) {
+        const bool taken = std::string(name) == "keeper";
+        for (const bool itself : {true, false}) {
+            const Return<bool> enrolled = probe->enrol(name, itself);
+            ASSERT_TRUE(enrolled.isOk());
+            EXPECT_TRUE(!taken || !enrolled) << name;
+            for (const char* each : {"default", "keeper"}) {
+                const sp<IProbe> found = IProbe::tryGetService(each);
+                EXPECT_TRUE(found != nullptr && found->sleep(0).isOk()) << name << " " << each;
+            }
+        }
+    }
+    EXPECT_TRUE(probe->sleep(0).isOk());
+    EXPECT_TRUE(IProbe::tryGetService("second")->sleep(0).isOk());
+}
+
+TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
+    const sp<IProbe> probe = start();
+    Player poster("poster");
+    ASSERT_EQ(poster.pid(), waitpid(poster.pid(), nullptr, WUNTRACED));
+    server().signal(SIGSTOP);
+    poster.signal(SIGCONT);
+    EXPECT_EQ('r', poster.word());
+    poster.kill(SIGKILL);
+    server().signal(SIGCONT);
+    ASSERT_TRUE(eventually([&] { return deathsOf(probe).size() == 1; }));
+    EXPECT_TRUE(probe->notes([](uint32_t count, const hidl_vec<uint32_t>& atDeaths) {
+                         EXPECT_EQ(kNotes, count);
+                         EXPECT_EQ((std::vector<uint32_t>{kNotes}), std::vector<uint32_t>(atDeaths));
+                     }).isOk());
+}
+
+TEST_F(ProcessTest, OneProcessLeavesThreadsToOthers) {
+    const sp<IProbe> probe = start("large-server");
+    for (const char* role : {"hog", "looper"}) {
+        Player busy(role);
+        ASSERT_EQ('r', busy.word());
+        EXPECT_TRUE(eventually([&] {
+            return std::distance(std::filesystem::directory_iterator(
+                                         "/proc/" + std::to_string(server().pid()) + "/task"),
+                                 std::filesystem::directory_iterator()) >= 8;
+        })) << "it has what it may have";
+        const auto begin = std::chrono::steady_clock::now();
+        for (int i = 0; i < 10; ++i) {
+            EXPECT_TRUE(probe->sleep(0).isOk());
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 250ms) << role;
+        if (role == std::string("hog")) {
+            EXPECT_EQ(0, busy.wait()) << "its calls are served in turn";
+        }
+    }
+}
+
+TEST_F(ProcessTest, AClientOfAServiceThatRestartsGathersNothing) {
+    size_t before = 0;
+    for (int i = 0; i < 21; ++i) {
+        sp<IProbe> probe = start();
+        ASSERT_TRUE(probe->sleep(0).isOk());
+        probe.clear();
+        mServer.clear();
+        before = i == 0 ? openDescriptors(getpid()) : before;
+    }
+    EXPECT_LE(openDescriptors(getpid()), before + 1);
+}
+
+TEST_F(ProcessTest, AServiceThatDiedMayBeLetGoInItsResultCallback) {
+    for (int i = 0; i < 10; ++i) {
+        sp<IProbe> probe = start();
+        bool called = false;
+        const Return<void> result = probe->blob(100, [&](const hidl_vec<uint8_t>& bytes) {
+            called = true;
+            mServer.clear();
+            probe.clear();
+            EXPECT_EQ(0x5A, bytes[99]);
+        });
+        EXPECT_TRUE(result.isOk() && called);
+    }
+}
+
+TEST_F(ProcessTest, AForkedChildIsAProcessOfItsOwn) {
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+    SUCCEED() << "the sanitizer lets no thread start in a child of a process with threads";
+    return;
+#endif
+#endif
+    const sp<IProbe> probe = start();
+    const sp<Listener> mine = new Listener;
+    ASSERT_TRUE(probe->listen(mine).withDefault(false));
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool refused = !probe->sleep(0).isOk();
+        const sp<IProbe> own = IProbe::tryGetService();
+        const bool served = own != nullptr && own->sleep(0).isOk();
+        _exit(!refused ? 2 : !served ? 3 : 0);
+    }
+    EXPECT_TRUE(probe->sleep(0).isOk());
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(0, WEXITSTATUS(status)) << "2: its parent's proxy works, 3: its own does not";
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_TRUE(probe->sleep(1).isOk());
+    }
+    EXPECT_EQ(std::pair(5u, 0u), notify(probe, 5, "x"));
+    EXPECT_TRUE(eventually([&] { return mine->count() == 5; }));
+    EXPECT_TRUE(deathsOf(probe).empty());
+}
+
+TEST_F(ProcessTest, ProcessesOfOtherPidNamespacesAreAllServed) {
+    const sp<IProbe> probe = start();
+    std::vector<pid_t> spaces;
+    int fds[2];
+    ASSERT_EQ(0, pipe2(fds, O_CLOEXEC));
+    for (int i = 0; i < 9; ++i) {
+        spaces.push_back(fork());
+        if (spaces.back() == 0) {
+            if (unshare(CLONE_NEWPID) != 0) {
+                _exit(77);
+            }
+            const pid_t inner = fork();
+            if (inner == 0) {
+                prctl(PR_SET_PDEATHSIG, SIGKILL);
+                dup2(fds[1], STDOUT_FILENO);
+                execl("/proc/self/exe", "role", "--role=listener1", nullptr);
+                _exit(127);
+            }
+            waitpid(inner, nullptr, 0);
+            _exit(0);
+        }
+    }
+    close(fds[1]);
+    int served = 0;
+    for (char letter = 0; served < 9 && read(fds[0], &letter, 1) == 1;) {
+        served += letter == 'r' ? 1 : 0;
+    }
+    close(fds[0]);
+    int denied = 0;
+    if (served > 0) {
+        EXPECT_EQ(9, served);
+        EXPECT_EQ(std::pair(9u, 0u), notify(probe, 1, "x"));
+    }
+    for (const pid_t pid : spaces) {
+        int status = 0;
+        if (served > 0) {
+            ::kill(pid, SIGKILL);
+        }
+        waitpid(pid, &status, 0);
+        denied += WIFEXITED(status) && WEXITSTATUS(status) == 77 ? 1 : 0;
+    }
+    if (denied == 9) {
+        SUCCEED() << "no PID namespaces here";
+        return;
+    }
+    EXPECT_EQ(9, served);
+    EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 9; }));
+}
+
+TEST_F(ProcessTest, LackOfDescriptorsForOneWayMessagesIsNoDeath) {
+    const sp<IProbe> probe = start("poor-server");
+    ASSERT_TRUE(probe->sleep(0).isOk());
+    struct Counter : hidl_death_recipient {
+        void serviceDied(uint64_t, const wp<IBase>&) override { ++count; }
+        std::atomic<int> count{0};
+    };
+    const sp<Counter> deaths = new Counter;
+    const auto allow = [](pid_t pid, rlim_t most) {
+        const rlimit limit{most, 1024};
+        EXPECT_EQ(0, prlimit(pid, RLIMIT_NOFILE, &limit, nullptr));
+    };
+    {
+        // A sanitizer looks at the objects of a new type through a pipe: it is to know them by now.
+        Player keeper("keeper");
+        ASSERT_EQ('r', keeper.word());
+        EXPECT_TRUE(IProbe::getService("keeper")->linkToDeath(new Counter, 1).withDefault(false));
+        // Of this process: the link fails and can be tried again.
+        rlimit usual{};
+        getrlimit(RLIMIT_NOFILE, &usual);
+        const rlimit none{3, usual.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        const Return<bool> linked = probe->linkToDeath(deaths, 1);
+        setrlimit(RLIMIT_NOFILE, &usual);
+        EXPECT_FALSE(linked.withDefault(false));
+        EXPECT_FALSE(linked.isDeadObject());
+    }
+    allow(server().pid(), 3);  // below what it has open: no more
+    EXPECT_TRUE(probe->linkToDeath(deaths, 1).withDefault(false));
+    for (uint32_t i = 0; i < 100; ++i) {
+        EXPECT_TRUE(probe->note(i).isOk());
+    }
+    std::this_thread::sleep_for(200ms);  // some attempts
+    EXPECT_EQ(0, deaths->count);
+    EXPECT_TRUE(probe->sleep(0).isOk());
+    allow(server().pid(), 1024);
+    EXPECT_TRUE(eventually([&] {
+        uint32_t noted = 0;
+        EXPECT_TRUE(probe->notes([&](uint32_t count, const auto&) { noted = count; }).isOk());
+        return noted == 100;
+    })) << "all arrive, in order";
+    EXPECT_EQ(0, deaths->count);
+    mServer.clear();
+    EXPECT_TRUE(eventually([&] { return deaths->count == 1; }));
+    EXPECT_FALSE(probe->linkToDeath(deaths, 2).withDefault(false)) << "a link that comes too late";
+    EXPECT_EQ(1, deaths->count);
+}
+
 TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
     if (geteuid() != 0) {
         SUCCEED() << "only root can play another user";
@@ -476,8 +801,23 @@ TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
 
 int main(int argc, char** argv) {
     const std::string role = argc > 1 ? argv[1] : "";
-    if (role == "--role=server" || role == "--role=poor-server") {
-        return playServer(role == "--role=poor-server");
+    if (role == "--role=server" || role == "--role=poor-server" || role == "--role=large-server") {
+        return playServer("default", role == "--role=poor-server", role == "--role=large-server" ? 10 : 4);
+    }
+    if (role == "--role=keeper") {
+        return playServer("keeper", false, 2);
+    }
+    if (role == "--role=giver") {
+        return playGiver();
+    }
+    if (role == "--role=poster") {
+        return playPoster();
+    }
+    if (role == "--role=hog") {
+        return playHog();
+    }
+    if (role == "--role=looper") {
+        return playLooper();
     }
     if (role == "--role=listener1" || role == "--role=listener2") {
         return playListener(role == "--role=listener2" ? 2 : 1);

@@ -21,7 +21,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/hidl/ServiceManager.h"
+#include "platform/socket/ServiceManager.h"
 #include "tests/support/LogCapture.h"
 
 namespace android::hardware {

@@ -78,13 +78,12 @@ TEST(Status, TravelsWithItsMessageAndNeverAsADeadPeer) {
             {"transport error", MessageBuilder().scalar<int32_t>(-129).text(""), OK,
              Status::EX_TRANSACTION_FAILED, ""},
             {"without its message", MessageBuilder().scalar<int32_t>(-3), NOT_ENOUGH_DATA, 0, ""},
-            {"cut off", MessageBuilder().scalar<int16_t>(0), NOT_ENOUGH_DATA, 0, ""},
+            {"cut off", MessageBuilder().raw("\1\1"), NOT_ENOUGH_DATA, 0, ""},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.name);
-        const char* rule = nullptr;
         Parcel parcel;
-        parcel.receive(MessageBuilder::receive(each.message.bytes(), &rule), nullptr);
+        EXPECT_STREQ(MessageBuilder::receive(each.message.bytes(), &parcel), nullptr);
         Status status;
         EXPECT_EQ(readFromParcel(&status, parcel), each.expected);
         EXPECT_EQ(status.exceptionCode(), each.exception);
@@ -95,10 +94,7 @@ TEST(Status, TravelsWithItsMessageAndNeverAsADeadPeer) {
             Parcel written;
             EXPECT_EQ(writeToParcel(status, &written), OK);
             const auto& scalars = written.scalars();
-            MessageBuilder again;
-            for (const uint8_t byte : scalars) {
-                again.scalar(byte);
-            }
+            const MessageBuilder again = MessageBuilder().raw({scalars.begin(), scalars.end()});
             EXPECT_EQ(again.bytes(), each.message.bytes());
         }
     }

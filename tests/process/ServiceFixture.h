@@ -8,16 +8,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "platform/socket/Registry.h"
+#include "tests/support/Eventually.h"
 
 /** A process that ends with this object at the latest, and with the test that made it. Its output can be
  * read. */
@@ -73,16 +71,6 @@ class ChildProcess {
     pid_t mPid;
     int mOutput;
 };
-
-inline bool eventually(const std::function<bool()>& condition) {
-    for (int i = 0; i < 4000; ++i) {
-        if (condition()) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return false;
-}
 
 inline std::string descriptorOf(const std::string& name) {
     return "vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApi" + name;

@@ -12,6 +12,7 @@ namespace android::hardware {
 
 class BHwBinder;
 class Parcel;
+class Proxy;
 
 /**
  * One object that calls can be made on, in this process (BHwBinder) or in another (a proxy that the
@@ -42,7 +43,7 @@ class IBinder : public virtual RefBase {
 
     class DeathRecipient : public virtual RefBase {
       public:
-        /** Called once, on a thread of the platform, with no lock held. */
+        /** Called once, on a thread of the pool or beside it, with no lock held. */
         virtual void binderDied(const wp<IBinder>& who) = 0;
     };
 
@@ -51,16 +52,19 @@ class IBinder : public virtual RefBase {
      * message is queued, in the order of the calls made on this object.
      *
      * @return OK; DEAD_OBJECT when the object's process is gone; FAILED_TRANSACTION when the message exceeds
-     *     kMaxMessageBytes or the peer's one-way queue is full; UNKNOWN_TRANSACTION, BAD_TYPE and other
-     *     statuses that the object itself answered with.
+     *     kMaxTransactionBytes, too much waits for the object's process already (kMaxOneWayBytes), or one of
+     * the two processes lacks what a call takes; INVALID_OPERATION in a process that was forked after it got
+     * the object; UNKNOWN_TRANSACTION, BAD_TYPE and other statuses that the object itself answered with.
      */
     virtual status_t transact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags = 0,
                               TransactCallback callback = nullptr) = 0;
 
     /**
-     * Asks for one binderDied(). The link holds no strong reference to the recipient.
+     * Asks for one binderDied(). The link holds no strong reference to the recipient, and lasts no longer
+     * than this reference to the object.
      *
-     * @return DEAD_OBJECT when the process is already known to be gone; INVALID_OPERATION for a local object.
+     * @return DEAD_OBJECT when the process is already known to be gone; INVALID_OPERATION for a local object;
+     *     FAILED_TRANSACTION or NO_MEMORY when the process lacks what a link takes: it may be tried again
      */
     virtual status_t linkToDeath(const sp<DeathRecipient>& recipient) = 0;
 
@@ -69,6 +73,8 @@ class IBinder : public virtual RefBase {
 
     /** This object if it lives in this process, else null. */
     virtual BHwBinder* localBinder() { return nullptr; }
+    /** This object if it stands for one of another process, else null. */
+    virtual Proxy* remoteProxy() { return nullptr; }
 };
 
 /** An object of this process. Generated stubs derive from it. */

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <hwbinder/IBinder.h>
+#include <hwbinder/InlineVector.h>
 #include <utils/Errors.h>
 #include <utils/StrongPointer.h>
 
@@ -8,22 +9,98 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
-
-#include <hwbinder/InlineVector.h>
-#include "platform/socket/Message.h"
 
 namespace android::hardware {
 
 /**
- * The arguments or results of one call: scalars, buffers that lie where their owner keeps them until the
- * message is sent, and objects.
+ * Largest transaction, with everything in it: what a process of the device maps for those that it receives.
+ * See Parcel::transactionBytes().
+ */
+constexpr size_t kMaxTransactionBytes = 1024 * 1024 - 2 * 4096;
+
+/** Of the same memory, what one-way messages may take. */
+constexpr size_t kMaxOneWayBytes = kMaxTransactionBytes / 2;
+
+/**
+ * What a parcel holds beside its scalars: a buffer or an object, numbered together in the order of writing. A
+ * buffer's handle is its number.
+ */
+struct ParcelPiece {
+    uint32_t size;          // of a buffer: its bytes; of an object: 1, or 0 for null
+    uint32_t parent;        // number of the buffer that points to this one, or one of the two below
+    uint32_t parentOffset;  // where in it the pointer lies; else 0
+    uint32_t place;         // written: bytes of scalars before it. Received: where it lies, from the base
+};
+static_assert(sizeof(ParcelPiece) == 16);
+
+constexpr uint32_t kNoParent = UINT32_MAX;
+constexpr uint32_t kIsObject = UINT32_MAX - 1;
+
+/** Makes objects of what stands for them in a received message. */
+class ObjectSource {
+  public:
+    /**
+     * Makes the object that a piece stands for; each is asked for once at most.
+     *
+     * @param form what the transport has put at the piece's place
+     */
+    virtual status_t takeObject(const uint8_t* form, sp<IBinder>* object) = 0;
+    /** Gives up an object that nobody has read. */
+    virtual void dropObject(const uint8_t* form) = 0;
+
+  protected:
+    ~ObjectSource() = default;
+};
+
+/** Memory that a parcel keeps until its end, and how it is given back then. */
+class ParcelMemory {
+  public:
+    using Release = void (*)(void* memory, size_t size);
+
+    ParcelMemory() = default;
+    ParcelMemory(void* memory, size_t size, Release release)
+        : mMemory(memory), mSize(size), mRelease(release) {}
+    ParcelMemory(ParcelMemory&& other) noexcept { *this = std::move(other); }
+    ParcelMemory& operator=(ParcelMemory&& other) noexcept {
+        std::swap(mMemory, other.mMemory);
+        std::swap(mSize, other.mSize);
+        std::swap(mRelease, other.mRelease);
+        return *this;
+    }
+    ~ParcelMemory() {
+        if (mRelease != nullptr) {
+            mRelease(mMemory, mSize);
+        }
+    }
+
+  private:
+    void* mMemory = nullptr;
+    size_t mSize = 0;
+    Release mRelease = nullptr;
+};
+
+/** A received message as a parcel reads it. Everything lies in the memory, or outlives the parcel. */
+struct ReceivedParcel {
+    const uint8_t* scalars = nullptr;
+    size_t scalarBytes = 0;
+    const ParcelPiece* pieces = nullptr;
+    size_t pieceCount = 0;
+    uint8_t* base = nullptr;                // what the pieces' places count from; 8-aligned
+    std::shared_ptr<ObjectSource> objects;  // null when no piece is an object
+    ParcelMemory memory;
+};
+
+/**
+ * The arguments or results of one call: scalars, each padded to 4 bytes, buffers that lie where their owner
+ * keeps them until the message is sent, and objects. How they travel is the transport's business.
  *
  * A parcel is written once and sent, or received and read once, front to back. Writing copies scalars and
- * refers to buffers: they must live until the call returns. Reading gives pointers into the received block,
- * which live as long as the parcel.
+ * refers to buffers: they must live until the call returns. Reading gives pointers into the received memory,
+ * which live as long as the parcel; objects that nobody has read by then are given up.
  *
- * Reading trusts nothing: each read checks that the next entry is the one asked for, and fails with BAD_VALUE
+ * Reading trusts nothing: each read checks that the next piece is the one asked for, and fails with BAD_VALUE
  * or NOT_ENOUGH_DATA otherwise. Pointers inside received records are written by this process, and only when
  * the stub asks for the buffer that they refer to.
  */
@@ -31,8 +108,8 @@ class Parcel {
   public:
     Parcel() = default;
     ~Parcel() {
-        if (mTellsEnd) {
-            mResolver->messageRead();
+        if (mReceived.objects != nullptr) {
+            dropUnread();
         }
     }
     Parcel(const Parcel&) = delete;
@@ -88,70 +165,71 @@ class Parcel {
     /** The object itself when it lives in this process, else a proxy; null if null was written. */
     status_t readNullableStrongBinder(sp<IBinder>* object) const;
 
-    /** The rest is for the transport. */
+    // The rest is for transports. What was written:
+
     const InlineVector<uint8_t, 192>& scalars() const { return mScalars; }
-    /** What was written to be sent from where it lies: the entries as they go out, and their memory. */
-    const InlineVector<BufferEntry, 16>& entries() const { return mOutEntries; }
-    const InlineVector<const void*, 16>& memory() const { return mOutMemory; }
-    /** Of all buffers together, each with its padding; and of the longest, without. */
-    size_t bufferBytes() const { return mOutBytes; }
+    const InlineVector<ParcelPiece, 16>& pieces() const { return mPieces; }
+    /** Where the pieces that are buffers lie, by their numbers. */
+    const InlineVector<const void*, 16>& memory() const { return mMemory; }
+    /** Of all buffers together, each padded to 8 bytes; and of the longest, without. */
+    size_t bufferBytes() const { return mBufferBytes; }
     size_t longestBuffer() const { return mLongest; }
-    const std::vector<OutgoingObject>& objects() const { return mObjects; }
-    /** The first failure of a write, which the encoder reports: generated code does not look at each. */
+    /** The pieces that are objects and not null, in the order of writing. */
+    const std::vector<sp<IBinder>>& objects() const { return mObjects; }
+    /** What the message takes of a receiver's memory on the device; at most kMaxTransactionBytes may be sent.
+     */
+    size_t transactionBytes() const;
+    /** The first failure of a write, which the sender reports: generated code does not look at each. */
     status_t error() const { return mError; }
     /** Forgets what was written. */
     void clear();
-    /**
-     * Makes this the reader of a message, once. Objects in it are resolved by the given resolver, in read
-     * order; it must live as long as the parcel, and is told of the parcel's end if it asks for that.
-     */
-    void receive(Message message, ObjectResolver* resolver, bool tellEnd = false);
+
+    /** Makes this the reader of a message, once. */
+    void receive(ReceivedParcel received) { mReceived = std::move(received); }
 
   private:
+    static constexpr size_t paddedScalar(size_t size) { return (size + 3) & ~size_t{3}; }
+
     template <typename T>
     status_t writeScalar(T value) {
-        uint8_t* place = mScalars.grow(sizeof(value));
+        uint8_t* place = mScalars.grow(paddedScalar(sizeof(value)));
         if (place == nullptr) {
             return fail(NO_MEMORY);
+        }
+        if constexpr (sizeof(value) < 4) {
+            std::memset(place, 0, 4);
         }
         std::memcpy(place, &value, sizeof(value));
         return OK;
     }
     template <typename T>
     status_t readScalar(T* value) const {
-        if (sizeof(*value) > mScalarBytes - mScalarCursor) {
+        if (paddedScalar(sizeof(*value)) > mReceived.scalarBytes - mScalarCursor) {
             return NOT_ENOUGH_DATA;
         }
-        std::memcpy(value, mInScalars + mScalarCursor, sizeof(*value));
-        mScalarCursor += sizeof(*value);
+        std::memcpy(value, mReceived.scalars + mScalarCursor, sizeof(*value));
+        mScalarCursor += paddedScalar(sizeof(*value));
         return OK;
     }
     status_t fail(status_t status);
-    status_t appendBuffer(const void* data, const BufferEntry& entry, size_t* handle);
-    status_t takeBuffer(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
-                        uint8_t** data) const;
+    status_t appendPiece(const void* data, size_t size, uint32_t parent, size_t parentOffset, size_t* handle);
+    status_t takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
+                       uint8_t** data) const;
+    void dropUnread();
 
     // Writing.
     InlineVector<uint8_t, 192> mScalars;
-    InlineVector<BufferEntry, 16> mOutEntries;
-    InlineVector<const void*, 16> mOutMemory;
-    size_t mOutBytes = 0;
+    InlineVector<ParcelPiece, 16> mPieces;
+    InlineVector<const void*, 16> mMemory;
+    size_t mBufferBytes = 0;
     size_t mLongest = 0;
-    std::vector<OutgoingObject> mObjects;
+    std::vector<sp<IBinder>> mObjects;
     status_t mError = OK;
 
-    // Reading: the message and where its parts lie. Cursors move under const, as generated stubs read from
-    // const parcels.
-    Message mMessage;
-    uint8_t* mBytes = nullptr;
-    const BufferEntry* mEntries = nullptr;
-    const uint8_t* mInScalars = nullptr;
-    size_t mEntryCount = 0;
-    size_t mScalarBytes = 0;
+    // Reading. Cursors move under const, as generated stubs read from const parcels.
+    ReceivedParcel mReceived;
     mutable size_t mScalarCursor = 0;
-    mutable size_t mBufferCursor = 0;
-    ObjectResolver* mResolver = nullptr;
-    bool mTellsEnd = false;
+    mutable size_t mPieceCursor = 0;
 };
 
 }  // namespace android::hardware

@@ -1,6 +1,6 @@
 #define LOG_TAG "hidl.registry"
 
-#include "platform/hidl/ServiceManager.h"
+#include "platform/socket/ServiceManager.h"
 
 #include <log/log.h>
 #include <exception>
@@ -8,7 +8,7 @@
 #include <optional>
 #include <thread>
 
-#include "platform/hidl/StatusText.h"
+#include "platform/binding/StatusText.h"
 
 using ::android::hidl::manager::V1_0::IServiceNotification;
 

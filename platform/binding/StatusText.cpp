@@ -1,4 +1,4 @@
-#include "platform/hidl/StatusText.h"
+#include "platform/binding/StatusText.h"
 
 #include <cstring>
 

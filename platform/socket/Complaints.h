@@ -1,0 +1,41 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <cstdint>
+#include <mutex>
+
+#include "platform/socket/Socket.h"
+
+namespace android::hardware {
+
+/**
+ * Which complaints about other processes are written to the log: of each process the first few, then every
+ * time that their number has doubled, so that who misbehaves in a loop does not fill the log. Any thread;
+ * takes no memory.
+ */
+class Complaints {
+  public:
+    /**
+     * Counts a complaint about a process.
+     *
+     * @return its number if it is to be logged, else 0
+     */
+    uint32_t count(const Credentials& who);
+
+  private:
+    static constexpr uint32_t kAlwaysLogged = 16;
+    /** A process that was quiet for so long begins anew. */
+    static constexpr int64_t kForgottenSeconds = 60;
+
+    struct Culprit {
+        uint32_t count = 0;
+        int64_t lastSecond = 0;
+    };
+
+    std::mutex mLock;
+    std::array<Culprit, 64> mCulprits;  // by pid; those that meet here share a count
+};
+
+}  // namespace android::hardware
