@@ -352,7 +352,11 @@ TEST_F(RegistryTest, AHeldNameComesBackWhateverIsDoneToItsFileOrFolder) {
     const Case cases[] = {
             {"file deleted", [&] { fs::remove(file()); }},
             {"file moved", [&] { fs::rename(file(), file("moved")); }},
-            {"file replaced by another", [&] { std::ofstream(other) << "x", fs::rename(other, file()); }},
+            {"file replaced by another",
+             [&] {
+                 std::ofstream(other) << "x";
+                 fs::rename(other, file());
+             }},
             {"file replaced by a link",
              [&] {
                  fs::create_symlink("x", other);
