@@ -7,8 +7,8 @@
 
 #include "chiplayer/aud.h"
 #include "tests/adapters/Forwarding.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -36,7 +36,7 @@ class Audio : public ::testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiAudio> audio = new ZvtTvFApiAudio();
 };
 

@@ -5,8 +5,8 @@
 #include "adapters/display/ZvtTvFApiDisplay.h"
 #include "chiplayer/disp.h"
 #include "tests/adapters/Forwarding.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
-#include "tests/fake/LogCapture.h"
 #include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
@@ -40,7 +40,7 @@ class Display : public ::testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiDisplay> display = new ZvtTvFApiDisplay();
     std::vector<uint8_t> image;
     std::vector<std::vector<int64_t>> delivered;

@@ -2,8 +2,8 @@
 
 #include "chiplayer/disptst.h"
 #include "tests/adapters/Forwarding.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -16,7 +16,7 @@ const std::string kTag = "ZvtTvFApiDisplayTest(server): ";
 class DisplayTest : public ::testing::Test {
   protected:
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiDisplayTest> test = new ZvtTvFApiDisplayTest();
 };
 

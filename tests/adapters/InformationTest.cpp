@@ -8,8 +8,8 @@
 
 #include "chiplayer/common.h"
 #include "chiplayer/info.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -142,14 +142,14 @@ TEST_F(Information, WritesItsEntryTraceReadyOrNotAndNothingElse) {
     chip.returns(a_zvttvfapi_info_set_ini_para, -1);
     for (const int32_t readiness : {-5, 0}) {
         chip.returns(a_zvttvfapi_common_get_fapi_status, readiness);
-        LogCapture log(1);
+        DeviceLog log(1);
         callAll();
         EXPECT_THAT(log.takeLines(), ElementsAre(trace("a_hidl_zvttvfapi_info_get_ini_para"),
                                                  trace("a_hidl_zvttvfapi_info_set_ini_para"),
                                                  trace("a_hidl_zvttvfapi_info_get_ip_enable_status"),
                                                  trace("a_hidl_zvttvfapi_info_get_fapi_sw_version")));
     }
-    LogCapture silent(0);
+    DeviceLog silent(0);
     callAll();
     EXPECT_THAT(silent.takeLines(), ElementsAre());
 }

@@ -6,7 +6,7 @@
 
 #include "chiplayer/inpsrc.h"
 #include "tests/adapters/Forwarding.h"
-#include "tests/fake/LogCapture.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
@@ -45,7 +45,7 @@ class InputSource : public ::testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiInputSource> source = new ZvtTvFApiInputSource();
     Lines before;
     std::vector<uint8_t> image;

@@ -2,7 +2,7 @@
 
 #include "chiplayer/net.h"
 #include "tests/adapters/Forwarding.h"
-#include "tests/fake/LogCapture.h"
+#include "tests/fake/DeviceLog.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -21,7 +21,7 @@ class Network : public ::testing::Test {
 };
 
 TEST_F(Network, PassesTextsOnAndLogsEveryOutcomeAsAnError) {
-    LogCapture log;
+    DeviceLog log;
     const hidl_string cut("eth0\0cut", 8);
     expectForwarded(chip, a_zvttvfapi_net_set_mac, "a_zvttvfapi_net_set_mac(*)",
                     [&] { return network->a_hidl_zvttvfapi_net_set_mac("02:00:00:00:00:01"); });
@@ -33,7 +33,7 @@ TEST_F(Network, PassesTextsOnAndLogsEveryOutcomeAsAnError) {
 }
 
 TEST_F(Network, LendsTheClientsOwnTextWhateverItsLengthAndLogsNothingWithoutTheFlag) {
-    LogCapture silent(0);
+    DeviceLog silent(0);
     for (const hidl_string& strMac :
          {hidl_string(), hidl_string("02:00"), hidl_string(std::string(99, '0'))}) {
         const void* lent = nullptr;

@@ -11,9 +11,9 @@
 
 #include "chiplayer/common.h"
 #include "chiplayer/prphrl.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -110,7 +110,7 @@ class Peripheral : public ::testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiPeripheral> object = new ZvtTvFApiPeripheral();
     ZvtTvFApiPeripheral& prphrl = *object;
     const hidl_string strName{"n\0cut", 5};

@@ -10,8 +10,8 @@
 
 #include "chiplayer/chiplayer.h"
 #include "manager/ClientDeathRecipient.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -73,7 +73,7 @@ TEST(Manager, EachFailedStepWritesOneLineAndStopsNothing) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         FakeChipLayer chip;
-        LogCapture log;
+        DeviceLog log;
         row.fail(chip);
         const auto unless = [](bool done, const char* name, const char* text) {
             return done ? Lines{} : Lines{error(name, text)};
@@ -103,7 +103,7 @@ TEST(Manager, EachFailedStepWritesOneLineAndStopsNothing) {
 
 TEST(Manager, IsSilentWithTheFlagAtZeroEvenWhenEverythingFails) {
     FakeChipLayer chip;
-    LogCapture log(0);
+    DeviceLog log(0);
     chip.returns(a_zvttvfapi_sys_reg_callback, -1);
     chip.returns(a_zvttvfapi_sys_init, -1);
     chip.returns(a_zvttvfapi_sys_deinit, -1);
@@ -115,7 +115,7 @@ TEST(Manager, IsSilentWithTheFlagAtZeroEvenWhenEverythingFails) {
 
 TEST(Manager, AStepsResultIsTheBitsOfAllEight) {
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiManager> manager = new ZvtTvFApiManager();
     // The first and the last of each step.
     chip.returns(a_zvttvfapi_aud_reg_callback, 1);
@@ -148,7 +148,7 @@ TEST(Manager, EachModuleGetsTheHandlerOfItsNameWhichMayRunAtOnce) {
     };
     for (const auto& row : rows) {
         FakeChipLayer chip;
-        LogCapture log;
+        DeviceLog log;
         // The event arrives while the manager's constructor is still running.
         chip.on(row.registration, [](fapi_core::ZvtTvFApiEventHandler handler) {
             const fapi_core::ZvtTvFApiEventCommonObject object;
@@ -162,7 +162,7 @@ TEST(Manager, EachModuleGetsTheHandlerOfItsNameWhichMayRunAtOnce) {
 }
 
 TEST(ClientDeathRecipient, LogsTheCookieOfTheLink) {
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ClientDeathRecipient>(new ClientDeathRecipient())->serviceDied(UINT64_MAX, nullptr);
     EXPECT_THAT(log.takeLines(), ElementsAre("E ZvtTvFApiManager(server): <serviceDied:#> Client disconnect "
                                              "18446744073709551615"));

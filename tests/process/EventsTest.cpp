@@ -101,7 +101,7 @@ class EventsTest : public ServiceFixture {
     EventsTest() { startAndWait(); }
 
     static ChildProcess watcher() {
-        ChildProcess child({"/proc/self/exe", "--watch"}, "");
+        ChildProcess child({"/proc/self/exe", "--watch"});
         EXPECT_EQ(UINT32_MAX, next(child)) << "registered";
         return child;
     }
@@ -175,7 +175,7 @@ TEST_F(EventsTest, TheToolShowsWhatTheBoardRaisesAndWhatTheToolPosts) {
                                           HasSubstr(R"("type":262149)"), HasSubstr(R"("text":"signal")"),
                                           HasSubstr(R"("bytes":"00ff")")));
     }
-    ChildProcess posting({tool, "post", "0x1000000", "value=9"}, "");
+    ChildProcess posting({tool, "post", "0x1000000", "value=9"});
     EXPECT_EQ(0, posting.wait());
     for (ChildProcess& watching : tools) {
         EXPECT_THAT(line(watching), AllOf(HasSubstr(R"("number":2,)"), HasSubstr(R"("module":"tv")"),
@@ -279,7 +279,7 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     for (int round = 0; round < 20; ++round) {
         std::vector<ChildProcess> clients;
         for (int i = 0; i < 10; ++i) {
-            clients.emplace_back(std::vector<std::string>{"/proc/self/exe", "--watch"}, "");
+            clients.emplace_back(std::vector<std::string>{"/proc/self/exe", "--watch"});
             EXPECT_NE(INT32_MIN, post(0x10000, {sent++, "", {}}));
         }
         for (size_t i = 0; i < clients.size(); ++i) {

@@ -16,9 +16,9 @@
 #include "service/frame/Log.h"
 #include "service/frame/Scratch.h"
 #include "service/frame/Text.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 // A pair of enumerations whose values from 2 on are one to the chip layer.
 enum class HidlMode : int8_t {};
@@ -249,7 +249,7 @@ void writeEveryKindOfLine(int32_t s32Status, int& counter) {
 
 TEST(Log, LinesReachTheLogToTheLetter) {
     int counter = 0;
-    LogCapture log;
+    DeviceLog log;
     writeEveryKindOfLine(3, counter);
     EXPECT_THAT(log.takeLines(),
                 ElementsAre("D Frame(server): <writeEveryKindOfLine:#> text",
@@ -264,7 +264,7 @@ TEST(Log, LinesReachTheLogToTheLetter) {
 
 TEST(Log, TheFlagIsTestedAtEachLineAndAnyValueButZeroLetsItThrough) {
     int counter = 0;
-    LogCapture log(0);
+    DeviceLog log(0);
     writeEveryKindOfLine(-1, counter);
     EXPECT_THAT(log.takeLines(), IsEmpty());
     EXPECT_EQ(counter, 0) << "a line that is not written computes nothing";
