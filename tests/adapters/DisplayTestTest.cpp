@@ -1,128 +1,65 @@
 #include "adapters/displaytest/ZvtTvFApiDisplayTest.h"
 
 #include "chiplayer/disptst.h"
-#include "tests/adapters/Forwarding.h"
+#include "tests/adapters/Adapter.h"
 #include "tests/fake/FailingAllocation.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-const std::string kTag = "ZvtTvFApiDisplayTest(server): ";
-
-class DisplayTest : public ::testing::Test {
+class DisplayTest : public Adapter<ZvtTvFApiDisplayTest> {
   protected:
-    FakeChipLayer chip;
-    LogCapture log;
-    ::android::sp<ZvtTvFApiDisplayTest> test = new ZvtTvFApiDisplayTest();
+    DisplayTest() : Adapter("ZvtTvFApiDisplayTest", "disptst") {}
 };
 
-TEST_F(DisplayTest, ForwardersPassEveryArgumentAndTheStatusOn) {
+TEST_F(DisplayTest, PassesEveryArgumentAndTheStatusOnAndRefusesABitmapAloud) {
     const hidl_string cut("usb/a.bmp\0cut", 13);
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(\"usb/a.bmp\", 1, 2)",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(cut, 1, 2); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_on,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_on(4000000000, 2)",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_on(4000000000, 2); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_off,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_off()",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_off(); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_show,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_show()",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_show(); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_hide,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_hide()",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_hide(); });
-    expectForwarded(chip, a_zvttvfapi_disptst_set_osd_layer_on_off,
-                    "a_zvttvfapi_disptst_set_osd_layer_on_off(3, 1)",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_set_osd_layer_on_off(3, true); });
-    expectForwarded(chip, a_zvttvfapi_disptst_set_pq_on_off, "a_zvttvfapi_disptst_set_pq_on_off(0)",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_set_pq_on_off(false); });
-    EXPECT_THAT(log.takeLines(), IsEmpty());
-
-    expectForwarded(chip, a_zvttvfapi_disptst_set_burning_mode, "a_zvttvfapi_disptst_set_burning_mode(1)",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_set_burning_mode(true); });
-    std::vector<std::string> lines;
-    for (const char* status : {"0", "3039", "fffffffe", "fffffffb"}) {  // and none while not ready
-        lines.push_back("I " + kTag + "<a_hidl_a_zvttvfapi_disptst_set_burning_mode:#> s32Ret=" + status +
-                        " enable:1\n");
-    }
-    EXPECT_EQ(log.takeLines(), lines);
+    expectRows({
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp, cut, 1, 2),
+             "gen_gop_test_pattern_by_bmp(\"usb/a.bmp\", 1, 2)"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_on, 4000000000, 2),
+             "gen_gop_test_pattern_on(4000000000, 2)"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_off, ), "gen_gop_test_pattern_off()"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_show, ), "gen_gop_test_pattern_show()"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_hide, ), "gen_gop_test_pattern_hide()"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_set_osd_layer_on_off, 3, true), "set_osd_layer_on_off(3, 1)"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_set_pq_on_off, false), "set_pq_on_off(0)"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_set_burning_mode, true), "set_burning_mode(1)", "-7",
+             " I s32Ret=fffffff9 enable:1\n"},
+            {METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_bitmap, {}), "", "-1",
+             " E [a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_bitmap(#)]"
+             "FAIL: types & a_zvttvfapi_types are mismatch! Please check it!\n"},
+    });
 }
 
 TEST_F(DisplayTest, RecordsArriveByteForByteWithTheirPaddingZeroed) {
-    std::vector<uint8_t> image;
+    Bytes image;
     const auto take = [&](const auto& stRecord) {
         image = imageOf(stRecord);
-        return 0;
+        return -7;
     };
-    // The bytes 1, 2, 3 and so on; from sends them, padding included.
-    const auto expectImage = [&](size_t size, std::initializer_list<size_t> padding) {
-        std::vector<uint8_t> expected(size);
-        std::iota(expected.begin(), expected.end(), uint8_t{1});
-        for (const size_t at : padding) {
-            expected[at] = 0;
-        }
-        EXPECT_EQ(image, expected);
-    };
-    ZvtTvFApiDispTstPattern stPattern;
-    number(stPattern);
     chip.on(a_zvttvfapi_disptst_gen_test_pattern,
             [&](unsigned int, auto stRecord) { return take(stRecord); });
-    test->a_hidl_a_zvttvfapi_disptst_gen_test_pattern(1, stPattern).isOk();
-    expectImage(80, {13, 14, 15, 57, 58, 59, 73, 74, 75});
-
-    ZvtTvFApiGOPPatternLine_t stLine;
-    number(stLine);
     chip.on(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line, take);
-    test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line(stLine).isOk();
-    expectImage(20, {});
-
-    ZvtTvFApiGOPPatternRect_t stRect;
-    number(stRect);
     chip.on(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect, take);
-    test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(stRect).isOk();
-    expectImage(28, {});
-
-    ZvtTvFApiGOPPatternAttr_t stAttr;
-    number(stAttr);
     chip.on(a_zvttvfapi_disptst_gop_pattern_set_attr, take);
-    test->a_hidl_a_zvttvfapi_disptst_gop_pattern_set_attr(stAttr).isOk();
-    expectImage(16, {1});
-
-    chip.takeCalls();
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_test_pattern,
-                    "a_zvttvfapi_disptst_gen_test_pattern(4000000000, {})",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_test_pattern(4000000000, stPattern); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line({})",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line(stLine); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect,
-                    "a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect({})",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(stRect); });
-    expectForwarded(chip, a_zvttvfapi_disptst_gop_pattern_set_attr,
-                    "a_zvttvfapi_disptst_gop_pattern_set_attr({})",
-                    [&] { return test->a_hidl_a_zvttvfapi_disptst_gop_pattern_set_attr(stAttr); });
-    EXPECT_THAT(log.takeLines(), IsEmpty());
-}
-
-TEST_F(DisplayTest, ABitmapIsRefusedAloud) {
-    const std::string method = "a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_bitmap";
-    const auto draw = [&] {
-        return int32_t{test->a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_bitmap({})};
-    };
-    EXPECT_EQ(draw(), -1);
-    EXPECT_THAT(log.takeLines(),
-                ElementsAre("E " + kTag + "<" + method + ":#> [" + method +
-                            "(#)]FAIL: types & a_zvttvfapi_types are mismatch! Please check it!\n"));
-    chip.returns(a_zvttvfapi_common_get_fapi_status, -5);
-    EXPECT_EQ(draw(), -5);
-    EXPECT_THAT(log.takeLines(), IsEmpty());
-    EXPECT_THAT(chip.takeCalls(), ElementsAre(kGuard, kGuard));
+    ZvtTvFApiDispTstPattern stPattern;
+    ZvtTvFApiGOPPatternLine_t stLine;
+    ZvtTvFApiGOPPatternRect_t stRect;
+    ZvtTvFApiGOPPatternAttr_t stAttr;
+    number(stPattern), number(stLine), number(stRect), number(stAttr);
+    expectRows({{METHOD(a_hidl_a_zvttvfapi_disptst_gen_test_pattern, 4000000000, stPattern),
+                 "gen_test_pattern(4000000000, {})"}});
+    EXPECT_EQ(image, sequence(80, {13, 14, 15, 57, 58, 59, 73, 74, 75}));
+    expectRows({{METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line, stLine),
+                 "gen_gop_test_pattern_draw_line({})"}});
+    EXPECT_EQ(image, sequence(20));
+    expectRows({{METHOD(a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect, stRect),
+                 "gen_gop_test_pattern_draw_rect({})"}});
+    EXPECT_EQ(image, sequence(28));
+    expectRows(
+            {{METHOD(a_hidl_a_zvttvfapi_disptst_gop_pattern_set_attr, stAttr), "gop_pattern_set_attr({})"}});
+    EXPECT_EQ(image, sequence(16, {1}));
 }
 
 TEST_F(DisplayTest, BurnInColoursAreCountedIn8BitsAndEachRefusalHasItsMessage) {
@@ -133,17 +70,17 @@ TEST_F(DisplayTest, BurnInColoursAreCountedIn8BitsAndEachRefusalHasItsMessage) {
         int32_t status;
         size_t count;  // that reach the library
         size_t refusedBytes;
-        const char* message;
+        std::string lines;
     } const rows[] = {
-            {3, 0, 0, -77, 3, 0, nullptr},
-            {255, 0, 0, -77, 255, 0, nullptr},
-            {256, 0, 0, -77, 0, 0, nullptr},
-            {300, 0, 0, -77, 44, 0, nullptr},
-            {0, 0, 0, -2, 0, 0, "vecColors is empty!\n"},
+            {3, 0, 0, -77, 3, 0, ""},
+            {255, 0, 0, -77, 255, 0, ""},
+            {256, 0, 0, -77, 0, 0, ""},
+            {300, 0, 0, -77, 44, 0, ""},
+            {0, 0, 0, -2, 0, 0, " E vecColors is empty!\n"},
             {0, 0, 1, -4, 0, sizeof(_ZvtFApiDisptstBurnModeParam),
-             "Create pstDefaultBurnModeParam failed!\n"},
-            {259, 0, 2, -4, 0, 18, "Create ptmpBurnModeParam->pColorTable failed!\n"},
-            {0, -5, 1, -5, 0, 0, nullptr},
+             " E Create pstDefaultBurnModeParam failed!\n"},
+            {259, 0, 2, -4, 0, 18, " E Create ptmpBurnModeParam->pColorTable failed!\n"},
+            {0, -5, 1, -5, 0, 0, ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.colors) + " " + std::to_string(row.status));
@@ -165,16 +102,12 @@ TEST_F(DisplayTest, BurnInColoursAreCountedIn8BitsAndEachRefusalHasItsMessage) {
                     return -77;
                 });
         const FailingAllocation allocation(row.refused);
-        const Return<int32_t> status =
-                test->a_hidl_zvttvfapi_disptst_set_burning_mode_adv(enable, 200, vecColors);
-        EXPECT_EQ(int32_t{status}, row.status);
+        const Outcome outcome =
+                OUTCOME(a_hidl_zvttvfapi_disptst_set_burning_mode_adv, enable, 200, vecColors);
+        EXPECT_EQ(outcome.answer, show(row.status));
         EXPECT_EQ(allocation.refusedBytes(), row.refusedBytes);
         EXPECT_EQ(chip.takeCalls().size(), row.status == -77 ? 2u : 1u);
-        std::vector<std::string> lines;
-        if (row.message != nullptr) {
-            lines.push_back("E " + kTag + "<a_hidl_zvttvfapi_disptst_set_burning_mode_adv:#> " + row.message);
-        }
-        EXPECT_EQ(log.takeLines(), lines);
+        EXPECT_EQ(outcome.lines, row.lines);
     }
 }
 

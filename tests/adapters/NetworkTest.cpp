@@ -1,50 +1,35 @@
 #include "adapters/network/ZvtTvFApiNetwork.h"
 
 #include "chiplayer/net.h"
-#include "tests/adapters/Forwarding.h"
-#include "tests/fake/LogCapture.h"
+#include "tests/adapters/Adapter.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
 
-class Network : public ::testing::Test {
+class Network : public Adapter<ZvtTvFApiNetwork> {
   protected:
-    // Of one call with each of expectForwarded()'s statuses, the first of which is 0.
-    static std::vector<std::string> linesOf(const std::string& name) {
-        const std::string line =
-                "E ZvtTvFApiNetwork(server): <a_hidl_zvttvfapi_net_" + name + ":#> a_zvttvfapi_net_" + name;
-        return {line + " OK!\n", line + " Fail!\n", line + " Fail!\n", line + " Fail!\n"};
-    }
-
-    FakeChipLayer chip;
-    ::android::sp<ZvtTvFApiNetwork> network = new ZvtTvFApiNetwork();
+    Network() : Adapter("ZvtTvFApiNetwork", "net") {}
 };
 
 TEST_F(Network, PassesTextsOnAndLogsEveryOutcomeAsAnError) {
-    LogCapture log;
     const hidl_string cut("eth0\0cut", 8);
-    expectForwarded(chip, a_zvttvfapi_net_set_mac, "a_zvttvfapi_net_set_mac(*)",
-                    [&] { return network->a_hidl_zvttvfapi_net_set_mac("02:00:00:00:00:01"); });
-    EXPECT_EQ(log.takeLines(), linesOf("set_mac"));
-    expectForwarded(chip, a_zvttvfapi_net_set_interface_updown,
-                    "a_zvttvfapi_net_set_interface_updown(\"eth0\", 1)",
-                    [&] { return network->a_hidl_zvttvfapi_net_set_interface_updown(cut, true); });
-    EXPECT_EQ(log.takeLines(), linesOf("set_interface_updown"));
-}
-
-TEST_F(Network, LendsTheClientsOwnTextWhateverItsLengthAndLogsNothingWithoutTheFlag) {
-    LogCapture silent(0);
+    expectRows({
+            {METHOD(a_hidl_zvttvfapi_net_set_mac, "02:00:00:00:00:01"), "set_mac(*)", "-7",
+             " E a_zvttvfapi_net_set_mac Fail!\n"},
+            {METHOD(a_hidl_zvttvfapi_net_set_interface_updown, cut, true),
+             "set_interface_updown(\"eth0\", 1)", "-7", " E a_zvttvfapi_net_set_interface_updown Fail!\n"},
+    });
+    chip.returnsOtherwise(0);
+    EXPECT_EQ(OUTCOME(a_hidl_zvttvfapi_net_set_interface_updown, cut, true).lines,
+              " E a_zvttvfapi_net_set_interface_updown OK!\n");
     for (const hidl_string& strMac :
          {hidl_string(), hidl_string("02:00"), hidl_string(std::string(99, '0'))}) {
-        const void* lent = nullptr;
         chip.on(a_zvttvfapi_net_set_mac, [&](unsigned int* pu32Mac) {
-            lent = pu32Mac;
+            EXPECT_EQ(static_cast<const void*>(pu32Mac), strMac.c_str()) << "lent, not copied";
             return 0;
         });
-        EXPECT_TRUE(network->a_hidl_zvttvfapi_net_set_mac(strMac).isOk());
-        EXPECT_EQ(lent, strMac.c_str());
+        EXPECT_EQ(OUTCOME(a_hidl_zvttvfapi_net_set_mac, strMac).lines, " E a_zvttvfapi_net_set_mac OK!\n");
     }
-    EXPECT_THAT(silent.takeLines(), ::testing::IsEmpty());
 }
 
 }  // namespace

@@ -1,41 +1,19 @@
 #include "adapters/peripheral/ZvtTvFApiPeripheral.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <iomanip>
-#include <numeric>
 #include <sstream>
-#include <string>
 
-#include "chiplayer/common.h"
 #include "chiplayer/prphrl.h"
+#include "tests/adapters/Adapter.h"
 #include "tests/fake/FailingAllocation.h"
-#include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Config = ZvtTvFApiStdFactoryUartConfig;
 using Attr = ZvtTvFApiPwmAttr;
 using Channel = ZvtTvFApiPwmChannel;
-
-std::string show(int64_t number) {
-    return std::to_string(number);
-}
-std::string show(const Bytes& bytes) {
-    std::ostringstream out;
-    for (const uint8_t byte : bytes) {
-        out << std::hex << std::setfill('0') << std::setw(2) << +byte;
-    }
-    return '<' + out.str() + '>';
-}
-std::string show(const ZvtTvFApiHDMI_EDID_Data_t& stEdid) {
-    return show(Bytes(stEdid.au8EdidData.data(), stEdid.au8EdidData.data() + 256));
-}
 
 // count bytes that differ from their neighbours, none of them 0, and their period is no power of 2.
 Bytes numbered(size_t count) {
@@ -57,83 +35,17 @@ std::string byteLines(const std::string& text, const Bytes& bytes) {
     return out.str();
 }
 
-class Peripheral : public ::testing::Test {
+class Peripheral : public Adapter<ZvtTvFApiPeripheral> {
   protected:
-    // What a call has delivered ("result status"), the log lines (" P text" each), a bar where the delivery
-    // was: none of the methods writes a line behind it.
-    struct Outcome {
-        std::string answer;
-        std::string lines;
-    };
+    Peripheral() : Adapter("ZvtTvFApiPeripheral", "prphrl") {}
 
-    auto results() {
-        return [this](const auto& result, int32_t s32Status) {
-            mOutcome.answer += show(result) + ' ' + std::to_string(s32Status);
-            collectLines();
-            mOutcome.lines += '|';
-        };
-    }
-    template <typename Call>
-    Outcome outcomeOf(const std::string& method, Call call) {
-        mMethod = method;
-        mOutcome = {};
-        log.takeLines();
-        const auto returned = call();
-        EXPECT_TRUE(returned.isOk());
-        addReturned(returned);
-        collectLines();
-        if (!mOutcome.lines.empty() && mOutcome.lines.back() == '|') {
-            mOutcome.lines.pop_back();
-        }
-        return mOutcome;
-    }
-    template <typename T>
-    void addReturned(const Return<T>& returned) {
-        mOutcome.answer = show(static_cast<T>(returned));
-    }
-    void addReturned(const Return<void>&) {}
-    void collectLines() {
-        for (const std::string& line : log.takeLines()) {
-            const std::string prefix = " ZvtTvFApiPeripheral(server): <" + mMethod + ":#>";
-            EXPECT_EQ(line.substr(1, prefix.size()), prefix);
-            mOutcome.lines += std::string(" ") + line[0] + line.substr(1 + prefix.size());
-        }
-    }
-    // The calls since the last time, one behind the other; "?" is the question for readiness.
-    std::string calls() {
-        std::string all;
-        for (const std::string& call : chip.takeCalls()) {
-            const std::string prefix = "a_zvttvfapi_prphrl_";
-            all += call == "a_zvttvfapi_common_get_fapi_status()" ? "?" : call.substr(prefix.size());
-        }
-        return all;
-    }
-
-    FakeChipLayer chip;
-    LogCapture log;
-    ::android::sp<ZvtTvFApiPeripheral> object = new ZvtTvFApiPeripheral();
-    ZvtTvFApiPeripheral& prphrl = *object;
     const hidl_string strName{"n\0cut", 5};
-    std::string mMethod;
-    Outcome mOutcome;
 };
 
-#define OUTCOME(name, ...) outcomeOf(#name, [&] { return prphrl.name(__VA_ARGS__); })
-#define METHOD(name, ...) [&] { return OUTCOME(name, __VA_ARGS__); }
-
-// One row per method and way through it: what it calls, what it answers and logs when the library returns -7,
-// and what it answers when the library is not ready. That -7 is -5 once: a library may say so itself.
 TEST_F(Peripheral, PassesArgumentsOnAndTheResultBackAndSaysNothingWhileNotReady) {
     const std::string zeros = show(Bytes(256));
     const hidl_vec<uint8_t> vecThree = {1, 0, 0xFE};
-    struct {
-        std::function<Outcome()> call;
-        std::string chipCall;
-        std::string answer = "-7";
-        std::string lines = "";
-        std::string unready = "-5";
-        bool guarded = true;
-    } const rows[] = {
+    expectRows({
             {METHOD(a_hidl_zvttvfapi_prphrl_set_factory_uart_onoff, true, -1, 2, 127),
              "start_factory_uart(-1, 2, 127)", "0", " E set_factory_uart_start s32Ret 249", "0"},
             {METHOD(a_hidl_zvttvfapi_prphrl_set_factory_uart_onoff, false, -1, 2, 127),
@@ -217,26 +129,7 @@ TEST_F(Peripheral, PassesArgumentsOnAndTheResultBackAndSaysNothingWhileNotReady)
             {METHOD(a_hidl_a_zvttvfapi_prphrl_reload_hdcp, ZvtTvFApiReloadHdcp::STATE), "reload_hdcp(0)"},
             {METHOD(a_hidl_a_zvttvfapi_prphrl_reload_hdcp, ZvtTvFApiReloadHdcp{1}), "", "-2"},
             {METHOD(a_hidl_zvttvfapi_prphrl_switch_to_ttys1, true), "switch_to_ttys1(1)", "0"},
-    };
-    for (const auto& row : rows) {
-        const std::string guard = row.guarded ? "?" : "";
-        chip.returns(a_zvttvfapi_common_get_fapi_status, 0);
-        chip.returnsOtherwise(-7);
-        const Outcome outcome = row.call();
-        SCOPED_TRACE(mMethod);
-        EXPECT_EQ(outcome.answer, row.answer);
-        EXPECT_EQ(outcome.lines, row.lines);
-        EXPECT_EQ(calls(), guard + row.chipCall);
-        chip.returnsOtherwise(-5);
-        EXPECT_EQ(row.call().lines.empty(), row.lines.empty()) << "-5 of a library that is ready is a result";
-        calls();
-        chip.returns(a_zvttvfapi_common_get_fapi_status, -5);
-        chip.returnsOtherwise(-7);
-        const Outcome unready = row.call();
-        EXPECT_EQ(unready.answer, row.unready);
-        EXPECT_EQ(unready.lines, row.guarded ? "" : row.lines);
-        EXPECT_EQ(calls(), row.guarded ? "?" : row.chipCall);
-    }
+    });
 }
 
 TEST_F(Peripheral, TakesTheLowEightBitsOfAResultThatIsNoStatus) {

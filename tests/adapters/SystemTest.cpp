@@ -11,9 +11,9 @@
 
 #include "chiplayer/common.h"
 #include "chiplayer/sys.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -100,7 +100,7 @@ class System : public ::testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiSystem> object = new ZvtTvFApiSystem();
     ZvtTvFApiSystem& sys = *object;
     const hidl_string strPath{"/p\0cut", 6};

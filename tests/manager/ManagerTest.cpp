@@ -10,8 +10,8 @@
 
 #include "chiplayer/chiplayer.h"
 #include "manager/ClientDeathRecipient.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
@@ -73,7 +73,7 @@ TEST(Manager, EachFailedStepWritesOneLineAndStopsNothing) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         FakeChipLayer chip;
-        LogCapture log;
+        DeviceLog log;
         row.fail(chip);
         const auto unless = [](bool done, const char* name, const char* text) {
             return done ? Lines{} : Lines{error(name, text)};
@@ -103,7 +103,7 @@ TEST(Manager, EachFailedStepWritesOneLineAndStopsNothing) {
 
 TEST(Manager, IsSilentWithTheFlagAtZeroEvenWhenEverythingFails) {
     FakeChipLayer chip;
-    LogCapture log(0);
+    DeviceLog log(0);
     chip.returns(a_zvttvfapi_sys_reg_callback, -1);
     chip.returns(a_zvttvfapi_sys_init, -1);
     chip.returns(a_zvttvfapi_sys_deinit, -1);
@@ -115,21 +115,26 @@ TEST(Manager, IsSilentWithTheFlagAtZeroEvenWhenEverythingFails) {
 
 TEST(Manager, AStepsResultIsTheBitsOfAllEight) {
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ZvtTvFApiManager> manager = new ZvtTvFApiManager();
-    // The first and the last of each step.
-    chip.returns(a_zvttvfapi_aud_reg_callback, 1);
-    chip.returns(a_zvttvfapi_sys_reg_callback, 2);
-    chip.returns(a_zvttvfapi_sys_init, 1);
-    chip.returns(a_zvttvfapi_prphrl_init, 6);
-    chip.returns(a_zvttvfapi_aud_deinit, 8);
-    chip.returns(a_zvttvfapi_sys_deinit, 1);
-    chip.returns(a_zvttvfapi_aud_unreg_callback, 4);
-    chip.returns(a_zvttvfapi_sys_unreg_callback, 1);
-    EXPECT_EQ(int32_t{manager->initCallback()}, 3);
-    EXPECT_EQ(int32_t{manager->initModules()}, 7);
-    EXPECT_EQ(int32_t{manager->deinitModules()}, 9);
-    EXPECT_EQ(int32_t{manager->deinitCallback()}, 5);
+    // A bit of its own for each module in each step.
+    uint32_t bit = 1;
+    const auto fail = [&](auto... functions) {
+        ((chip.returns(functions, static_cast<int32_t>(bit)), bit <<= 1), ...);
+    };
+#define FAIL_STEP(step)                                                               \
+    fail(a_zvttvfapi_aud_##step, a_zvttvfapi_disp_##step, a_zvttvfapi_disptst_##step, \
+         a_zvttvfapi_info_##step, a_zvttvfapi_inpsrc_##step, a_zvttvfapi_net_##step,  \
+         a_zvttvfapi_prphrl_##step, a_zvttvfapi_sys_##step)
+    FAIL_STEP(reg_callback);
+    FAIL_STEP(init);
+    FAIL_STEP(deinit);
+    FAIL_STEP(unreg_callback);
+#undef FAIL_STEP
+    EXPECT_EQ(int32_t{manager->initCallback()}, 0xFF);
+    EXPECT_EQ(int32_t{manager->initModules()}, 0xFF00);
+    EXPECT_EQ(int32_t{manager->deinitModules()}, 0xFF0000);
+    EXPECT_EQ(int32_t{manager->deinitCallback()}, ~0xFFFFFF);
 }
 
 TEST(Manager, EachModuleGetsTheHandlerOfItsNameWhichMayRunAtOnce) {
@@ -148,7 +153,7 @@ TEST(Manager, EachModuleGetsTheHandlerOfItsNameWhichMayRunAtOnce) {
     };
     for (const auto& row : rows) {
         FakeChipLayer chip;
-        LogCapture log;
+        DeviceLog log;
         // The event arrives while the manager's constructor is still running.
         chip.on(row.registration, [](fapi_core::ZvtTvFApiEventHandler handler) {
             const fapi_core::ZvtTvFApiEventCommonObject object;
@@ -162,7 +167,7 @@ TEST(Manager, EachModuleGetsTheHandlerOfItsNameWhichMayRunAtOnce) {
 }
 
 TEST(ClientDeathRecipient, LogsTheCookieOfTheLink) {
-    LogCapture log;
+    DeviceLog log;
     ::android::sp<ClientDeathRecipient>(new ClientDeathRecipient())->serviceDied(UINT64_MAX, nullptr);
     EXPECT_THAT(log.takeLines(), ElementsAre("E ZvtTvFApiManager(server): <serviceDied:#> Client disconnect "
                                              "18446744073709551615"));

@@ -13,9 +13,9 @@
 #include "manager/ClientDeathRecipient.h"
 #include "manager/ClientRegistry.h"
 #include "manager/ZvtTvFApiManager.h"
+#include "tests/fake/DeviceLog.h"
 #include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
-#include "tests/fake/LogCapture.h"
 #include "tests/support/SoiledStack.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
@@ -110,7 +110,7 @@ class RelayTest : public testing::Test {
     }
 
     FakeChipLayer chip;
-    LogCapture log;
+    DeviceLog log;
     const sp<ZvtTvFApiManager> manager = new ZvtTvFApiManager;
     const Chip empty;
 };

@@ -65,17 +65,7 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
                                                                      })
                         .isOk());
     EXPECT_EQ(0, status);
-    EXPECT_TRUE(std::filesystem::exists(mState + "/identity.ini"))
-            << "the board's own initialisation has run";
-}
-
-TEST_F(ServiceTest, ALibraryThatIsNotReadyAnswersEveryCallWithItsStatusUntilItIs) {
-    setenv("ZVTTV_BOARD_READY", "700", 1);
-    startAndWait();
-    EXPECT_EQ(std::pair(std::string(), -5), version());
-    EXPECT_EQ(-5, int32_t(IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_set_ini_para(
-                          "panel", "test:value", "1")));
-    EXPECT_TRUE(eventually([] { return version().second == 0; }));
+    EXPECT_TRUE(std::filesystem::exists(mState + "/ini/pq.ini")) << "the custom library has been started";
 }
 
 TEST_F(ServiceTest, TheDebugLevelsLowByteDecidesWhetherAnythingIsLogged) {

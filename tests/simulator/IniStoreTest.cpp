@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <atomic>
-#include <thread>
 #include <vector>
 
 #include "simulator/IniText.h"
@@ -29,8 +27,8 @@ class IniStoreTest : public testing::Test {
         return status == kOk ? value : std::to_string(status);
     }
 
-    std::string probe(const std::string& arguments, const std::string& environment = "") const {
-        return ::probe("ZVTTV_STATE_DIR=" + mFolder.path() + " " + environment, arguments);
+    std::string probe(const std::string& arguments) const {
+        return ::probe("ZVTTV_STATE_DIR=" + mFolder.path(), arguments);
     }
 
     TemporaryFolder mFolder;
@@ -198,57 +196,4 @@ TEST_F(IniStoreTest, EitherStoresAReadableValueOrLeavesAStrangeFileAlone) {
         }
     }
     EXPECT_GT(stored, 1000U);
-}
-
-TEST_F(IniStoreTest, PutsAnAcknowledgedValueOnTheDisk) {
-    // The first time, with the folder that it makes.
-    EXPECT_EQ(probe("set f k 1", "PROBE_TRACE=1"), "fsync folder, fsync file, rename f.ini, fsync folder, 0");
-    EXPECT_EQ(probe("set f k 2", "PROBE_TRACE=1"), "fsync file, rename f.ini, fsync folder, 0");
-}
-
-TEST_F(IniStoreTest, KeepsTheOldFileWhenAWriteFailsOrItsProcessDies) {
-    ASSERT_EQ(probe("set f k old"), "0");
-    for (const auto& [fault, outcome] :
-         {std::pair("PROBE_DIE_AT=fsync", "exit 42"), std::pair("PROBE_DIE_AT=rename", "exit 42"),
-          std::pair("PROBE_FILE_LIMIT=5", "-103")}) {
-        EXPECT_EQ(probe("set f k new", fault), outcome) << fault;
-        EXPECT_EQ(contentOf(mFolder / "ini/f.ini"), "k = old\n") << fault;
-    }
-    // What the dead left behind is in nobody's way.
-    EXPECT_EQ(set("f", "k", "new"), kOk);
-    EXPECT_EQ(get("f", "k"), "new");
-}
-
-TEST_F(IniStoreTest, LosesNoWriteOfProcessesAndThreadsThatWriteTheSameFile) {
-    constexpr int kWrites = 250;
-    std::atomic<bool> done{false};
-    std::thread reader([&] {
-        while (!done) {
-            const std::string value = get("count", "t1:0");
-            EXPECT_TRUE(value == "1" || value == std::to_string(kNotFound)) << value;
-        }
-    });
-    std::vector<std::thread> writers;
-    for (const char* name : {"p1", "p2"}) {
-        writers.emplace_back([this, name] {
-            EXPECT_EQ(probe(std::string("count ") + name + " " + std::to_string(kWrites)), "0");
-        });
-    }
-    for (const char* name : {"t1", "t2"}) {
-        writers.emplace_back([this, name] {
-            for (int i = 0; i < kWrites; ++i) {
-                EXPECT_EQ(set("count", std::string(name) + ":" + std::to_string(i), "1"), kOk);
-            }
-        });
-    }
-    for (std::thread& writer : writers) {
-        writer.join();
-    }
-    done = true;
-    reader.join();
-    for (const char* name : {"p1", "p2", "t1", "t2"}) {
-        for (int i = 0; i < kWrites; ++i) {
-            EXPECT_EQ(get("count", std::string(name) + ":" + std::to_string(i)), "1") << name << i;
-        }
-    }
 }

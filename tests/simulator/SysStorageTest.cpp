@@ -4,6 +4,7 @@
 #include <thread>
 #include <vector>
 
+#include "chiplayer/info.h"
 #include "tests/simulator/SysFixture.h"
 
 using namespace simulator;
@@ -33,6 +34,12 @@ class SysStorageTest : public SysFixture {
     static int32_t seal(const std::string& storage, const std::string& name, const std::string& key) {
         return a_zvttvfapi_sys_secure_storage_encrypt_key(bytes(storage), bytes(name), bytes(key),
                                                           static_cast<unsigned char>(key.size()));
+    }
+    /** A parameter of count.ini; nothing if it has been lost. */
+    static std::string counted(const std::string& key) {
+        unsigned char value[8] = "";
+        a_zvttvfapi_info_get_ini_para(bytes("count"), bytes(key), value, sizeof(value));
+        return reinterpret_cast<const char*>(value);
     }
     /** What the board shows of a key: its line without the name. */
     static std::string shown(const std::string& name) {
@@ -121,15 +128,18 @@ TEST_F(SysStorageTest, AcknowledgedWritesAreOnTheDiskAndCutOnesHappenedNotAtAll)
         const char* before;
         const char* write;
         const char* file;
-    } rows[] = {{"env-set name old", "env-set name new", "env.txt"},
-                {"area-write misc 0 old-and-longer", "area-write misc 4 new", "misc.bin"},
-                {"seal hdcp tx old", "seal hdcp tx new", "hdcp.tx.sealed"}};
+    } rows[] = {{"env-set name old", "env-set name new", "emmc/env.txt"},
+                {"area-write misc 0 old-and-longer", "area-write misc 4 new", "emmc/misc.bin"},
+                {"seal hdcp tx old", "seal hdcp tx new", "secure/hdcp.tx.sealed"},
+                {"set f key old", "set f key new", "ini/f.ini"}};
     for (const auto& row : rows) {
+        const fs::path path = state() / row.file;
+        const std::string order = "fsync file, rename " + path.filename().string() + ", fsync folder, 0";
+        // A folder that a write has to make first is on the disk before it is acknowledged.
+        fs::remove_all(path.parent_path());
+        EXPECT_THAT(restarted(row.before, "PROBE_TRACE=1"), HasSubstr("fsync folder, " + order));
+        EXPECT_EQ(restarted(row.write, "PROBE_TRACE=1"), order);
         ASSERT_EQ(restarted(row.before), "0");
-        EXPECT_EQ(restarted(row.write, "PROBE_TRACE=1"),
-                  "fsync file, rename " + std::string(row.file) + ", fsync folder, 0");
-        ASSERT_EQ(restarted(row.before), "0");
-        const std::string path = state() / (row.file[0] == 'h' ? "secure/" : "emmc/") + row.file;
         const std::string old = contentOf(path);
         for (const auto& [fault, outcome] : {std::pair("PROBE_DIE_AT=fsync", "exit 42"),
                                              {"PROBE_DIE_AT=rename", "exit 42"},
@@ -140,10 +150,6 @@ TEST_F(SysStorageTest, AcknowledgedWritesAreOnTheDiskAndCutOnesHappenedNotAtAll)
         EXPECT_EQ(restarted(row.write), "0");
         EXPECT_FALSE(contentOf(path) == old);
     }
-    // A folder that a write has to make first is on the disk before it is acknowledged.
-    fs::remove_all(state() / "emmc");
-    EXPECT_THAT(restarted("env-set name new", "PROBE_TRACE=1"),
-                testing::StartsWith("fsync folder, fsync file"));
 }
 
 TEST_F(SysStorageTest, WritesOfThreadsAndProcessesSideBySideLoseNoneOfEachOther) {
@@ -155,8 +161,12 @@ TEST_F(SysStorageTest, WritesOfThreadsAndProcessesSideBySideLoseNoneOfEachOther)
                 std::string digit = number;
                 EXPECT_EQ(set("v" + number + "-" + std::to_string(round), number), kOk);
                 EXPECT_EQ(area(true, "misc", static_cast<uint32_t>(8 * round + i), 1, digit), kOk);
+                const std::string key = "t" + number + ":" + std::to_string(round);
+                EXPECT_EQ(a_zvttvfapi_info_set_ini_para(bytes("count"), bytes(key), bytes("1")), kOk);
+                EXPECT_EQ(counted(key), "1");
             }
             EXPECT_EQ(restarted("area-write misc " + std::to_string(160 + i) + " " + number), "0");
+            EXPECT_EQ(restarted("count p" + number + " 20"), "0");
         });
     }
     for (std::thread& writer : writers) {
@@ -167,7 +177,9 @@ TEST_F(SysStorageTest, WritesOfThreadsAndProcessesSideBySideLoseNoneOfEachOther)
     for (int i = 0; i < 168; ++i) {
         EXPECT_EQ(digits[static_cast<size_t>(i)], '0' + i % 8) << i;
         if (i < 160) {
-            EXPECT_EQ(get("v" + std::to_string(i % 8) + "-" + std::to_string(i / 8)), std::to_string(i % 8));
+            const std::string writer = std::to_string(i % 8), round = std::to_string(i / 8);
+            EXPECT_EQ(get("v" + writer + "-" + round), writer);
+            EXPECT_EQ(counted("t" + writer + ":" + round) + counted("p" + writer + ":" + round), "11");
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 /** One line that was logged while a LogCapture lived. */
@@ -17,7 +18,7 @@ struct LogLine {
 class LogCapture {
   public:
     LogCapture() {
-        sLines().clear();
+        takeLines();
         mPriority = __android_log_set_minimum_priority(ANDROID_LOG_VERBOSE);
         __android_log_set_logger([](const __android_logger_data* data, const char* text) {
             const std::lock_guard<std::mutex> lock(sLock());
@@ -34,6 +35,11 @@ class LogCapture {
     std::vector<LogLine> lines() const {
         const std::lock_guard<std::mutex> lock(sLock());
         return sLines();
+    }
+    /** The lines since the last time. */
+    std::vector<LogLine> takeLines() {
+        const std::lock_guard<std::mutex> lock(sLock());
+        return std::exchange(sLines(), {});
     }
 
     bool contains(const std::string& part) const {

@@ -1,16 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <thread>
 
+#include "tests/support/ChildProcess.h"
 #include "tests/tools/Manager.h"
 #include "tests/tools/TestPackage.h"
 #include "tools/fapictl/FactoryPackage.h"
@@ -35,24 +34,12 @@ class Service : public testing::Test {
         setenv("HIDL_RUNTIME_DIR", (sDirectory.path + "/run").c_str(), 1);
     }
 
-    ~Service() override { stop(); }
-
     void start(const std::string& instance) {
-        std::string program = FAPICTL_TEST_SERVICE;
-        std::string argument = instance;
-        char* const arguments[] = {program.data(), argument.data(), nullptr};
-        ASSERT_EQ(posix_spawn(&mPid, program.c_str(), nullptr, nullptr, arguments, environ), 0);
+        mProcess.emplace(std::vector<std::string>{FAPICTL_TEST_SERVICE, instance});
     }
     void startAndWait(const std::string& instance) {
         start(instance);
         ASSERT_EQ(tool({"wait", "Thing", "--instance", instance, "--timeout", "30"}).code, Exit::Success);
-    }
-    void stop() {
-        if (mPid > 0) {
-            kill(mPid, SIGKILL);
-            waitpid(mPid, nullptr, 0);
-            mPid = 0;
-        }
     }
     static Ran tool(const std::vector<std::string>& words) { return ran(testPackage(), words); }
 
@@ -64,7 +51,7 @@ class Service : public testing::Test {
         }
         std::string path;
     } sDirectory;
-    pid_t mPid = 0;
+    std::optional<ChildProcess> mProcess;
 };
 
 Service::Directory Service::sDirectory;
@@ -83,8 +70,8 @@ TEST_F(Service, IsWaitedForAndListedWhileItsProcessLives) {
               "\n");
 
     EXPECT_EQ(tool({"list", "thing", "--instance", "late", "--no-legend"}).out,
-              "test.fapictl@1.0::IZvtTvFApiThing  late  " + std::to_string(mPid) + "\n");
-    stop();
+              "test.fapictl@1.0::IZvtTvFApiThing  late  " + std::to_string(mProcess->pid()) + "\n");
+    mProcess.reset();
     const Ran gone = tool({"list", "thing", "--instance", "late"});
     EXPECT_EQ(gone.code, Exit::NotFound);
     EXPECT_EQ(gone.out, "");
@@ -177,7 +164,7 @@ class Watch : public Service {
   protected:
     void SetUp() override { startAndWait("events"); }
     ~Watch() override {
-        stop();
+        mProcess.reset();
         join();
     }
 
@@ -260,7 +247,7 @@ TEST_F(Watch, EndsWhenTheServiceDies) {
 
 TEST_F(Watch, EndsWellWhenItIsAskedTo) {
     for (const int signal : {SIGTERM, SIGINT}) {
-        stop();
+        mProcess.reset();
         startAndWait("events");
         watch({});
         kill(getpid(), signal);
