@@ -42,8 +42,7 @@ class Inbound final : private Answer {
      */
     bool serve();
 
-    /** Another thread should have the next turn: no thread is free, or the peer's process has others waiting.
-     */
+    /** Other connections of the peer's process wait for one of its threads. */
     bool othersWait() const { return process().hasParked(); }
 
     /**

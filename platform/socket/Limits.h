@@ -9,8 +9,8 @@ namespace android::hardware {
 
 // What one process may cost us, whatever number of endpoints it uses. One that asks for more loses the
 // connection that asked, or the call; others notice nothing. Together they bound a process's memory to about
-// kMaxCallConnections * 2 * kMaxMessageBytes + kMaxOneWayBytes + kMaxEndpointsPerProcess * 2 *
-// kMaxMessageBytes, 48 MiB, of which a well-behaved one uses what its calls carry.
+// kMaxCallConnections * 2 * kMaxMessageBytes + kMaxEndpointsPerProcess * (2 * kMaxMessageBytes +
+// kMaxOneWayBytes), 52 MiB, of which a well-behaved one, with one endpoint, uses what its calls carry.
 
 /** Connections that carry a process's calls, hence its calls at one time. A caller with more threads waits.
  */
@@ -21,7 +21,8 @@ constexpr size_t kMaxEndpointsPerProcess = 8;
 
 /**
  * Calls that one thread serves inside each other, because the thread that waits for its answer calls back.
- * The next one is refused with FAILED_TRANSACTION. Each takes about 12 KiB of stack.
+ * The next one is refused with FAILED_TRANSACTION. So many fit on an ordinary thread's stack of 8 MiB, the
+ * sanitizers' larger frames included.
  */
 constexpr int kMaxNestedCalls = 64;
 
