@@ -71,6 +71,19 @@ status_t writeEmbeddedToParcel(const hidl_string& text, Parcel* parcel, size_t p
     return parcel->writeEmbeddedBuffer(text.c_str(), text.size() + 1, &handle, parentHandle, parentOffset);
 }
 
+status_t readEmbeddedFromParcel(hidl_handle& handle, const Parcel& parcel, size_t parentHandle,
+                                size_t parentOffset) {
+    // What came for these fields is no address of ours.
+    handle.mHandle = nullptr;
+    handle.mOwnsHandle = false;
+    return parcel.readNullableEmbeddedNativeHandle(parentHandle, parentOffset, &handle.mHandle);
+}
+
+status_t writeEmbeddedToParcel(const hidl_handle& handle, Parcel* parcel, size_t parentHandle,
+                               size_t parentOffset) {
+    return parcel->writeEmbeddedNativeHandle(handle, parentHandle, parentOffset);
+}
+
 namespace details {
 
 void normaliseBooleans(uint8_t* bytes, size_t count) {

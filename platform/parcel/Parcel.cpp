@@ -12,6 +12,17 @@ constexpr size_t padded8(size_t size) {
     return (size + 7) & ~size_t{7};
 }
 
+/** Bytes of a native handle; false when it is none. */
+bool sizeOf(const native_handle_t& handle, size_t* size) {
+    if (handle.version != static_cast<int>(sizeof(handle)) || handle.numFds < 0 ||
+        handle.numFds > NATIVE_HANDLE_MAX_FDS || handle.numInts < 0 ||
+        handle.numInts > NATIVE_HANDLE_MAX_INTS) {
+        return false;
+    }
+    *size = sizeof(handle) + static_cast<size_t>(handle.numFds + handle.numInts) * sizeof(int);
+    return true;
+}
+
 }  // namespace
 
 /** Keeps the first failure. */
@@ -99,7 +110,7 @@ status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* hand
     if (size > kMaxTransactionBytes) {
         return fail(FAILED_TRANSACTION);
     }
-    if (parentHandle >= mPieces.size() || mPieces[parentHandle].parent == kIsObject ||
+    if (parentHandle >= mPieces.size() || !isBuffer(mPieces[parentHandle]) ||
         mPieces[parentHandle].size < sizeof(void*) ||
         parentOffset > mPieces[parentHandle].size - sizeof(void*) || parentOffset % sizeof(void*) != 0) {
         return fail(BAD_VALUE);
@@ -175,15 +186,112 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
     return status == OK ? mReceived.objects->takeObject(form, object) : status;
 }
 
+status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
+    size_t size = 0;
+    if (handle != nullptr && !sizeOf(*handle, &size)) {
+        return fail(BAD_VALUE);
+    }
+    status_t status = writeUint64(size);
+    if (status != OK || handle == nullptr) {
+        return status;
+    }
+    size_t number = 0;
+    status = writeBuffer(handle, size, &number);
+    return status == OK ? writeDescriptors(*handle) : status;
+}
+
+status_t Parcel::writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
+                                           size_t parentOffset) {
+    size_t size = 0;
+    if (handle != nullptr && !sizeOf(*handle, &size)) {
+        return fail(BAD_VALUE);
+    }
+    status_t status = writeUint64(size);
+    if (status != OK || handle == nullptr) {
+        return status;
+    }
+    size_t number = 0;
+    status = writeEmbeddedBuffer(handle, size, &number, parentHandle, parentOffset);
+    return status == OK ? writeDescriptors(*handle) : status;
+}
+
+status_t Parcel::writeDescriptors(const native_handle_t& handle) {
+    const auto count = static_cast<size_t>(handle.numFds);
+    mDescriptorCount += count;
+    size_t number = 0;
+    return appendPiece(handle.data, count, kIsDescriptors, 0, &number);
+}
+
+status_t Parcel::readNativeHandleSize(size_t* size) const {
+    uint64_t announced = 0;
+    const status_t status = readScalar(&announced);
+    if (status == OK && announced != 0 && announced < sizeof(native_handle_t)) {
+        return BAD_VALUE;
+    }
+    *size = announced;
+    return status;
+}
+
+/** The buffer of that size is a native handle, whose descriptors come next. */
+status_t Parcel::takeDescriptors(size_t size, const native_handle_t& handle) const {
+    size_t expected = 0;
+    if (!sizeOf(handle, &expected) || expected != size) {
+        return BAD_VALUE;
+    }
+    size_t number = 0;
+    uint8_t* unused = nullptr;
+    return takePiece(static_cast<size_t>(handle.numFds), kIsDescriptors, 0, &number, &unused);
+}
+
+status_t Parcel::readNullableNativeHandleNoDup(const native_handle_t** handle) const {
+    *handle = nullptr;
+    size_t size = 0;
+    status_t status = readNativeHandleSize(&size);
+    if (status != OK || size == 0) {
+        return status;
+    }
+    size_t number = 0;
+    const void* data = nullptr;
+    status = readBuffer(size, &number, &data);
+    if (status == OK) {
+        const auto* read = static_cast<const native_handle_t*>(data);
+        status = takeDescriptors(size, *read);
+        *handle = status == OK ? read : nullptr;
+    }
+    return status;
+}
+
+status_t Parcel::readNullableEmbeddedNativeHandle(size_t parentHandle, size_t parentOffset,
+                                                  const native_handle_t** handle) const {
+    *handle = nullptr;
+    size_t size = 0;
+    status_t status = readNativeHandleSize(&size);
+    if (status != OK || size == 0) {
+        return status;
+    }
+    size_t number = 0;
+    const void* data = nullptr;
+    status = readEmbeddedBuffer(size, &number, parentHandle, parentOffset, &data);
+    if (status == OK) {
+        const auto* read = static_cast<const native_handle_t*>(data);
+        status = takeDescriptors(size, *read);
+        *handle = status == OK ? read : nullptr;
+    }
+    return status;
+}
+
 size_t Parcel::transactionBytes() const {
-    // The driver's forms: an object of a transaction takes 24 bytes among the data, a buffer 40, and each but
-    // a null object 8 in the table of them.
+    // The driver's forms: an object of a transaction takes 24 bytes among the data, a buffer 40, an array of
+    // descriptors 32, and each but a null object 8 in the table of them.
     constexpr size_t kObjectBytes = 24;
     constexpr size_t kBufferBytes = 40;
+    constexpr size_t kDescriptorsBytes = 32;
     size_t data = mScalars.size();
     size_t listed = 0;
     for (const ParcelPiece& piece : mPieces) {
-        data += piece.parent == kIsObject ? kObjectBytes : kBufferBytes;
+        data += piece.parent == kIsObject        ? kObjectBytes
+                : piece.parent == kIsDescriptors ? kDescriptorsBytes
+                                                 : kBufferBytes;
         listed += piece.parent == kIsObject && piece.size == 0 ? 0 : 1;
     }
     return padded8(data) + 8 * listed + mBufferBytes;
@@ -205,6 +313,7 @@ void Parcel::clear() {
     mBufferBytes = 0;
     mLongest = 0;
     mObjects.clear();
+    mDescriptorCount = 0;
     mError = OK;
 }
 

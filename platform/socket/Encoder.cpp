@@ -48,6 +48,10 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
         return FAILED_TRANSACTION;
     }
 
+    if (parcel.descriptorCount() > 0) {
+        return FAILED_TRANSACTION;  // they do not travel over sockets yet
+    }
+
     const size_t referencesAt = sizeof(head) + pieces.size() * sizeof(ParcelPiece);
     const size_t scalarsAt = referencesAt + objects.size() * sizeof(ObjectReference);
     const size_t buffersAt = scalarsAt + padded(scalars.size());
@@ -67,7 +71,7 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
             return NO_MEMORY;
         }
         for (size_t i = 0; i < pieces.size(); ++i) {
-            copied[i] = pieces[i].parent == kIsObject || pieces[i].size <= kCopyBytes;
+            copied[i] = !isBuffer(pieces[i]) || pieces[i].size <= kCopyBytes;
             if (pieces[i].parent < i) {
                 copied[pieces[i].parent] = true;
             }
@@ -105,7 +109,7 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
         const ParcelPiece sent{piece.size, piece.parent, piece.parentOffset, 0};
         std::memcpy(table, &sent, sizeof(sent));
         table += sizeof(sent);
-        if (piece.parent == kIsObject) {
+        if (!isBuffer(piece)) {
             continue;
         }
         const size_t size = piece.size;

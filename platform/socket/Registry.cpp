@@ -323,7 +323,7 @@ status_t Registry::take(std::string_view fqName, std::string_view instance,
     if (!isNew) {
         return ALREADY_EXISTS;
     }
-    held->second.record = {kRecordMagic, kRecordVersion, reference, getpid(), 0, 0, 0};
+    held->second.record = {kRecordMagic, kRecordVersion, reference, getpid(), sizeof(void*), 0, 0};
     const status_t status = occupy(file, &held->second.record, &held->second.fd);
     if (status != OK) {
         mHeld.erase(held);
@@ -389,7 +389,7 @@ status_t Registry::list(std::vector<RegistryEntry>* entries) {
         if (separator == std::string::npos) {
             continue;
         }
-        RegistryEntry entry{file.substr(0, separator), file.substr(separator + 1), {}, 0};
+        RegistryEntry entry{file.substr(0, separator), file.substr(separator + 1), {}, 0, 0};
         if (fileOf(entry.fqName, entry.instance) != file) {
             continue;
         }
@@ -403,6 +403,7 @@ status_t Registry::list(std::vector<RegistryEntry>* entries) {
         }
         entry.reference = record.reference;
         entry.pid = record.pid;
+        entry.pointerBytes = record.pointerBytes;
         found.push_back(std::move(entry));
     }
     if (errno != 0) {

@@ -22,6 +22,7 @@ struct RegistryEntry {
     std::string instance;
     ObjectReference reference;
     pid_t pid;
+    uint32_t pointerBytes;  // of that process; 0 when it does not say
 };
 
 /**
@@ -114,7 +115,7 @@ class Registry {
         uint32_t version;
         ObjectReference reference;
         int32_t pid;
-        uint32_t reserved;
+        uint32_t pointerBytes;
         uint64_t takenAt;   // nanoseconds of the monotonic clock; 0 until then
         uint64_t checksum;  // of all before, and of the file's name
     };

@@ -2,7 +2,10 @@
 
 #include "platform/socket/ServiceManager.h"
 
+#include <android/hidl/base/1.0/BpHwBase.h>
+#include <hidl/ServiceManagement.h>
 #include <log/log.h>
+
 #include <exception>
 #include <list>
 #include <optional>
@@ -10,6 +13,10 @@
 
 #include "platform/binding/StatusText.h"
 
+using ::android::hidl::base::V1_0::BnHwBase;
+using ::android::hidl::base::V1_0::BpHwBase;
+using ::android::hidl::base::V1_0::DebugInfo;
+using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace android::hardware {
@@ -21,6 +28,12 @@ constexpr int kRetryMilliseconds = 1000;
 
 bool isSame(const ObjectReference& left, const ObjectReference& right) {
     return left.endpoint == right.endpoint && left.object == right.object && left.nonce == right.nonce;
+}
+
+DebugInfo::Architecture architectureOf(uint32_t pointerBytes) {
+    return pointerBytes == 8   ? DebugInfo::Architecture::IS_64BIT
+           : pointerBytes == 4 ? DebugInfo::Architecture::IS_32BIT
+                               : DebugInfo::Architecture::UNKNOWN;
 }
 
 /** Says where it looked when there is nothing. */
@@ -158,6 +171,29 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
 ServiceManager::ServiceManager(Registry& registry)
     : mRegistry(registry), mNotifier(std::make_shared<Notifier>(registry)) {}
 
+Return<sp<IBase>> ServiceManager::get(const hidl_string& fqName, const hidl_string& name) {
+    return fromBinder<IBase, BpHwBase, BnHwBase>(
+            details::getServiceBinder(fqName.c_str(), name, false /* retry */, false /* getStub */));
+}
+
+Return<bool> ServiceManager::add(const hidl_string& name, const sp<IBase>& service) {
+    return details::registerAsServiceInternal(service, name) == OK;
+}
+
+Return<ServiceManager::Transport> ServiceManager::getTransport(const hidl_string& fqName,
+                                                               const hidl_string& name) {
+    ObjectReference reference;
+    pid_t pid = 0;
+    const status_t status = mRegistry.find(std::string(fqName), std::string(name), &reference, &pid);
+    if (status == OK) {
+        return Transport::HWBINDER;
+    }
+    if (status == NAME_NOT_FOUND || status == BAD_VALUE) {
+        return Transport::EMPTY;
+    }
+    return Status::fromStatusT(status);
+}
+
 Return<bool> ServiceManager::registerForNotifications(const hidl_string& fqName, const hidl_string& name,
                                                       const sp<IServiceNotification>& callback) {
     return callback != nullptr && mNotifier->add(fqName, name, callback);
@@ -178,6 +214,22 @@ Return<void> ServiceManager::list(list_cb _hidl_cb) {
     return Void();
 }
 
+Return<void> ServiceManager::listByInterface(const hidl_string& fqName, listByInterface_cb _hidl_cb) {
+    std::vector<RegistryEntry> entries;
+    const status_t status = listAll(mRegistry, &entries);
+    if (status != OK) {
+        return Status::fromStatusT(status);
+    }
+    std::vector<hidl_string> instances;
+    for (const RegistryEntry& entry : entries) {
+        if (fqName == entry.fqName.c_str()) {
+            instances.emplace_back(entry.instance);
+        }
+    }
+    _hidl_cb(instances);
+    return Void();
+}
+
 Return<void> ServiceManager::debugDump(debugDump_cb _hidl_cb) {
     std::vector<RegistryEntry> entries;
     const status_t status = listAll(mRegistry, &entries);
@@ -187,9 +239,17 @@ Return<void> ServiceManager::debugDump(debugDump_cb _hidl_cb) {
     hidl_vec<InstanceDebugInfo> info;
     info.resize(entries.size());
     for (size_t i = 0; i < entries.size(); ++i) {
-        info[i] = {entries[i].fqName, entries[i].instance, entries[i].pid};
+        info[i].interfaceName = entries[i].fqName;
+        info[i].instanceName = entries[i].instance;
+        info[i].pid = entries[i].pid;
+        info[i].arch = architectureOf(entries[i].pointerBytes);
     }
     _hidl_cb(info);
+    return Void();
+}
+
+Return<void> ServiceManager::registerPassthroughClient(const hidl_string& /* fqName */,
+                                                       const hidl_string& /* name */) {
     return Void();
 }
 

@@ -558,6 +558,8 @@ TEST_F(RegistryTest, ANotificationIsCalledForWhatIsThereAndForEachLaterRegistrat
                            EXPECT_TRUE(info[0].interfaceName == kInterface &&
                                        info[0].instanceName == "default");
                            EXPECT_EQ(info[0].pid, getpid());
+                           EXPECT_EQ(info[0].arch,
+                                     ::android::hidl::base::V1_0::DebugInfo::Architecture::IS_64BIT);
                        })
                         .isOk());
 }

@@ -45,14 +45,61 @@ struct hidl_death_recipient : public virtual RefBase {
     virtual void serviceDied(uint64_t cookie, const wp<::android::hidl::base::V1_0::IBase>& who) = 0;
 };
 
-/** Place of a handle in a record. The host carries no descriptors between processes: it is always null. */
+/**
+ * A native handle, or null, in the layout that travels between processes. It refers to one that outlives it
+ * (a received one refers to the message), or owns it with its descriptors.
+ */
 class hidl_handle {
   public:
-    const native_handle_t* getNativeHandle() const { return nullptr; }
+    hidl_handle() = default;
+    /** Refers to it. */
+    hidl_handle(const native_handle_t* handle) : mHandle(handle) {}  // NOLINT(google-explicit-constructor)
+    /** Owns a copy, with duplicates of the descriptors; ends the process when there is no means for that. */
+    hidl_handle(const hidl_handle& other);
+    hidl_handle(hidl_handle&& other) noexcept { take(other); }
+    ~hidl_handle() { release(); }
+
+    hidl_handle& operator=(const native_handle_t* handle) {
+        release();
+        mHandle = handle;
+        mOwnsHandle = false;
+        return *this;
+    }
+    hidl_handle& operator=(const hidl_handle& other);
+    hidl_handle& operator=(hidl_handle&& other) noexcept {
+        if (this != &other) {
+            release();
+            take(other);
+        }
+        return *this;
+    }
+    /** Refers to it, or owns it if asked to: it comes from native_handle_create() then. */
+    void setTo(native_handle_t* handle, bool shouldOwn = false) {
+        *this = handle;
+        mOwnsHandle = shouldOwn;
+    }
+
+    const native_handle_t* getNativeHandle() const { return mHandle; }
+    const native_handle_t* operator->() const { return mHandle; }
+    operator const native_handle_t*() const { return mHandle; }  // NOLINT(google-explicit-constructor)
 
   private:
-    [[maybe_unused]] uint64_t mReserved[2] = {};
+    friend status_t readEmbeddedFromParcel(hidl_handle& handle, const Parcel& parcel, size_t parentHandle,
+                                           size_t parentOffset);
+
+    void take(hidl_handle& other) {
+        mHandle = other.mHandle;
+        mOwnsHandle = other.mOwnsHandle;
+        other.mHandle = nullptr;
+        other.mOwnsHandle = false;
+    }
+    void release();
+
+    alignas(8) const native_handle_t* mHandle = nullptr;
+    bool mOwnsHandle = false;
+    uint8_t mPad[7] = {};  // sent with the rest, so never left unset
 };
+static_assert(sizeof(hidl_handle) == 16, "the layout is part of the wire format");
 
 /** Place of shared memory in a record. The host does not carry it: it is always empty. */
 class hidl_memory {
@@ -79,7 +126,18 @@ struct bs_tag {};    // a pass-through wrapper
 class HidlInstrumentor {
   public:
     HidlInstrumentor(std::string_view /* package */, std::string_view /* interface */) {}
+
+    /** What IBase::setHALInstrumentation() does: there are no settings to read here. */
+    void configureInstrumentation() {}
 };
+
+/** The process to name in IBase::getDebugInfo(). */
+int32_t getPidIfSharable();
+
+/** Whether that may tell an object's address: always, as who calls us could read our memory anyway. */
+constexpr bool debuggable() {
+    return true;
+}
 
 template <typename T>
 std::string toHexString(T value) {
@@ -131,9 +189,8 @@ inline std::string toString(const hidl_string& text) {
     return "\"" + std::string(text) + "\"";
 }
 
-inline std::string toString(const hidl_handle&) {
-    return "[handle]";
-}
+/** The numbers of descriptors and of integers that it has. */
+std::string toString(const hidl_handle& handle);
 
 inline std::string toString(const hidl_memory&) {
     return "[memory]";

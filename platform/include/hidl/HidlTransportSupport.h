@@ -103,6 +103,17 @@ status_t readEmbeddedFromParcel(hidl_string& text, const Parcel& parcel, size_t 
 status_t writeEmbeddedToParcel(const hidl_string& text, Parcel* parcel, size_t parentHandle,
                                size_t parentOffset);
 
+/**
+ * Reads the native handle of the record at parentOffset of buffer parentHandle. It and its descriptors are
+ * the parcel's.
+ *
+ * @return BAD_VALUE when what comes next is none
+ */
+status_t readEmbeddedFromParcel(hidl_handle& handle, const Parcel& parcel, size_t parentHandle,
+                                size_t parentOffset);
+status_t writeEmbeddedToParcel(const hidl_handle& handle, Parcel* parcel, size_t parentHandle,
+                               size_t parentOffset);
+
 namespace details {
 /** Makes any non-zero byte of received booleans the value true. */
 void normaliseBooleans(uint8_t* bytes, size_t count);

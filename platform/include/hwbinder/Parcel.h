@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cutils/native_handle.h>
 #include <hwbinder/IBinder.h>
 #include <hwbinder/InlineVector.h>
 #include <utils/Errors.h>
@@ -24,12 +25,13 @@ constexpr size_t kMaxTransactionBytes = 1024 * 1024 - 2 * 4096;
 constexpr size_t kMaxOneWayBytes = kMaxTransactionBytes / 2;
 
 /**
- * What a parcel holds beside its scalars: a buffer or an object, numbered together in the order of writing. A
- * buffer's handle is its number.
+ * What a parcel holds beside its scalars: a buffer, an object or the descriptors of a native handle, numbered
+ * together in the order of writing. A buffer's handle is its number. The descriptors come right after the
+ * buffer with their native handle, and lie in it, at its data.
  */
 struct ParcelPiece {
-    uint32_t size;          // of a buffer: its bytes; of an object: 1, or 0 for null
-    uint32_t parent;        // number of the buffer that points to this one, or one of the two below
+    uint32_t size;    // of a buffer: its bytes; of an object: 1, or 0 for null; descriptors: their number
+    uint32_t parent;  // number of the buffer that points to this one, or one of the three below
     uint32_t parentOffset;  // where in it the pointer lies; else 0
     uint32_t place;         // written: bytes of scalars before it. Received: where it lies, from the base
 };
@@ -37,6 +39,11 @@ static_assert(sizeof(ParcelPiece) == 16);
 
 constexpr uint32_t kNoParent = UINT32_MAX;
 constexpr uint32_t kIsObject = UINT32_MAX - 1;
+constexpr uint32_t kIsDescriptors = UINT32_MAX - 2;
+
+constexpr bool isBuffer(const ParcelPiece& piece) {
+    return piece.parent != kIsObject && piece.parent != kIsDescriptors;
+}
 
 /** Makes objects of what stands for them in a received message. */
 class ObjectSource {
@@ -137,6 +144,14 @@ class Parcel {
                                  size_t parentOffset);
     /** Null is allowed. */
     status_t writeStrongBinder(const sp<IBinder>& object);
+    /**
+     * The receiver gets descriptors of its own. These stay the caller's, and must be open until the call
+     * returns. Null is allowed; BAD_VALUE for what is no native handle.
+     */
+    status_t writeNativeHandleNoDup(const native_handle_t* handle);
+    /** The same for one whose address the record at parentOffset of buffer parentHandle holds. */
+    status_t writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
+                                       size_t parentOffset);
 
     bool enforceInterface(const char* descriptor) const;
     status_t readInt8(int8_t* value) const { return readScalar(value); }
@@ -164,18 +179,24 @@ class Parcel {
                                 const void** data) const;
     /** The object itself when it lives in this process, else a proxy; null if null was written. */
     status_t readNullableStrongBinder(sp<IBinder>* object) const;
+    /** A native handle, null if null was written. It and its descriptors are the parcel's. */
+    status_t readNullableNativeHandleNoDup(const native_handle_t** handle) const;
+    status_t readNullableEmbeddedNativeHandle(size_t parentHandle, size_t parentOffset,
+                                              const native_handle_t** handle) const;
 
     // The rest is for transports. What was written:
 
     const InlineVector<uint8_t, 192>& scalars() const { return mScalars; }
     const InlineVector<ParcelPiece, 16>& pieces() const { return mPieces; }
-    /** Where the pieces that are buffers lie, by their numbers. */
+    /** Where the pieces that are buffers or descriptors lie, by their numbers. */
     const InlineVector<const void*, 16>& memory() const { return mMemory; }
     /** Of all buffers together, each padded to 8 bytes; and of the longest, without. */
     size_t bufferBytes() const { return mBufferBytes; }
     size_t longestBuffer() const { return mLongest; }
     /** The pieces that are objects and not null, in the order of writing. */
     const std::vector<sp<IBinder>>& objects() const { return mObjects; }
+    /** Of all native handles together. */
+    size_t descriptorCount() const { return mDescriptorCount; }
     /** What the message takes of a receiver's memory on the device; at most kMaxTransactionBytes may be sent.
      */
     size_t transactionBytes() const;
@@ -215,6 +236,9 @@ class Parcel {
     status_t appendPiece(const void* data, size_t size, uint32_t parent, size_t parentOffset, size_t* handle);
     status_t takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
                        uint8_t** data) const;
+    status_t writeDescriptors(const native_handle_t& handle);
+    status_t readNativeHandleSize(size_t* size) const;
+    status_t takeDescriptors(size_t size, const native_handle_t& handle) const;
     void dropUnread();
 
     // Writing.
@@ -224,6 +248,7 @@ class Parcel {
     size_t mBufferBytes = 0;
     size_t mLongest = 0;
     std::vector<sp<IBinder>> mObjects;
+    size_t mDescriptorCount = 0;
     status_t mError = OK;
 
     // Reading. Cursors move under const, as generated stubs read from const parcels.
