@@ -23,16 +23,19 @@ thread_local int tDepth = 0;
 /** Answers over a connection whose other end waits for nothing else. */
 class WaitedAnswer final : public Answer {
   public:
-    explicit WaitedAnswer(int fd) : mFd(fd) {}
+    WaitedAnswer(int fd, bool descriptors) : mFd(fd), mDescriptors(descriptors) {}
 
     bool send(Gather gather) override {
-        mBroken = !sendAll(mFd, gather);
-        return !mBroken;
+        const bool sent = sendAll(mFd, gather);
+        mBroken = !sent && !areRefused(errno);
+        return sent;
     }
-    bool isBroken() const { return mBroken; }
+    bool takesDescriptors() const override { return mDescriptors; }
+    bool isBroken() const override { return mBroken; }
 
   private:
     const int mFd;
+    const bool mDescriptors;
     bool mBroken = false;
 };
 
@@ -44,13 +47,18 @@ void sendResults(Peer& peer, const Parcel& results, Answer& answer) {
     try {
         SentObjects objects(peer);
         Encoder encoder;
-        status = encoder.encode(head, results, &objects);
+        const bool expected = results.descriptorCount() == 0 || answer.takesDescriptors();
+        status = expected ? encoder.encode(head, results, &objects) : INVALID_OPERATION;
         if (status == OK) {
             ServedCall::noteAnswered();
             if (answer.send(encoder.gather())) {
                 objects.sent();
+                return;
             }
-            return;
+            if (answer.isBroken()) {
+                return;
+            }
+            status = -ETOOMANYREFS;
         }
     } catch (const std::bad_alloc&) {
         status = NO_MEMORY;
@@ -58,15 +66,17 @@ void sendResults(Peer& peer, const Parcel& results, Answer& answer) {
     const Credentials who = peer.credentials();
     if (peer.transport().complaints().count(who) != 0) {
         ALOGW("no reply to pid %d uid %u: %s", who.pid, who.uid,
-              status == FAILED_TRANSACTION ? "the results exceed one transaction" : "no memory");
+              status == FAILED_TRANSACTION  ? "the results exceed one transaction"
+              : status == INVALID_OPERATION ? "they have descriptors, and the call had none"
+                                            : statusText(status).c_str());
     }
     answer.sendStatus(status);
 }
 
 /** Reads so many bytes, waiting for them. False when the connection has ended. */
-bool receiveAll(int fd, uint8_t* memory, size_t size) {
+bool receiveAll(int fd, uint8_t* memory, size_t size, Descriptors* descriptors) {
     while (size > 0) {
-        const ssize_t got = receiveSome(fd, memory, size, MSG_WAITALL);
+        const ssize_t got = receiveSome(fd, memory, size, MSG_WAITALL, descriptors);
         if (got > 0) {
             memory += got;
             size -= static_cast<size_t>(got);
@@ -86,7 +96,7 @@ status_t skip(Peer& peer, int fd, const MessageHeader& head, const uint8_t* byte
     uint8_t passing[1024];
     while (skipped.left() > 0) {
         const size_t part = std::min(skipped.left(), sizeof(passing));
-        if (!receiveAll(fd, passing, part)) {
+        if (!receiveAll(fd, passing, part, nullptr)) {
             return DEAD_OBJECT;
         }
         skipped.take(passing, part, peer);
@@ -94,13 +104,35 @@ status_t skip(Peer& peer, int fd, const MessageHeader& head, const uint8_t* byte
     return NO_MEMORY;
 }
 
+/** The message gets those that came with it, which must be as many as it says. */
+status_t claimDescriptors(Peer& peer, OwnedMessage* message, const char** rule) {
+    const status_t status = checkDescriptors(message->head, message->descriptors.get(), rule);
+    if (*rule != nullptr || message->head.descriptorCount == 0) {
+        message->descriptors.reset();
+        return OK;
+    }
+    if (status != OK) {
+        Parcel unread;  // gives its objects up
+        readFrom(peer, std::move(*message), &unread);
+        return status;
+    }
+    Message(message->block.block.get()).placeDescriptors(*message->descriptors);
+    return OK;
+}
+
 /**
  * Reads one message from a connection that carries one at a time.
  *
+ * @param descriptors it may bring some
  * @param rule the broken one; then the status means nothing
- * @return OK; NO_MEMORY when it has passed by, with its head in the message; DEAD_OBJECT
+ * @return OK; NO_MEMORY or, for lack of descriptors, -EMFILE when it has passed by, with its head in the
+ *     message; DEAD_OBJECT
  */
-status_t receiveOne(Peer& peer, int fd, OwnedMessage* message, const char** rule) {
+status_t receiveOne(Peer& peer, int fd, bool descriptors, OwnedMessage* message, const char** rule) {
+    if (descriptors) {
+        message->descriptors = std::make_shared<Descriptors>();
+    }
+    Descriptors* const came = message->descriptors.get();
     uint8_t headBytes[sizeof(MessageHeader)];
     message->block = takeSpareBlock();
     SizedBlock& space = message->block;
@@ -108,7 +140,7 @@ status_t receiveOne(Peer& peer, int fd, OwnedMessage* message, const char** rule
     const size_t most = space.block != nullptr ? space.capacity : sizeof(headBytes);
     size_t have = 0;
     while (have < sizeof(MessageHeader)) {
-        const ssize_t got = receiveSome(fd, bytes + have, most - have, 0);
+        const ssize_t got = receiveSome(fd, bytes + have, most - have, 0, came);
         if (got > 0) {
             have += static_cast<size_t>(got);
         } else if (got < 0 && wouldBlock(errno)) {
@@ -134,20 +166,20 @@ status_t receiveOne(Peer& peer, int fd, OwnedMessage* message, const char** rule
         std::memcpy(whole.get(), bytes, have);
         space = {std::move(whole), head.totalBytes};
     }
-    if (!receiveAll(fd, space.block.get() + have, head.totalBytes - have)) {
+    if (!receiveAll(fd, space.block.get() + have, head.totalBytes - have, came)) {
         return DEAD_OBJECT;
     }
     *rule = Message::check(space.block.get());
-    return OK;
+    return *rule == nullptr ? claimDescriptors(peer, message, rule) : OK;
 }
 
 /** Runs, or refuses, a call that came while this thread waits for a reply. False when the connection broke.
  */
 bool serveNested(Peer& peer, int fd, status_t received, OwnedMessage& message) {
-    WaitedAnswer answer(fd);
+    WaitedAnswer answer(fd, message.head.descriptorCount > 0);
     if (received == OK && ServedCall::depth() < kMaxNestedCalls) {
         const ServedCall served(peer, fd);
-        runCall(peer, Message(message.block.block.get()), &answer);
+        runCall(peer, Message(message.block.block.get()), &answer, message.descriptors);
         return !answer.isBroken();
     }
     const ServedCall refused(peer, fd);
@@ -220,13 +252,14 @@ status_t SentObjects::exportObject(const sp<IBinder>& object, ObjectReference* r
     return status;
 }
 
-void runCall(Peer& peer, const Message& message, Answer* answer) {
+void runCall(Peer& peer, Message message, Answer* answer, std::shared_ptr<Descriptors> descriptors) {
     const MessageHeader& head = message.header();
     Parcel data;
     ReceivedParcel received = message.received();
     if (head.objectCount > 0) {
         received.objects = peer.shared_from_this();
     }
+    received.descriptors = std::move(descriptors);
     data.receive(std::move(received));
     bool replied = false;
     status_t status = DEAD_OBJECT;
@@ -260,17 +293,26 @@ void runCall(Peer& peer, const Message& message, Answer* answer) {
     }
 }
 
-status_t awaitReply(Peer& peer, int fd, OwnedMessage* reply) {
+status_t awaitReply(Peer& peer, int fd, bool descriptors, OwnedMessage* reply) {
+    bool announced = false;  // for the next call of the peer's
     while (true) {
         OwnedMessage message;
         const char* rule = nullptr;
-        const status_t status = receiveOne(peer, fd, &message, &rule);
+        const status_t status = receiveOne(peer, fd, descriptors || announced, &message, &rule);
         if (status == DEAD_OBJECT) {
             return status;
         }
         if (rule == nullptr && message.head.kind == MessageKind::Reply) {
             *reply = std::move(message);
             return status;
+        }
+        if (rule == nullptr && message.head.kind == MessageKind::Descriptors) {
+            announced = true;
+            WaitedAnswer ready(fd, false);
+            if (!ready.sendStatus(status)) {
+                return DEAD_OBJECT;
+            }
+            continue;
         }
         if (rule == nullptr && message.head.kind != MessageKind::Call) {
             rule = "a call is answered with a reply";
@@ -282,6 +324,7 @@ status_t awaitReply(Peer& peer, int fd, OwnedMessage* reply) {
         if (!serveNested(peer, fd, status, message)) {
             return DEAD_OBJECT;
         }
+        announced = false;
     }
 }
 
@@ -290,6 +333,7 @@ void readFrom(Peer& peer, OwnedMessage message, Parcel* parcel) {
     if (message.head.objectCount > 0) {
         received.objects = peer.shared_from_this();
     }
+    received.descriptors = std::move(message.descriptors);
     const size_t size = std::exchange(message.block.capacity, 0);
     received.memory = ParcelMemory(message.block.block.release(), size, [](void* memory, size_t capacity) {
         returnSpareBlock({Block(static_cast<uint8_t*>(memory)), capacity});

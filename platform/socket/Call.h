@@ -43,6 +43,11 @@ class Answer {
     /** Sends a result that is nothing but a status. */
     bool sendStatus(status_t status);
 
+    /** The peer expects descriptors where this goes. */
+    virtual bool takesDescriptors() const = 0;
+    /** Nothing can be sent any more. */
+    virtual bool isBroken() const = 0;
+
   protected:
     ~Answer() = default;
 };
@@ -52,8 +57,9 @@ class Answer {
  *
  * @param message a checked one; lives until this returns
  * @param answer null for a one-way message
+ * @param descriptors those that came with it; null if none
  */
-void runCall(Peer& peer, const Message& message, Answer* answer);
+void runCall(Peer& peer, Message message, Answer* answer, std::shared_ptr<Descriptors> descriptors);
 
 /** Exports the objects of one message to its receiver, and takes them back unless it is sent. */
 class SentObjects final : public ObjectExporter {
@@ -80,16 +86,18 @@ struct OwnedMessage {
 
     MessageHeader head{};
     SizedBlock block;
+    std::shared_ptr<Descriptors> descriptors;  // null when none came
 };
 
 /**
  * Waits for the reply to a call that is out. Calls that the other side makes meanwhile, because it serves
  * that one, are run by this thread.
  *
+ * @param descriptors the call has brought some: the reply may bring some too
  * @return OK; DEAD_OBJECT when the connection broke; NO_MEMORY when the reply has been read, but not kept. A
  *     peer that breaks a rule is dropped.
  */
-status_t awaitReply(Peer& peer, int fd, OwnedMessage* reply);
+status_t awaitReply(Peer& peer, int fd, bool descriptors, OwnedMessage* reply);
 
 /** Makes the parcel the reader and keeper of a message from a peer. */
 void readFrom(Peer& peer, OwnedMessage message, Parcel* parcel);

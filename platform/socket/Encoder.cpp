@@ -1,5 +1,7 @@
 #include "platform/socket/Encoder.h"
 
+#include <fcntl.h>
+
 #include <cstring>
 
 namespace android::hardware {
@@ -25,6 +27,7 @@ void Encoder::encode(MessageHeader head, const Endpoint* body) {
     head.objectCount = 0;
     mStaging.clear();
     mVectors.clear();
+    mDescriptors.clear();
     // All fits in the inline storage.
     uint8_t* const stage = mStaging.grow(head.totalBytes);
     std::memcpy(stage, &head, sizeof(head));
@@ -41,6 +44,7 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
     const auto& objects = parcel.objects();
     mStaging.clear();
     mVectors.clear();
+    mDescriptors.clear();
     if (parcel.error() != OK) {
         return parcel.error();
     }
@@ -48,8 +52,8 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
         return FAILED_TRANSACTION;
     }
 
-    if (parcel.descriptorCount() > 0) {
-        return FAILED_TRANSACTION;  // they do not travel over sockets yet
+    if (parcel.descriptorCount() > kMaxDescriptors) {
+        return FAILED_TRANSACTION;
     }
 
     const size_t referencesAt = sizeof(head) + pieces.size() * sizeof(ParcelPiece);
@@ -89,6 +93,7 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
     head.scalarBytes = static_cast<uint32_t>(scalars.size());
     head.pieceCount = static_cast<uint32_t>(pieces.size());
     head.objectCount = static_cast<uint32_t>(objects.size());
+    head.descriptorCount = static_cast<uint16_t>(parcel.descriptorCount());
     // The staging area has its final size from here on: the vectors point into it.
     uint8_t* const stage = mStaging.grow(staged);
     InlineVector<uint32_t, 64> places;  // where in the staging area a copied buffer lies
@@ -110,6 +115,13 @@ status_t Encoder::encode(MessageHeader head, const Parcel& parcel, ObjectExporte
         std::memcpy(table, &sent, sizeof(sent));
         table += sizeof(sent);
         if (!isBuffer(piece)) {
+            const auto* fds = static_cast<const int*>(parcel.memory()[i]);
+            for (uint32_t k = 0; piece.parent == kIsDescriptors && k < piece.size; ++k) {
+                if (fcntl(fds[k], F_GETFD) < 0) {
+                    return BAD_VALUE;
+                }
+                mDescriptors.push(fds[k]);  // fits, as it was counted
+            }
             continue;
         }
         const size_t size = piece.size;

@@ -35,8 +35,9 @@ class Encoder {
      * exported once it is certain that the message can be sent.
      *
      * @param most bytes that the transaction may have
-     * @return FAILED_TRANSACTION when it has more, or the message exceeds kMaxMessageBytes, NO_MEMORY, the
-     * failure of an earlier write to the parcel, or the exporter's failure
+     * @return FAILED_TRANSACTION when it has more, or the message exceeds kMaxMessageBytes or
+     * kMaxDescriptors, BAD_VALUE when a descriptor of a native handle is not open, NO_MEMORY, the failure of
+     * an earlier write to the parcel, or the exporter's failure
      */
     status_t encode(MessageHeader head, const Parcel& parcel, ObjectExporter* exporter,
                     size_t most = kMaxTransactionBytes);
@@ -44,7 +45,9 @@ class Encoder {
     /** Lays out a head, alone or with an endpoint as its body. Can not fail. */
     void encode(MessageHeader head, const Endpoint* body = nullptr);
 
-    Gather gather() { return {mVectors.data(), mVectors.size(), mBytes}; }
+    Gather gather() {
+        return {mVectors.data(), mVectors.size(), mBytes, mDescriptors.data(), mDescriptors.size()};
+    }
 
   private:
     // A buffer this long is worth an iovec of its own; shorter ones are cheaper to copy. It also bounds the
@@ -53,6 +56,7 @@ class Encoder {
 
     InlineVector<uint8_t, 2048> mStaging;
     InlineVector<iovec, 8> mVectors;
+    InlineVector<int, kMaxDescriptors> mDescriptors;  // the sender's: they stay its own
     size_t mBytes = 0;
 };
 

@@ -82,7 +82,7 @@ bool Inbound::serve() {
         }
         size_t size = 0;
         uint8_t* const space = mReader.space(&size);
-        const ssize_t got = wait.receive(space, size, served);
+        const ssize_t got = wait.receive(space, size, served, mDescriptors.get());
         if (got < 0 && wouldBlock(errno)) {
             mPool.arm(this, EPOLLIN);
             return true;
@@ -119,6 +119,7 @@ Inbound::Step Inbound::serveNext() {
             return Step::MoreIsNeeded;
         case MessageReader::Found::NoMemory:
             mPeer->complain(head, NO_MEMORY);
+            mDescriptors.reset();
             if (!mControl) {
                 sendStatus(NO_MEMORY);
             }
@@ -139,21 +140,15 @@ Inbound::Step Inbound::serveNext() {
 /** Null, or the rule that it breaks. */
 const char* Inbound::serveMessage(const MessageHeader& head, uint8_t* bytes) {
     if (!mControl) {
-        if (head.kind != MessageKind::Call) {
-            return "a connection for calls carries calls";
-        }
-        if (mReader.hasMore()) {
-            runCall(*mPeer, Message(bytes), this);  // its caller does not wait for us alone
-        } else {
-            const ServedCall served(*mPeer, mFd.get());
-            runCall(*mPeer, Message(bytes), this);
-        }
-        return nullptr;
+        return serveCall(head, bytes);
+    }
+    if (head.descriptorCount > 0) {
+        return "descriptors come with calls that are answered";
     }
     try {
         switch (head.kind) {
             case MessageKind::OneWay:
-                runCall(*mPeer, Message(bytes), nullptr);
+                runCall(*mPeer, Message(bytes), nullptr, nullptr);
                 return nullptr;
             case MessageKind::HandOver: {
                 Endpoint receiver;
@@ -176,6 +171,48 @@ const char* Inbound::serveMessage(const MessageHeader& head, uint8_t* bytes) {
     }
 }
 
+const char* Inbound::serveCall(const MessageHeader& head, uint8_t* bytes) {
+    if (head.kind == MessageKind::Descriptors) {
+        try {
+            mDescriptors = std::make_shared<Descriptors>();
+            sendStatus(OK);
+        } catch (const std::bad_alloc&) {
+            sendStatus(NO_MEMORY);
+        }
+        return nullptr;
+    }
+    if (head.kind != MessageKind::Call) {
+        return "a connection for calls carries calls";
+    }
+    std::shared_ptr<Descriptors> descriptors = std::move(mDescriptors);
+    mTakesDescriptors = head.descriptorCount > 0;
+    if (descriptors != nullptr || mTakesDescriptors) {
+        const char* rule = nullptr;
+        const status_t status = checkDescriptors(head, descriptors.get(), &rule);
+        if (rule != nullptr) {
+            return rule;
+        }
+        if (status != OK) {
+            Parcel unread;  // gives its objects up
+            ReceivedParcel received = Message(bytes).received();
+            received.objects = mPeer;
+            unread.receive(std::move(received));
+            mPeer->complain(head, status);
+            sendStatus(status);
+            return nullptr;
+        }
+        Message(bytes).placeDescriptors(*descriptors);
+    }
+    if (mReader.hasMore()) {
+        runCall(*mPeer, Message(bytes), this,
+                std::move(descriptors));  // its caller does not wait for us alone
+    } else {
+        const ServedCall served(*mPeer, mFd.get());
+        runCall(*mPeer, Message(bytes), this, std::move(descriptors));
+    }
+    return nullptr;
+}
+
 // Replies.
 
 bool Inbound::send(Gather gather) {
@@ -185,8 +222,14 @@ bool Inbound::send(Gather gather) {
         const size_t before = gather.bytes;
         const ssize_t sent = sendSome(mFd.get(), &gather, wait ? 0 : MSG_DONTWAIT);
         if (sent < 0 && !wouldBlock(errno) && !isLack(errno)) {
-            mBroken = true;
+            mBroken = !areRefused(errno);
             return false;
+        }
+        if (sent < 0 && gather.descriptorCount > 0) {
+            // They are the method's, and closed when it returns.
+            const bool all = sendAll(mFd.get(), gather);
+            mBroken = !all && !areRefused(errno);
+            return all;
         }
         if (sent < 0 || gather.bytes == before || (wait && gather.bytes > 0)) {
             return queueRest(gather);

@@ -64,8 +64,11 @@ class Inbound final : private Answer {
     enum class Step { Served, MoreIsNeeded, Ended };
 
     bool send(Gather gather) override;
+    bool takesDescriptors() const override { return mTakesDescriptors; }
+    bool isBroken() const override { return mBroken; }
     Step serveNext();
     const char* serveMessage(const MessageHeader& head, uint8_t* bytes);
+    const char* serveCall(const MessageHeader& head, uint8_t* bytes);
     bool isTurnOver();
     bool queueRest(const Gather& rest);
     bool flush();
@@ -75,7 +78,9 @@ class Inbound final : private Answer {
     UniqueFd mFd;
     const bool mControl;
     MessageReader mReader;
-    std::vector<uint8_t> mOut;  // rest of a reply
+    std::shared_ptr<Descriptors> mDescriptors;  // of the next call; null unless announced
+    bool mTakesDescriptors = false;             // the call that is served has brought some
+    std::vector<uint8_t> mOut;                  // rest of a reply
     size_t mOutStart = 0;
     int64_t mTurnBegan = 0;  // since others wait; 0: none do
     bool mBegun = false;

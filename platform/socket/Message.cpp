@@ -1,5 +1,9 @@
 #include "platform/socket/Message.h"
 
+#include <errno.h>
+
+#include <cstring>
+
 namespace android::hardware {
 
 Block allocateBlock(size_t size) {
@@ -25,6 +29,18 @@ void returnSpareBlock(SizedBlock block) {
     }
 }
 
+status_t checkDescriptors(const MessageHeader& header, const Descriptors* came, const char** rule) {
+    *rule = nullptr;
+    const size_t count = came == nullptr ? 0 : came->size();
+    if (came != nullptr && came->lacksSome() && count < header.descriptorCount) {
+        return -EMFILE;
+    }
+    if (count != header.descriptorCount || (came != nullptr && (came->isOverfull() || came->lacksSome()))) {
+        *rule = "a message brings as many descriptors as it says, where they were announced";
+    }
+    return OK;
+}
+
 const char* Message::checkHeader(const MessageHeader& header) {
     if (header.magic != kMessageMagic) {
         return "a message begins with the magic number";
@@ -34,6 +50,9 @@ const char* Message::checkHeader(const MessageHeader& header) {
     }
     if (header.totalBytes < sizeof(MessageHeader) || header.totalBytes % kAlignment != 0) {
         return "a message's length covers its header and is a multiple of 8";
+    }
+    if (header.descriptorCount > kMaxDescriptors) {
+        return "a message brings few descriptors";
     }
     size_t left = header.totalBytes - sizeof(MessageHeader);
     if (header.pieceCount > left / sizeof(ParcelPiece)) {
@@ -58,6 +77,7 @@ const char* Message::check(uint8_t* bytes) {
     size_t reference = message.referencesAt();
     const size_t scalars = reference + header.objectCount * sizeof(ObjectReference);
     size_t buffer = scalars + padded(header.scalarBytes);
+    size_t descriptors = 0;
     for (uint32_t i = 0; i < header.pieceCount; ++i) {
         ParcelPiece& piece = pieces[i];
         if (piece.parent == kIsObject) {
@@ -71,12 +91,22 @@ const char* Message::check(uint8_t* bytes) {
             }
             continue;
         }
+        if (piece.parent == kIsDescriptors) {
+            if (i == 0 || !isBuffer(pieces[i - 1]) || piece.parentOffset != 0 ||
+                piece.size > kMaxDescriptors ||
+                pieces[i - 1].size < sizeof(native_handle_t) + piece.size * sizeof(int)) {
+                return "descriptors lie in the native handle before them";
+            }
+            piece.place = pieces[i - 1].place + static_cast<uint32_t>(sizeof(native_handle_t));
+            descriptors += piece.size;
+            continue;
+        }
         // A parent comes before its children, so that whatever points was checked before.
         if (piece.parent == kNoParent) {
             if (piece.parentOffset != 0) {
                 return "a buffer without a parent has no place in it";
             }
-        } else if (piece.parent >= i || pieces[piece.parent].parent == kIsObject ||
+        } else if (piece.parent >= i || !isBuffer(pieces[piece.parent]) ||
                    pieces[piece.parent].size < sizeof(void*) ||
                    piece.parentOffset > pieces[piece.parent].size - sizeof(void*) ||
                    piece.parentOffset % kAlignment != 0) {
@@ -91,10 +121,24 @@ const char* Message::check(uint8_t* bytes) {
     if (reference != scalars) {
         return "every reference has its object";
     }
+    if (descriptors != header.descriptorCount) {
+        return "every descriptor has its native handle";
+    }
     if (buffer != header.totalBytes) {
         return "a message ends with its last buffer";
     }
     return nullptr;
+}
+
+void Message::placeDescriptors(const Descriptors& descriptors) {
+    const int* next = descriptors.data();
+    for (uint32_t i = 0; i < header().pieceCount; ++i) {
+        const ParcelPiece& piece = pieces()[i];
+        if (piece.parent == kIsDescriptors) {
+            std::memcpy(mBytes + piece.place, next, piece.size * sizeof(int));
+            next += piece.size;
+        }
+    }
 }
 
 }  // namespace android::hardware

@@ -9,6 +9,8 @@
 #include <memory>
 #include <utility>
 
+#include "platform/socket/Descriptors.h"
+
 namespace android::hardware {
 
 /** What a connection's first read is offered, and the size of a block that most messages fit in. */
@@ -29,15 +31,16 @@ struct ObjectReference {
 };
 static_assert(sizeof(ObjectReference) == 32);
 
-enum class MessageKind : uint32_t {
+enum class MessageKind : uint16_t {
     HelloCall = 1,  // first on a connection that carries calls; object and nonce hold the sender's endpoint
     HelloControl = 2,  // first on a connection that carries the kinds from OneWay on
     Call = 3,
     Reply = 4,
     OneWay = 5,
-    HandOver = 6,  // the sender gives a reference to the object to the process whose endpoint is the body
-    Release = 7,   // the sender has dropped code references that it was sent
-    Welcome = 8,   // answers HelloControl: what is sent from now on will be read
+    HandOver = 6,     // the sender gives a reference to the object to the process whose endpoint is the body
+    Release = 7,      // the sender has dropped code references that it was sent
+    Welcome = 8,      // answers HelloControl: what is sent from now on will be read
+    Descriptors = 9,  // the next call on this connection brings some, its reply may; answered with a reply
 };
 
 /**
@@ -49,8 +52,9 @@ struct MessageHeader {
     uint32_t magic;
     uint32_t totalBytes;  // this header included; a multiple of 8
     MessageKind kind;
-    uint32_t code;    // method of a call
-    uint64_t object;  // the called object and its nonce
+    uint16_t descriptorCount;  // which come with the first byte
+    uint32_t code;             // method of a call
+    uint64_t object;           // the called object and its nonce
     uint64_t nonce;
     int32_t status;        // of a reply: what the call itself came to; the rest is empty unless OK
     uint32_t scalarBytes;  // without the padding
@@ -107,6 +111,15 @@ SizedBlock takeSpareBlock();
 void returnSpareBlock(SizedBlock block);
 constexpr size_t kMaxSpareBytes = 160 * 1024;
 
+/**
+ * Checks that a message has brought as many descriptors as it says.
+ *
+ * @param came null where none are looked for
+ * @param rule set to the one that is broken, else to null
+ * @return OK; -EMFILE when this process has no room for them
+ */
+status_t checkDescriptors(const MessageHeader& header, const Descriptors* came, const char** rule);
+
 /** Looks into a message whose lengths have been checked. */
 class Message {
   public:
@@ -146,6 +159,9 @@ class Message {
      * @return null, or the rule that is broken
      */
     static const char* check(uint8_t* bytes);
+
+    /** Writes the numbers of the descriptors that came with a checked message into its native handles. */
+    void placeDescriptors(const Descriptors& descriptors);
 
   private:
     size_t referencesAt() const { return sizeof(MessageHeader) + header().pieceCount * sizeof(ParcelPiece); }

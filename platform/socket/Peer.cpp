@@ -149,11 +149,18 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
         }
         fd = lease.fd();
     }
+    const bool descriptors = data.descriptorCount() > 0;
     {
         SentObjects objects(*this);
         Encoder encoder;
         head.kind = MessageKind::Call;
-        const status_t status = encoder.encode(head, data, &objects);
+        status_t status = encoder.encode(head, data, &objects);
+        if (status == OK && descriptors) {
+            status = announceDescriptors(fd);
+            if (status == DEAD_OBJECT) {
+                return afterBreak(isNested || lease.isProven());
+            }
+        }
         if (status != OK) {
             if (!isNested) {
                 lease.giveBack(lease.isProven());
@@ -161,12 +168,15 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
             return status;
         }
         if (!sendAll(fd, encoder.gather())) {
+            if (areRefused(errno)) {
+                return FAILED_TRANSACTION;
+            }
             return afterBreak(isNested || lease.isProven());
         }
         objects.sent();
     }
     OwnedMessage message;
-    const status_t status = awaitReply(*this, fd, &message);
+    const status_t status = awaitReply(*this, fd, descriptors, &message);
     if (status == DEAD_OBJECT) {
         return afterBreak(isNested || lease.isProven());
     }
@@ -178,6 +188,20 @@ status_t Peer::call(MessageHeader head, const Parcel& data, Parcel* reply) {
     }
     readFrom(*this, std::move(message), reply);
     return OK;
+}
+
+/** Has the peer look for descriptors with the next call on a connection. DEAD_OBJECT when that broke. */
+status_t Peer::announceDescriptors(int fd) {
+    Encoder encoder;
+    MessageHeader head{};
+    head.kind = MessageKind::Descriptors;
+    encoder.encode(head);
+    if (!sendAll(fd, encoder.gather())) {
+        return DEAD_OBJECT;
+    }
+    OwnedMessage ready;
+    const status_t status = awaitReply(*this, fd, false, &ready);
+    return status != OK ? status : ready.head.status;
 }
 
 status_t Peer::borrow(CallConnections::Lease* lease) {
@@ -206,6 +230,10 @@ status_t Peer::post(MessageHeader head, const Parcel& data) {
     }
     if (!data.objects().empty() && !mControl.hasRoomFor(data.transactionBytes())) {
         return FAILED_TRANSACTION;  // before anybody is told of references that would not arrive
+    }
+    if (data.descriptorCount() > 0) {
+        ALOGE("a native handle can not be sent one-way over sockets");
+        return INVALID_OPERATION;
     }
     SentObjects objects(*this);
     Encoder encoder;

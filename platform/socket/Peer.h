@@ -130,6 +130,7 @@ class Peer final : public ObjectSource, public std::enable_shared_from_this<Peer
     UniqueFd connect(status_t* status);
     UniqueFd connectForCalls(status_t* status);
     status_t borrow(CallConnections::Lease* lease);
+    status_t announceDescriptors(int fd);
     status_t afterBreak(bool proven);
     void payOwed();
     bool isUnused();

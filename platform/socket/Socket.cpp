@@ -37,6 +37,35 @@ socklen_t makeAddress(const Endpoint& endpoint, sockaddr_un* address) {
     return static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
 }
 
+/** Room for the descriptors of one message, as the kernel wants them. */
+class ControlSpace {
+  public:
+    /** For as many as a message may have. */
+    explicit ControlSpace(msghdr* head) {
+        head->msg_control = mBytes;
+        head->msg_controllen = CMSG_SPACE(kMaxDescriptors * sizeof(int));
+    }
+    /** With those that are to be sent; nothing if there are none. */
+    ControlSpace(const int* descriptors, size_t count, msghdr* head) {
+        if (count == 0) {
+            return;
+        }
+        head->msg_control = mBytes;
+        head->msg_controllen = CMSG_SPACE(count * sizeof(int));
+        std::memset(mBytes, 0, head->msg_controllen);
+        cmsghdr* const control = CMSG_FIRSTHDR(head);
+        control->cmsg_level = SOL_SOCKET;
+        control->cmsg_type = SCM_RIGHTS;
+        control->cmsg_len = CMSG_LEN(count * sizeof(int));
+        std::memcpy(CMSG_DATA(control), descriptors, count * sizeof(int));
+    }
+    ControlSpace(const ControlSpace&) = delete;
+    ControlSpace& operator=(const ControlSpace&) = delete;
+
+  private:
+    alignas(cmsghdr) uint8_t mBytes[CMSG_SPACE(kMaxDescriptors * sizeof(int))];
+};
+
 }  // namespace
 
 Endpoint randomEndpoint() {
@@ -134,15 +163,17 @@ ssize_t sendSome(int fd, Gather* gather, int flags) {
     msghdr head{};
     head.msg_iov = gather->vectors;
     head.msg_iovlen = gather->count;
+    const ControlSpace control(gather->descriptors, gather->descriptorCount, &head);
     ssize_t sent;
     do {
         // Most messages are one piece, which the kernel takes sooner without a list.
-        sent = gather->count == 1
+        sent = gather->count == 1 && gather->descriptorCount == 0
                        ? send(fd, gather->vectors->iov_base, gather->vectors->iov_len, flags | MSG_NOSIGNAL)
                        : sendmsg(fd, &head, flags | MSG_NOSIGNAL);
     } while (sent < 0 && errno == EINTR);
     if (sent > 0) {
         gather->advance(static_cast<size_t>(sent));
+        gather->descriptorCount = 0;
     }
     return sent;
 }
@@ -174,6 +205,44 @@ ssize_t receiveSome(int fd, void* memory, size_t size, int flags) {
     do {
         got = recv(fd, memory, size, flags);
     } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+ssize_t receiveSome(int fd, void* memory, size_t size, int flags, Descriptors* descriptors) {
+    if (descriptors == nullptr) {
+        return receiveSome(fd, memory, size, flags);
+    }
+    iovec vector{memory, size};
+    msghdr head{};
+    head.msg_iov = &vector;
+    head.msg_iovlen = 1;
+    const ControlSpace space(&head);
+    const size_t room = head.msg_controllen;
+    ssize_t got;
+    do {
+        head.msg_controllen = room;
+        got = recvmsg(fd, &head, flags | MSG_CMSG_CLOEXEC);
+    } while (got < 0 && errno == EINTR);
+    if (got < 0) {
+        return got;
+    }
+    size_t came = 0;
+    for (cmsghdr* control = CMSG_FIRSTHDR(&head); control != nullptr; control = CMSG_NXTHDR(&head, control)) {
+        if (control->cmsg_level == SOL_SOCKET && control->cmsg_type == SCM_RIGHTS) {
+            int fds[kMaxDescriptors];
+            came = (control->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+            std::memcpy(fds, CMSG_DATA(control), came * sizeof(int));
+            descriptors->add(fds, came);
+        }
+    }
+    if ((head.msg_flags & MSG_CTRUNC) != 0) {
+        // The kernel has closed the rest: either there was no room for more here, or none in this process.
+        if (came == kMaxDescriptors) {
+            descriptors->noteOverfull();
+        } else {
+            descriptors->noteLack();
+        }
+    }
     return got;
 }
 

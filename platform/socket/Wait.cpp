@@ -41,11 +41,11 @@ class BatchPolicy {
 
 }  // namespace
 
-ssize_t Wait::receive(void* memory, size_t size, bool mayWait) {
+ssize_t Wait::receive(void* memory, size_t size, bool mayWait, Descriptors* descriptors) {
     const int fd = mConnection.fd();
     const bool isAlone = !mPool.hasIdleThread();
     if (!mayWait || mConnection.othersWait()) {
-        return receiveSome(fd, memory, size, MSG_DONTWAIT);
+        return receiveSome(fd, memory, size, MSG_DONTWAIT, descriptors);
     }
     if (isAlone && mPool.isCrowded()) {
         errno = EAGAIN;  // epoll tells soon enough
@@ -57,12 +57,12 @@ ssize_t Wait::receive(void* memory, size_t size, bool mayWait) {
     }
     const BatchPolicy policy(mWaits >= kWaitsUntilStream && mConnection.isControl());
     if (!isAlone) {
-        return receiveSome(fd, memory, size, 0);  // for kLingerMilliseconds
+        return receiveSome(fd, memory, size, 0, descriptors);  // for kLingerMilliseconds
     }
     pollfd either[] = {{fd, POLLIN, 0}, {mPool.epoll(), POLLIN, 0}};
     poll(either, 2, kLingerMilliseconds);
     if (either[0].revents != 0) {
-        return receiveSome(fd, memory, size, MSG_DONTWAIT);
+        return receiveSome(fd, memory, size, MSG_DONTWAIT, descriptors);
     }
     if (either[1].revents != 0) {
         mPool.noteCrowd();

@@ -7,6 +7,7 @@
 
 namespace android::hardware {
 
+class Descriptors;
 class Inbound;
 class Pool;
 
@@ -26,12 +27,13 @@ class Wait {
     Wait(Pool& pool, Inbound& connection) : mPool(pool), mConnection(connection) {}
 
     /**
-     * One recv() on the connection.
+     * One receive on the connection.
      *
+     * @param descriptors takes those that come along; null where none are expected
      * @param mayWait something was served since the last one: more is likely to come at once
      * @return as recv(); EAGAIN when it is time to give the connection back
      */
-    ssize_t receive(void* memory, size_t size, bool mayWait);
+    ssize_t receive(void* memory, size_t size, bool mayWait, Descriptors* descriptors);
 
   private:
     Pool& mPool;

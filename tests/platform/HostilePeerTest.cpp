@@ -1,5 +1,6 @@
 // Peers that break rules or make things up cost themselves something, and nobody else.
 
+#include <cutils/native_handle.h>
 #include <malloc.h>
 
 #include "tests/platform/TransportFixture.h"
@@ -73,6 +74,20 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
                  head.totalBytes += 8;
              },
              "ends with its last buffer"},
+            {"descriptors that do not come", MessageKind::HelloCall,
+             [](auto& head, auto& body) {
+                 const ParcelPiece pieces[] = {{16, kNoParent, 0, 0}, {1, kIsDescriptors, 0, 0}};
+                 native_handle_t handle{};
+                 body.resize(sizeof(pieces) + 16);
+                 std::memcpy(body.data(), pieces, sizeof(pieces));
+                 handle.version = sizeof(handle);
+                 handle.numFds = 1;
+                 std::memcpy(body.data() + sizeof(pieces), &handle, sizeof(handle));
+                 head.totalBytes += static_cast<uint32_t>(body.size());
+                 head.pieceCount = 2;
+                 head.descriptorCount = 1;
+             },
+             "as many descriptors as it says"},
             {"reply to nothing", MessageKind::HelloCall,
              [](auto& head, auto&) { head.kind = MessageKind::Reply; }, "carries calls"},
             {"call where one-way messages go", MessageKind::HelloControl, [](auto&, auto&) {}, "no calls"},

@@ -82,6 +82,12 @@ class MessageBuilder {
         mPieces.push_back({number == 0 ? 0u : 1u, android::hardware::kIsObject, 0, 0});
         return number == 0 ? *this : strayReference(number);
     }
+    /** Descriptors of the native handle that the last buffer is. */
+    MessageBuilder& descriptors(uint32_t count) {
+        mPieces.push_back({count, android::hardware::kIsDescriptors, 0, 0});
+        mHead.descriptorCount = static_cast<uint16_t>(mHead.descriptorCount + count);
+        return *this;
+    }
     /** The reference of an object, which has no piece. */
     MessageBuilder& strayReference(uint64_t number) {
         mReferences.push_back({{}, number, 0});

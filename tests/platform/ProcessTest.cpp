@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
+#include <hidl/ServiceManagement.h>
 #include <sched.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -11,6 +12,8 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utils/misc.h>
+#include <zvttv/test/probe/1.0/IHandles.h>
 #include <zvttv/test/probe/1.0/IProbe.h>
 
 #include <atomic>
@@ -19,6 +22,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/socket/Descriptors.h"
 #include "platform/socket/Limits.h"
 #include "platform/socket/Registry.h"
 #include "platform/socket/Socket.h"
@@ -31,24 +35,78 @@ using namespace std::chrono_literals;
 using android::sp;
 using android::wp;
 using android::hardware::hidl_death_recipient;
+using android::hardware::hidl_handle;
 using android::hardware::hidl_string;
 using android::hardware::hidl_vec;
 using android::hardware::Return;
 using android::hardware::Void;
+using android::hidl::base::V1_0::DebugInfo;
 using android::hidl::base::V1_0::IBase;
 using zvttv::test::probe::V1_0::Colour;
 using zvttv::test::probe::V1_0::Everything;
+using zvttv::test::probe::V1_0::IHandles;
 using zvttv::test::probe::V1_0::IProbe;
 using zvttv::test::probe::V1_0::IProbeListener;
 using zvttv::test::probe::V1_0::Leaf;
 
 // The server's side.
 
+std::atomic<int> gPropertyChanges{0};
+
+/** A native handle of some descriptors, which stay the owner's. */
+class Handle {
+  public:
+    explicit Handle(const std::vector<int>& fds)
+        : mHandle(native_handle_create(static_cast<int>(fds.size()), 1)) {
+        std::copy(fds.begin(), fds.end(), mHandle->data);
+        mHandle->data[fds.size()] = 77;
+    }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() { native_handle_delete(mHandle); }
+    operator hidl_handle() const { return hidl_handle(mHandle); }  // NOLINT(google-explicit-constructor)
+
+  private:
+    native_handle_t* const mHandle;
+};
+
+class Handles : public IHandles {
+  public:
+    Return<void> echo(const hidl_handle& one, const hidl_vec<Carrier>& more, echo_cb _hidl_cb) override {
+        _hidl_cb(one, more);
+        return Void();
+    }
+    Return<void> make(make_cb _hidl_cb) override {
+        _hidl_cb(Handle({STDIN_FILENO}));
+        return Void();
+    }
+    Return<void> hog(bool all) override {
+        for (int fd; all && (fd = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
+            mHogged.push_back(fd);
+        }
+        while (!all && !mHogged.empty()) {
+            close(mHogged.back());
+            mHogged.pop_back();
+        }
+        return Void();
+    }
+
+  private:
+    std::vector<int> mHogged;
+};
+
 class Probe : public IProbe {
   public:
     Probe() { ++sLiving; }
     ~Probe() override { --sLiving; }
 
+    Return<void> debug(const hidl_handle& fd, const hidl_vec<hidl_string>& options) override {
+        if (fd != nullptr && fd->numFds > 0) {
+            dprintf(fd->data[0], "%zu options, properties changed %d times", options.size(),
+                    gPropertyChanges.load());
+        }
+        return Void();
+    }
     Return<void> mirror(const Everything& value, bool flag, const hidl_vec<Leaf>& leaves,
                         mirror_cb _hidl_cb) override {
         _hidl_cb(value, flag, leaves);
@@ -192,8 +250,11 @@ int playServer(const std::string& name, bool fewDescriptors, size_t threads) {
         setrlimit(RLIMIT_NOFILE, &limit);
     }
     android::hardware::configureRpcThreadpool(threads, true);
+    android::add_sysprop_change_callback([] { ++gPropertyChanges; }, 0);
     const sp<IProbe> probe = new Probe;
-    const int status = probe->registerAsService(name);
+    const sp<IHandles> handles = new Handles;
+    int status = handles->registerAsService(name);
+    status = status == 0 ? probe->registerAsService(name) : status;
     dprintf(STDOUT_FILENO, "%c", status == 0 ? 'r' : 'f');
     if (status != 0) {
         return 1;
@@ -390,6 +451,157 @@ TEST_F(ProcessTest, EveryKindOfValueTravelsBothWaysUnchanged) {
                             .isOk());
         EXPECT_TRUE(called);
     }
+}
+
+TEST_F(ProcessTest, AnObjectTellsOfItself) {
+    const sp<IProbe> probe = start();
+    EXPECT_TRUE(probe->ping().isOk());
+    EXPECT_TRUE(probe->setHALInstrumentation().isOk());
+    EXPECT_TRUE(probe->notifySyspropsChanged().isOk());
+    std::string name;
+    EXPECT_TRUE(probe->interfaceDescriptor([&](const auto& is) { name = is; }).isOk());
+    EXPECT_EQ(IProbe::descriptor, name);
+    std::vector<std::string> chain;
+    EXPECT_TRUE(probe->interfaceChain([&](const auto& all) { chain.assign(all.begin(), all.end()); }).isOk());
+    EXPECT_EQ((std::vector<std::string>{IProbe::descriptor, IBase::descriptor}), chain);
+    size_t hashes = 0;
+    EXPECT_TRUE(probe->getHashChain([&](const auto& all) { hashes = all.size(); }).isOk());
+    EXPECT_EQ(chain.size(), hashes);
+    DebugInfo info{};
+    EXPECT_TRUE(probe->getDebugInfo([&](const DebugInfo& told) { info = told; }).isOk());
+    EXPECT_EQ(server().pid(), info.pid);
+    EXPECT_NE(0u, info.ptr);
+    EXPECT_EQ(DebugInfo::Architecture::IS_64BIT, info.arch);
+
+    int page[2];
+    ASSERT_EQ(0, pipe2(page, O_CLOEXEC | O_NONBLOCK));
+    const Handle out({page[1]});
+    const auto isPrinted = [&](const std::string& wanted) {
+        char text[100] = {};
+        EXPECT_TRUE(probe->debug(out, {"two", "options"}).isOk());
+        return read(page[0], text, sizeof(text) - 1) > 0 && text == wanted;
+    };
+    EXPECT_TRUE(eventually([&] { return isPrinted("2 options, properties changed 1 times"); }));
+    EXPECT_TRUE(probe->debug(nullptr, {}).isOk());
+    close(page[1]);
+    EXPECT_TRUE(eventually([&] {
+        char byte;
+        return read(page[0], &byte, 1) == 0;
+    })) << "the server has closed its own";
+    close(page[0]);
+}
+
+TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
+    using android::hidl::manager::V1_0::IServiceManager;
+    start();
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    const sp<IBase> found = manager->get(IProbe::descriptor, "default");
+    ASSERT_NE(nullptr, found);
+    EXPECT_NE(nullptr, sp<IProbe>(IProbe::castFrom(found)));
+    EXPECT_EQ(nullptr, sp<IBase>(manager->get(IProbe::descriptor, "other")));
+    using Transport = IServiceManager::Transport;
+    EXPECT_EQ(Transport::HWBINDER, Transport(manager->getTransport(IProbe::descriptor, "default")));
+    for (const char* none : {"other", "no/name", ""}) {
+        EXPECT_EQ(Transport::EMPTY, Transport(manager->getTransport(IProbe::descriptor, none)));
+    }
+    EXPECT_TRUE(manager->add("own", new Handles).withDefault(false));
+    EXPECT_FALSE(manager->add("own", new Handles).withDefault(true)) << "the name is taken";
+    EXPECT_FALSE(manager->add("own", found).withDefault(true)) << "another process's object";
+    EXPECT_FALSE(manager->add("own", nullptr).withDefault(true));
+    EXPECT_TRUE(manager->listByInterface(IHandles::descriptor,
+                                         [](const auto& names) {
+                                             EXPECT_EQ((hidl_vec<hidl_string>{"default", "own"}), names);
+                                         })
+                        .isOk());
+    EXPECT_TRUE(manager->registerPassthroughClient(IProbe::descriptor, "default").isOk());
+}
+
+/** What a descriptor leads to, and the integer of its handle. */
+std::string whatIs(const hidl_handle& handle) {
+    if (handle == nullptr) {
+        return "null";
+    }
+    std::string text;
+    for (int i = 0; i < handle->numFds; ++i) {
+        const std::string link = "/proc/self/fd/" + std::to_string(handle->data[i]);
+        const bool closes = (fcntl(handle->data[i], F_GETFD) & FD_CLOEXEC) != 0;
+        text += std::filesystem::read_symlink(link).string() + (closes ? " " : "! ");
+    }
+    return text + std::to_string(handle->data[handle->numFds]);
+}
+
+TEST_F(ProcessTest, DescriptorsTravelBothWaysAndAreClosedWhateverBecomesOfThem) {
+    start();
+    const sp<IHandles> handles = IHandles::getService();
+    const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const int zero = open("/dev/zero", O_RDONLY | O_CLOEXEC);
+    const auto fds = [&](size_t count) {
+        std::vector<int> all(count, null);
+        std::fill(all.begin(), all.begin() + static_cast<ptrdiff_t>(count / 2), zero);
+        return all;
+    };
+    ASSERT_TRUE(handles->ping().isOk());
+    size_t ours = openDescriptors(getpid());
+    size_t theirs = openDescriptors(server().pid());
+    const auto isKept = [&] {
+        return eventually([&] {
+            return openDescriptors(getpid()) == ours && openDescriptors(server().pid()) == theirs;
+        });
+    };
+    // As many as a message may have, in arguments, records and results; then calls without.
+    const size_t most = android::hardware::kMaxDescriptors;
+    const Handle one(fds(2));
+    const Handle rest(fds(most - 3));
+    const Handle last(fds(1));
+    const Handle empty({});
+    hidl_vec<IHandles::Carrier> more;
+    more.resize(4);
+    more[0].fds = rest;
+    more[2] = {"two", empty};
+    more[3] = {"three", last};
+    for (int round = 0; round < 20; ++round) {
+        bool called = false;
+        EXPECT_TRUE(handles->echo(one, more,
+                                  [&](const hidl_handle& back, const auto& moreBack) {
+                                      called = true;
+                                      EXPECT_EQ("/dev/zero /dev/null 77", whatIs(back));
+                                      EXPECT_EQ(whatIs(rest), whatIs(moreBack[0].fds));
+                                      EXPECT_EQ("null", whatIs(moreBack[1].fds));
+                                      EXPECT_EQ("77", whatIs(moreBack[2].fds));
+                                      EXPECT_EQ("/dev/null 77", whatIs(moreBack[3].fds));
+                                      EXPECT_EQ("three", moreBack[3].name);
+                                  })
+                            .isOk());
+        EXPECT_TRUE(called);
+        EXPECT_TRUE(handles->echo(nullptr, {},
+                                  [](const hidl_handle& back, const auto&) { EXPECT_EQ(nullptr, back); })
+                            .isOk());
+    }
+    EXPECT_TRUE(isKept());
+
+    // Refused, each at no cost to the others.
+    const auto ignored = [](const auto&...) {};
+    EXPECT_FALSE(handles->echo(Handle(fds(most + 1)), {}, ignored).isOk());
+    const int closed = dup(null);
+    close(closed);
+    EXPECT_FALSE(handles->echo(Handle({null, closed}), {}, ignored).isOk());
+    EXPECT_FALSE(handles->make(ignored).isOk()) << "results have descriptors only where arguments had";
+    EXPECT_TRUE(isKept());
+    mServer.clear();
+    start("poor-server");
+    const sp<IHandles> poor = IHandles::getService();
+    ASSERT_TRUE(poor->ping().isOk());
+    theirs = openDescriptors(server().pid());
+    ours = openDescriptors(getpid());
+    ASSERT_TRUE(poor->hog(true).isOk());
+    const Return<void> lacking = poor->echo(one, {}, ignored);
+    EXPECT_FALSE(lacking.isOk());
+    EXPECT_FALSE(lacking.isDeadObject());
+    ASSERT_TRUE(poor->hog(false).isOk());
+    EXPECT_TRUE(poor->echo(one, {}, ignored).isOk());
+    EXPECT_TRUE(isKept());
+    close(null);
+    close(zero);
 }
 
 TEST_F(ProcessTest, AResultThatNoMessageCarriesIsATransportErrorForItsCallAlone) {
