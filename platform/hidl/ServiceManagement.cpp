@@ -1,12 +1,16 @@
 #define LOG_TAG "hidl"
 
+#include <android/hidl/base/1.0/BpHwBase.h>
 #include <hidl/ServiceManagement.h>
 #include <log/log.h>
 
 #include <vector>
 
 #include "platform/binding/Backend.h"
+#include "platform/binding/Interfaces.h"
 
+using ::android::hidl::base::V1_0::BnHwBase;
+using ::android::hidl::base::V1_0::BpHwBase;
 using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceManager;
 
@@ -16,30 +20,38 @@ sp<IServiceManager> defaultServiceManager() {
     return Backend::self().names().manager();
 }
 
-namespace details {
+sp<IBase> interfaceOf(const sp<IBinder>& object) {
+    return fromBinder<IBase, BpHwBase, BnHwBase>(object);
+}
 
-status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& instance) {
+status_t addTo(Names& names, const sp<IBase>& service, const std::string& instance) {
     if (service == nullptr) {
         return UNEXPECTED_NULL;
     }
-    std::vector<std::string> names;
+    std::vector<std::string> interfaces;
     const Return<void> asked = service->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
         for (const hidl_string& name : chain) {
             if (name != IBase::descriptor) {
-                names.emplace_back(name);
+                interfaces.emplace_back(name);
             }
         }
     });
     const sp<IBinder> object = getOrCreateCachedBinder(service.get());
-    if (!asked.isOk() || names.empty() || object == nullptr) {
+    if (!asked.isOk() || interfaces.empty() || object == nullptr) {
         ALOGE("an object without an interface of its own can not be registered as %s", instance.c_str());
         return INVALID_OPERATION;
     }
-    const status_t status = Backend::self().names().add(names, instance, object);
+    const status_t status = names.add(interfaces, instance, object);
     if (status == OK) {
         Backend::self().startThreadPool();
     }
     return status;
+}
+
+namespace details {
+
+status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& instance) {
+    return addTo(Backend::self().names(), service, instance);
 }
 
 sp<IBinder> getServiceBinder(const char* descriptor, const std::string& instance, bool retry, bool getStub) {

@@ -2,8 +2,6 @@
 
 #include "platform/socket/ServiceManager.h"
 
-#include <android/hidl/base/1.0/BpHwBase.h>
-#include <hidl/ServiceManagement.h>
 #include <log/log.h>
 
 #include <exception>
@@ -11,10 +9,10 @@
 #include <optional>
 #include <thread>
 
+#include "platform/binding/Backend.h"
+#include "platform/binding/Interfaces.h"
 #include "platform/binding/StatusText.h"
 
-using ::android::hidl::base::V1_0::BnHwBase;
-using ::android::hidl::base::V1_0::BpHwBase;
 using ::android::hidl::base::V1_0::DebugInfo;
 using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceNotification;
@@ -168,16 +166,15 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
     bool mRunning = false;
 };
 
-ServiceManager::ServiceManager(Registry& registry)
-    : mRegistry(registry), mNotifier(std::make_shared<Notifier>(registry)) {}
+ServiceManager::ServiceManager(Registry& registry, Names& names)
+    : mRegistry(registry), mNames(names), mNotifier(std::make_shared<Notifier>(registry)) {}
 
 Return<sp<IBase>> ServiceManager::get(const hidl_string& fqName, const hidl_string& name) {
-    return fromBinder<IBase, BpHwBase, BnHwBase>(
-            details::getServiceBinder(fqName.c_str(), name, false /* retry */, false /* getStub */));
+    return interfaceOf(mNames.get(fqName, name, false /* wait */));
 }
 
 Return<bool> ServiceManager::add(const hidl_string& name, const sp<IBase>& service) {
-    return details::registerAsServiceInternal(service, name) == OK;
+    return addTo(mNames, service, name) == OK;
 }
 
 Return<ServiceManager::Transport> ServiceManager::getTransport(const hidl_string& fqName,

@@ -8,11 +8,16 @@
 
 namespace android::hardware {
 
+class Names;
+
 /** A registry as an object of this process. */
 class ServiceManager final : public ::android::hidl::manager::V1_0::IServiceManager {
   public:
-    /** The registry is used until the process ends. */
-    explicit ServiceManager(Registry& registry);
+    /**
+     * @param registry is used until the process ends
+     * @param names what it holds, as objects
+     */
+    ServiceManager(Registry& registry, Names& names);
 
     // Methods from ::android::hidl::manager::V1_0::IServiceManager follow.
     Return<sp<::android::hidl::base::V1_0::IBase>> get(const hidl_string& fqName,
@@ -34,6 +39,7 @@ class ServiceManager final : public ::android::hidl::manager::V1_0::IServiceMana
     class Notifier;
 
     Registry& mRegistry;
+    Names& mNames;
     const std::shared_ptr<Notifier> mNotifier;
 };
 

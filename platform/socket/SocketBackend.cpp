@@ -26,7 +26,7 @@ class SocketNames final : public Names {
     explicit SocketNames(Transport& transport)
         : mTransport(transport),
           mRegistry(Registry::defaultPath()),
-          mManager(new ServiceManager(mRegistry)) {}
+          mManager(new ServiceManager(mRegistry, *this)) {}
 
     status_t add(const std::vector<std::string>& fqNames, const std::string& instance,
                  const sp<IBinder>& object) override {

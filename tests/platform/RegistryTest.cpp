@@ -21,6 +21,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/binding/Backend.h"
 #include "platform/socket/ServiceManager.h"
 #include "tests/support/LogCapture.h"
 
@@ -531,7 +532,7 @@ class Notification : public ::android::hidl::manager::V1_0::IServiceNotification
 TEST_F(RegistryTest, ANotificationIsCalledForWhatIsThereAndForEachLaterRegistration) {
     Registry own(mPath);
     auto* watched = new Registry(mPath);  // used by the notifications' thread until the process ends
-    const sp<ServiceManager> manager = new ServiceManager(*watched);
+    const sp<ServiceManager> manager = new ServiceManager(*watched, Backend::self().names());
     const sp<Notification> early = new Notification;
     const sp<Notification> late = new Notification;
     const std::string name = std::string(kInterface) + "/default";
