@@ -83,7 +83,7 @@ TEST(CommandLine, HelpNamesEveryVerbAndExitCode) {
     const Ran help = ran(testPackage(), {"--help"});
     EXPECT_EQ(help.code, Exit::Success);
     for (const char* text : {"list", "introspect", "call", "wait", "watch", "post", "capture", "edid",
-                             "  0  ", "  1  ", "  2  ", "  3  ", "  4  ", "  5  "}) {
+                             "debug", "  0  ", "  1  ", "  2  ", "  3  ", "  4  ", "  5  "}) {
         EXPECT_THAT(help.out, HasSubstr(text));
     }
     const Ran verb = ran(testPackage(), {"introspect", "-h"});
@@ -133,7 +133,7 @@ TEST(Completion, OffersWhatMayStandThere) {
         std::vector<std::string> words;
         std::vector<std::string> candidates;
     } rows[] = {
-            {{""}, {"list", "introspect", "call", "wait", "watch", "post", "capture", "edid"}},
+            {{""}, {"list", "introspect", "call", "wait", "watch", "post", "capture", "edid", "debug"}},
             {{"in"}, {"introspect"}},
             {{"--json", "w"}, {"wait", "watch"}},
             {{"bad", ""}, {}},

@@ -90,6 +90,15 @@ TEST_F(Service, ThatDoesNotComeIsNotWaitedForLongerThanAsked) {
     EXPECT_EQ(tool({"call", "thing", "get_level", "--instance", "never"}).code, Exit::NotFound);
 }
 
+TEST_F(Service, WritesItsStateWithTheOptionsThatItIsGiven) {
+    startAndWait("state");
+    const Ran page = tool({"debug", "thi*", "one", "two", "--instance", "state"});
+    EXPECT_EQ(page.code, Exit::Success) << page.err;
+    EXPECT_EQ(page.out, std::string(100'000, '.') + "\none\ntwo\n");
+    EXPECT_EQ(tool({"debug", "Watcher"}).code, Exit::Usage);
+    EXPECT_EQ(tool({"debug", "thing", "--instance", "never"}).code, Exit::NotFound);
+}
+
 TEST_F(Service, StatusesDecideTheExitCodeAndTheResultsAreShownAnyway) {
     startAndWait("default");
     const struct {

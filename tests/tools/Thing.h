@@ -41,6 +41,15 @@ struct Thing : IZvtTvFApiThing {
     Return<int32_t> a_hidl_a_zvttvfapi_thg_set_watcher(const sp<IWatcher>& watcher) override {
         return watcher == nullptr ? -2 : 0;
     }
+    /** A page longer than a pipe holds, and the options. */
+    Return<void> debug(const android::hardware::hidl_handle& fd,
+                       const hidl_vec<hidl_string>& options) override {
+        dprintf(fd->data[0], "%s\n", std::string(100'000, '.').c_str());
+        for (const hidl_string& option : options) {
+            dprintf(fd->data[0], "%s\n", option.c_str());
+        }
+        return Void();
+    }
     Return<uint8_t> a_hidl_a_zvttvfapi_thg_get_level() override { return 77; }
     Return<int32_t> a_hidl_a_zvttvfapi_thg_twin() override { return 0; }
     Return<int32_t> a_hidl_zvttvfapi_thg_twin() override { return 7; }

@@ -337,6 +337,18 @@ const std::vector<Verb>& verbs() {
              1,
              2,
              edid},
+            {"debug",
+             "INTERFACE [OPTION...]",
+             "show what a service writes of its state",
+             "Asks a service for its state in words, and shows what it writes. The OPTIONs go to the service "
+             "as "
+             "they are.\n"
+             "An INTERFACE may hold * and ?.\n",
+             Words::Interfaces,
+             {"instance", "timeout"},
+             1,
+             kAnyNumber,
+             debug},
     };
     return all;
 }

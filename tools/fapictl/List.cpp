@@ -67,7 +67,8 @@ Exit list(const Context& context) {
     Json json = Json::array();
     for (const Instance& instance : registered()) {
         if (isShown(instance)) {
-            table.row({escaped(instance.interface), escaped(instance.name), std::to_string(instance.pid)});
+            table.row({escaped(instance.interface), escaped(instance.name),
+                       instance.pid > 0 ? std::to_string(instance.pid) : "-"});
             json.push_back(
                     {{"interface", instance.interface}, {"instance", instance.name}, {"pid", instance.pid}});
         }

@@ -58,6 +58,7 @@ Exit watch(const Context& context);
 Exit post(const Context& context);
 Exit capture(const Context& context);
 Exit edid(const Context& context);
+Exit debug(const Context& context);
 
 /** What of the picture a capture shows; the place is the service's option. */
 const std::vector<std::string>& captureLayers();
