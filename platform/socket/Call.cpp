@@ -39,6 +39,15 @@ class WaitedAnswer final : public Answer {
     bool mBroken = false;
 };
 
+/** Closes the descriptors when the parcel ends. */
+ParcelMemory keeperOf(std::unique_ptr<Descriptors> descriptors) {
+    if (descriptors == nullptr) {
+        return {};
+    }
+    return {descriptors.release(), sizeof(Descriptors),
+            [](void* memory, size_t) { delete static_cast<Descriptors*>(memory); }};
+}
+
 /** Sends results; what can not be sent becomes a status. */
 void sendResults(Peer& peer, const Parcel& results, Answer& answer) {
     MessageHeader head{};
@@ -130,7 +139,7 @@ status_t claimDescriptors(Peer& peer, OwnedMessage* message, const char** rule) 
  */
 status_t receiveOne(Peer& peer, int fd, bool descriptors, OwnedMessage* message, const char** rule) {
     if (descriptors) {
-        message->descriptors = std::make_shared<Descriptors>();
+        message->descriptors = std::make_unique<Descriptors>();
     }
     Descriptors* const came = message->descriptors.get();
     uint8_t headBytes[sizeof(MessageHeader)];
@@ -179,7 +188,7 @@ bool serveNested(Peer& peer, int fd, status_t received, OwnedMessage& message) {
     WaitedAnswer answer(fd, message.head.descriptorCount > 0);
     if (received == OK && ServedCall::depth() < kMaxNestedCalls) {
         const ServedCall served(peer, fd);
-        runCall(peer, Message(message.block.block.get()), &answer, message.descriptors);
+        runCall(peer, Message(message.block.block.get()), &answer, std::move(message.descriptors));
         return !answer.isBroken();
     }
     const ServedCall refused(peer, fd);
@@ -252,14 +261,14 @@ status_t SentObjects::exportObject(const sp<IBinder>& object, ObjectReference* r
     return status;
 }
 
-void runCall(Peer& peer, Message message, Answer* answer, std::shared_ptr<Descriptors> descriptors) {
+void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descriptors> descriptors) {
     const MessageHeader& head = message.header();
     Parcel data;
     ReceivedParcel received = message.received();
     if (head.objectCount > 0) {
         received.objects = peer.shared_from_this();
     }
-    received.descriptors = std::move(descriptors);
+    received.descriptors = keeperOf(std::move(descriptors));
     data.receive(std::move(received));
     bool replied = false;
     status_t status = DEAD_OBJECT;
@@ -333,7 +342,7 @@ void readFrom(Peer& peer, OwnedMessage message, Parcel* parcel) {
     if (message.head.objectCount > 0) {
         received.objects = peer.shared_from_this();
     }
-    received.descriptors = std::move(message.descriptors);
+    received.descriptors = keeperOf(std::move(message.descriptors));
     const size_t size = std::exchange(message.block.capacity, 0);
     received.memory = ParcelMemory(message.block.block.release(), size, [](void* memory, size_t capacity) {
         returnSpareBlock({Block(static_cast<uint8_t*>(memory)), capacity});

@@ -59,7 +59,7 @@ class Answer {
  * @param answer null for a one-way message
  * @param descriptors those that came with it; null if none
  */
-void runCall(Peer& peer, Message message, Answer* answer, std::shared_ptr<Descriptors> descriptors);
+void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descriptors> descriptors);
 
 /** Exports the objects of one message to its receiver, and takes them back unless it is sent. */
 class SentObjects final : public ObjectExporter {
@@ -86,7 +86,7 @@ struct OwnedMessage {
 
     MessageHeader head{};
     SizedBlock block;
-    std::shared_ptr<Descriptors> descriptors;  // null when none came
+    std::unique_ptr<Descriptors> descriptors;  // null when none came
 };
 
 /**

@@ -174,7 +174,7 @@ const char* Inbound::serveMessage(const MessageHeader& head, uint8_t* bytes) {
 const char* Inbound::serveCall(const MessageHeader& head, uint8_t* bytes) {
     if (head.kind == MessageKind::Descriptors) {
         try {
-            mDescriptors = std::make_shared<Descriptors>();
+            mDescriptors = std::make_unique<Descriptors>();
             sendStatus(OK);
         } catch (const std::bad_alloc&) {
             sendStatus(NO_MEMORY);
@@ -184,7 +184,7 @@ const char* Inbound::serveCall(const MessageHeader& head, uint8_t* bytes) {
     if (head.kind != MessageKind::Call) {
         return "a connection for calls carries calls";
     }
-    std::shared_ptr<Descriptors> descriptors = std::move(mDescriptors);
+    std::unique_ptr<Descriptors> descriptors = std::move(mDescriptors);
     mTakesDescriptors = head.descriptorCount > 0;
     if (descriptors != nullptr || mTakesDescriptors) {
         const char* rule = nullptr;

@@ -78,7 +78,7 @@ class Inbound final : private Answer {
     UniqueFd mFd;
     const bool mControl;
     MessageReader mReader;
-    std::shared_ptr<Descriptors> mDescriptors;  // of the next call; null unless announced
+    std::unique_ptr<Descriptors> mDescriptors;  // of the next call; null unless announced
     bool mTakesDescriptors = false;             // the call that is served has brought some
     std::vector<uint8_t> mOut;                  // rest of a reply
     size_t mOutStart = 0;

@@ -42,6 +42,7 @@ using android::hardware::Return;
 using android::hardware::Void;
 using android::hidl::base::V1_0::DebugInfo;
 using android::hidl::base::V1_0::IBase;
+using android::hidl::manager::V1_0::IServiceManager;
 using zvttv::test::probe::V1_0::Colour;
 using zvttv::test::probe::V1_0::Everything;
 using zvttv::test::probe::V1_0::IHandles;
@@ -347,6 +348,26 @@ int playLooper() {
     return 0;
 }
 
+/** Registers objects through the manager. Ends with the number of the step that failed, or 0. */
+int playRegistrar() {
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    if (!manager->add("own", new Handles).withDefault(false)) {
+        return 1;
+    }
+    if (manager->add("own", new Handles).withDefault(true)) {
+        return 2;  // the name is taken
+    }
+    const sp<IBase> anothers = manager->get(IProbe::descriptor, "default");
+    if (manager->add("anothers", anothers).withDefault(true) ||
+        manager->add("null", nullptr).withDefault(true)) {
+        return 3;
+    }
+    hidl_vec<hidl_string> instances;
+    const Return<void> listed =
+            manager->listByInterface(IHandles::descriptor, [&](const auto& names) { instances = names; });
+    return listed.isOk() && instances == hidl_vec<hidl_string>{"default", "own"} ? 0 : 4;
+}
+
 // The test's side.
 
 /** A process that plays a role; it ends with this object at the latest. */
@@ -492,7 +513,6 @@ TEST_F(ProcessTest, AnObjectTellsOfItself) {
 }
 
 TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
-    using android::hidl::manager::V1_0::IServiceManager;
     start();
     const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
     const sp<IBase> found = manager->get(IProbe::descriptor, "default");
@@ -504,15 +524,7 @@ TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
     for (const char* none : {"other", "no/name", ""}) {
         EXPECT_EQ(Transport::EMPTY, Transport(manager->getTransport(IProbe::descriptor, none)));
     }
-    EXPECT_TRUE(manager->add("own", new Handles).withDefault(false));
-    EXPECT_FALSE(manager->add("own", new Handles).withDefault(true)) << "the name is taken";
-    EXPECT_FALSE(manager->add("own", found).withDefault(true)) << "another process's object";
-    EXPECT_FALSE(manager->add("own", nullptr).withDefault(true));
-    EXPECT_TRUE(manager->listByInterface(IHandles::descriptor,
-                                         [](const auto& names) {
-                                             EXPECT_EQ((hidl_vec<hidl_string>{"default", "own"}), names);
-                                         })
-                        .isOk());
+    EXPECT_EQ(0, Player("registrar").wait());
     EXPECT_TRUE(manager->registerPassthroughClient(IProbe::descriptor, "default").isOk());
 }
 
@@ -1033,6 +1045,9 @@ int main(int argc, char** argv) {
     }
     if (role == "--role=listener1" || role == "--role=listener2") {
         return playListener(role == "--role=listener2" ? 2 : 1);
+    }
+    if (role == "--role=registrar") {
+        return playRegistrar();
     }
     if (role == "--role=caller") {
         return playCaller();

@@ -96,8 +96,8 @@ struct ReceivedParcel {
     size_t pieceCount = 0;
     uint8_t* base = nullptr;                // what the pieces' places count from; 8-aligned
     std::shared_ptr<ObjectSource> objects;  // null when no piece is an object
-    std::shared_ptr<void> descriptors;  // closes those of native handles; null when that is not ours to do
     ParcelMemory memory;
+    ParcelMemory descriptors;  // its release closes those of native handles; none when that is not ours to do
 };
 
 /**
