@@ -3,7 +3,7 @@
 #include <functional>
 #include <list>
 
-#include "platform/socket/Complaints.h"
+#include "platform/binding/Complaints.h"
 #include "platform/socket/Message.h"
 #include "platform/socket/Socket.h"
 

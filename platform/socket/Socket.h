@@ -7,19 +7,11 @@
 #include <cstddef>
 #include <string>
 
+#include "platform/binding/Complaints.h"
 #include "platform/binding/UniqueFd.h"
 #include "platform/socket/Message.h"
 
 namespace android::hardware {
-
-/**
- * Who is at the other end of a connection, as the kernel noted it when the connection was made. A process of
- * another PID namespace has no number here: its pid is 0.
- */
-struct Credentials {
-    pid_t pid = 0;
-    uid_t uid = 0;
-};
 
 /** A name that nobody can guess. */
 Endpoint randomEndpoint();

@@ -9,7 +9,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/socket/Complaints.h"
+#include "platform/binding/Complaints.h"
 #include "platform/socket/Exports.h"
 #include "platform/socket/Listener.h"
 #include "platform/socket/Peer.h"

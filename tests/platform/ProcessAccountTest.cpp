@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/socket/Complaints.h"
+#include "platform/binding/Complaints.h"
 #include "platform/socket/Inbound.h"
 #include "platform/socket/Limits.h"
 #include "platform/socket/Transport.h"

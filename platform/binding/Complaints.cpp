@@ -1,4 +1,4 @@
-#include "platform/socket/Complaints.h"
+#include "platform/binding/Complaints.h"
 
 #include <time.h>
 

@@ -6,9 +6,16 @@
 #include <cstdint>
 #include <mutex>
 
-#include "platform/socket/Socket.h"
-
 namespace android::hardware {
+
+/**
+ * Who is at the other end of a connection, as the kernel noted it when the connection was made. A process of
+ * another PID namespace has no number here: its pid is 0.
+ */
+struct Credentials {
+    pid_t pid = 0;
+    uid_t uid = 0;
+};
 
 /**
  * Which complaints about other processes are written to the log: of each process the first few, then every
