@@ -120,13 +120,18 @@ status_t Parcel::writeEmbeddedBuffer(const void* data, size_t size, size_t* hand
     return appendPiece(data, size, static_cast<uint32_t>(parentHandle), parentOffset, handle);
 }
 
+/** There is a next piece, and what has been read reaches up to it. */
+inline bool Parcel::isNextHere() const {
+    return mReceived.scalarsBefore == nullptr || mReceived.scalarsBefore[mPieceCursor] == mScalarCursor;
+}
+
 inline status_t Parcel::takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
                                   uint8_t** data) const {
     if (mPieceCursor >= mReceived.pieceCount) {
         return NOT_ENOUGH_DATA;
     }
     const ParcelPiece& piece = mReceived.pieces[mPieceCursor];
-    if (piece.size != size || piece.parent != parent || piece.parentOffset != parentOffset) {
+    if (piece.size != size || piece.parent != parent || piece.parentOffset != parentOffset || !isNextHere()) {
         return BAD_VALUE;
     }
     *handle = mPieceCursor++;
@@ -183,7 +188,19 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
         return OK;
     }
     const status_t status = takePiece(1, kIsObject, 0, &handle, &form);
-    return status == OK ? mReceived.objects->takeObject(form, object) : status;
+    if (status == OK) {
+        return mReceived.objects->takeObject(form, object);
+    }
+    if (mReceived.scalarsBefore == nullptr) {
+        return status;
+    }
+    const size_t end = mPieceCursor < mReceived.pieceCount ? mReceived.scalarsBefore[mPieceCursor]
+                                                           : mReceived.scalarBytes;
+    const size_t null = end <= mScalarCursor ? 0
+                                             : mReceived.objects->nullBytes(mReceived.scalars + mScalarCursor,
+                                                                            end - mScalarCursor);
+    mScalarCursor += null;
+    return null > 0 ? OK : status;
 }
 
 status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {

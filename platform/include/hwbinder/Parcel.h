@@ -56,6 +56,11 @@ class ObjectSource {
     virtual status_t takeObject(const uint8_t* form, sp<IBinder>* object) = 0;
     /** Gives up an object that nobody has read. */
     virtual void dropObject(const uint8_t* form) = 0;
+    /**
+     * Where null objects are no pieces, but lie among the scalars: how many of these stand for a null object,
+     * 0 if something else lies here.
+     */
+    virtual size_t nullBytes(const uint8_t* /* scalars */, size_t /* left */) const { return 0; }
 
   protected:
     ~ObjectSource() = default;
@@ -94,6 +99,8 @@ struct ReceivedParcel {
     size_t scalarBytes = 0;
     const ParcelPiece* pieces = nullptr;
     size_t pieceCount = 0;
+    // Of each piece, the bytes of scalars before it, where the transport knows: it is read there, or not.
+    const uint32_t* scalarsBefore = nullptr;
     uint8_t* base = nullptr;                // what the pieces' places count from; 8-aligned
     std::shared_ptr<ObjectSource> objects;  // null when no piece is an object
     ParcelMemory memory;
@@ -235,6 +242,7 @@ class Parcel {
     }
     status_t fail(status_t status);
     status_t appendPiece(const void* data, size_t size, uint32_t parent, size_t parentOffset, size_t* handle);
+    bool isNextHere() const;
     status_t takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
                        uint8_t** data) const;
     status_t writeDescriptors(const native_handle_t& handle);
