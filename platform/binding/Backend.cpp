@@ -1,9 +1,16 @@
+#define LOG_TAG "hidl"
+
 #include "platform/binding/Backend.h"
+
+#include <log/log.h>
+#include <stdlib.h>
 
 #include <atomic>
 #include <memory>
+#include <string_view>
 
 #include "platform/binding/UniqueFd.h"
+#include "platform/kernel/KernelBackend.h"
 #include "platform/socket/SocketBackend.h"
 
 namespace android::hardware {
@@ -11,6 +18,17 @@ namespace android::hardware {
 namespace {
 
 std::atomic<Backend*> gBackend{nullptr};
+
+std::unique_ptr<Backend> makeBackend() {
+    const char* const wanted = getenv("HIDL_TRANSPORT");
+    const std::string_view transport = wanted == nullptr ? "" : wanted;
+    if (transport == "binder") {
+        return makeKernelBackend();
+    }
+    LOG_ALWAYS_FATAL_IF(transport != "" && transport != "socket",
+                        "HIDL_TRANSPORT is \"%s\"; it may be \"socket\" (the default) or \"binder\"", wanted);
+    return makeSocketBackend();
+}
 
 }  // namespace
 
@@ -23,7 +41,7 @@ Backend& Backend::self() {
     (void)watchesForks;
     Backend* known = gBackend;
     if (known == nullptr) {
-        std::unique_ptr<Backend> made = makeSocketBackend();
+        std::unique_ptr<Backend> made = makeBackend();
         if (gBackend.compare_exchange_strong(known, made.get())) {
             known = made.release();
         }
