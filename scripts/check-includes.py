@@ -33,6 +33,7 @@ ROOMS = [
     ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
+    ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h")),
     ("platform/parcel/", [], ("hwbinder/", "utils/")),

@@ -1,0 +1,257 @@
+#define LOG_TAG "hwservicemanager"
+
+#include "tools/hwservicemanager/Names.h"
+
+#include <errno.h>
+#include <log/log.h>
+#include <signal.h>
+
+#include <algorithm>
+
+#include "platform/kernel/KernelBackend.h"
+
+using ::android::sp;
+using ::android::wp;
+using ::android::hardware::callingPid;
+using ::android::hardware::hidl_death_recipient;
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
+using ::android::hardware::Return;
+using ::android::hardware::Void;
+using ::android::hidl::base::V1_0::DebugInfo;
+using ::android::hidl::base::V1_0::IBase;
+using ::android::hidl::manager::V1_0::IServiceNotification;
+
+namespace {
+
+/**
+ * Whether an object's process is gone. A one-way call tells at once, and waits for nobody; right after an end
+ * the driver may not know of it yet.
+ */
+bool isDead(const sp<IBase>& object, int32_t pid) {
+    return object->setHALInstrumentation().isDeadObject() || (pid > 0 && kill(pid, 0) != 0 && errno == ESRCH);
+}
+
+}  // namespace
+
+/** Tells of the deaths of processes that have registered something. */
+struct Names::Mourner : hidl_death_recipient {
+    explicit Mourner(Names& names) : mNames(names) {}
+    void serviceDied(uint64_t cookie, const wp<IBase>&) override { mNames.forget(cookie); }
+    Names& mNames;  // lives as long as the process
+};
+
+Names::Names() : mMourner(new Mourner(*this)) {}
+
+Return<sp<IBase>> Names::get(const hidl_string& fqName, const hidl_string& name) {
+    const std::lock_guard lock(mLock);
+    const auto found = mServices.find({fqName, name});
+    return found == mServices.end() ? nullptr : found->second.object;
+}
+
+Return<bool> Names::add(const hidl_string& name, const sp<IBase>& service) {
+    const int32_t pid = callingPid();
+    if (service == nullptr || name.size() > kLongestName) {
+        return false;
+    }
+    std::vector<Key> keys;
+    const Return<void> asked = service->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
+        for (const hidl_string& each : chain) {
+            if (each != IBase::descriptor && each.size() <= kLongestName && keys.size() < kMostNames) {
+                keys.emplace_back(each, name);
+            }
+        }
+    });
+    if (!asked.isOk() || keys.empty()) {
+        ALOGW("pid %d registers %s, which names no interface: %s", pid, name.c_str(),
+              asked.description().c_str());
+        return false;
+    }
+    Service added{service, pid, 0};
+    {
+        const std::lock_guard lock(mLock);
+        added.cookie = ++mLastCookie;
+    }
+    std::vector<Wish> told;
+    while (true) {
+        Object holder;
+        int32_t holderPid = 0;
+        if (take(keys, added, &told, &holder, &holderPid)) {
+            break;
+        }
+        if (holder == nullptr || !isDead(holder, holderPid)) {
+            ALOGW("pid %d can not register %s/%s: %s", pid, keys.front().first.c_str(), name.c_str(),
+                  holder == nullptr ? "there are too many names"
+                                    : ("pid " + std::to_string(holderPid) + " holds the name").c_str());
+            return false;
+        }
+        // Its notice is on the way.
+        uint64_t cookie = 0;
+        {
+            const std::lock_guard lock(mLock);
+            for (const auto& [key, each] : mServices) {
+                cookie = each.object == holder ? each.cookie : cookie;
+            }
+        }
+        forget(cookie);
+    }
+    // Linked before, its death could be told before it is here to be forgotten.
+    const Return<bool> linked = service->linkToDeath(mMourner, added.cookie);
+    if (!linked.isOk() || !linked) {
+        forget(added.cookie);
+        return false;
+    }
+    for (const Wish& wish : told) {
+        for (const Key& key : keys) {
+            if (isWanted(wish, key)) {
+                tell(wish, key, false);
+            }
+        }
+    }
+    return true;
+}
+
+/**
+ * Files a service under all names, or under none: then holder is who has one of them, or null where there are
+ * too many names.
+ *
+ * @param told who wants to be told of one of them
+ */
+bool Names::take(const std::vector<Key>& keys, const Service& service, std::vector<Wish>* told,
+                 Object* holder, int32_t* holderPid) {
+    const std::lock_guard lock(mLock);
+    for (const Key& key : keys) {
+        if (const auto held = mServices.find(key); held != mServices.end()) {
+            *holder = held->second.object;
+            *holderPid = held->second.pid;
+            return false;
+        }
+    }
+    if (mServices.size() + keys.size() > kMostNames) {
+        return false;
+    }
+    for (const Key& key : keys) {
+        mServices.emplace(key, service);
+    }
+    for (const Wish& wish : mWishes) {
+        if (std::any_of(keys.begin(), keys.end(), [&](const Key& key) { return isWanted(wish, key); })) {
+            told->push_back(wish);
+        }
+    }
+    return true;
+}
+
+void Names::forget(uint64_t cookie) {
+    std::vector<Object> objects;  // end outside the lock, as do notifications
+    std::vector<Wish> wishes;
+    const std::lock_guard lock(mLock);
+    for (auto service = mServices.begin(); service != mServices.end();) {
+        if (service->second.cookie == cookie) {
+            objects.push_back(service->second.object);
+            service = mServices.erase(service);
+        } else {
+            ++service;
+        }
+    }
+    const auto dead = std::stable_partition(mWishes.begin(), mWishes.end(),
+                                            [&](const Wish& wish) { return wish.cookie != cookie; });
+    wishes.assign(dead, mWishes.end());
+    mWishes.erase(dead, mWishes.end());
+}
+
+bool Names::isWanted(const Wish& wish, const Key& key) {
+    return wish.key.first == key.first && (wish.key.second.empty() || wish.key.second == key.second);
+}
+
+void Names::tell(const Wish& wish, const Key& key, bool preexisting) {
+    const Return<void> told = wish.callback->onRegistration(key.first, key.second, preexisting);
+    ALOGW_IF(!told.isOk() && !told.isDeadObject(), "a registration of %s/%s could not be told: %s",
+             key.first.c_str(), key.second.c_str(), told.description().c_str());
+}
+
+Return<Names::Transport> Names::getTransport(const hidl_string& fqName, const hidl_string& name) {
+    const std::lock_guard lock(mLock);
+    return mServices.count({fqName, name}) != 0 ? Transport::HWBINDER : Transport::EMPTY;
+}
+
+Return<void> Names::list(list_cb _hidl_cb) {
+    std::vector<hidl_string> names;
+    {
+        const std::lock_guard lock(mLock);
+        for (const auto& [key, service] : mServices) {
+            names.emplace_back(key.first + "/" + key.second);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    _hidl_cb(names);
+    return Void();
+}
+
+Return<void> Names::listByInterface(const hidl_string& fqName, listByInterface_cb _hidl_cb) {
+    std::vector<hidl_string> instances;
+    {
+        const std::lock_guard lock(mLock);
+        for (auto each = mServices.lower_bound({fqName, ""});
+             each != mServices.end() && fqName == each->first.first; ++each) {
+            instances.emplace_back(each->first.second);
+        }
+    }
+    _hidl_cb(instances);
+    return Void();
+}
+
+Return<bool> Names::registerForNotifications(const hidl_string& fqName, const hidl_string& name,
+                                             const sp<IServiceNotification>& callback) {
+    if (callback == nullptr || fqName.size() == 0 || fqName.size() > kLongestName ||
+        name.size() > kLongestName) {
+        return false;
+    }
+    Wish wish{{fqName, name}, callback, 0};
+    std::vector<Key> there;
+    {
+        const std::lock_guard lock(mLock);
+        wish.cookie = ++mLastCookie;
+        if (mWishes.size() >= kMostNotifications) {
+            ALOGW("pid %d wants to be told of %s: too many want to be told of names", callingPid(),
+                  fqName.c_str());
+            return false;
+        }
+        mWishes.push_back(wish);
+        for (const auto& [key, service] : mServices) {
+            if (isWanted(wish, key)) {
+                there.push_back(key);
+            }
+        }
+    }
+    const Return<bool> linked = callback->linkToDeath(mMourner, wish.cookie);
+    if (!linked.isOk() || !linked) {
+        forget(wish.cookie);
+        return false;
+    }
+    for (const Key& key : there) {
+        tell(wish, key, true);
+    }
+    return true;
+}
+
+Return<void> Names::debugDump(debugDump_cb _hidl_cb) {
+    std::vector<InstanceDebugInfo> info;
+    {
+        const std::lock_guard lock(mLock);
+        for (const auto& [key, service] : mServices) {
+            InstanceDebugInfo each;
+            each.interfaceName = key.first;
+            each.instanceName = key.second;
+            each.pid = service.pid;
+            each.arch = DebugInfo::Architecture::UNKNOWN;
+            info.push_back(std::move(each));
+        }
+    }
+    _hidl_cb(info);
+    return Void();
+}
+
+Return<void> Names::registerPassthroughClient(const hidl_string& /* fqName */,
+                                              const hidl_string& /* name */) {
+    return Void();
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <android/hidl/manager/1.0/IServiceManager.h>
+#include <android/hidl/manager/1.0/IServiceNotification.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+/**
+ * The names of one device of the binder driver. Any thread; other processes are called without locks. What
+ * belongs to a process goes with it.
+ */
+class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
+  public:
+    Names();
+
+    // Methods from ::android::hidl::manager::V1_0::IServiceManager follow.
+    ::android::hardware::Return<::android::sp<::android::hidl::base::V1_0::IBase>> get(
+            const ::android::hardware::hidl_string& fqName,
+            const ::android::hardware::hidl_string& name) override;
+    /** False where a live process holds one of the object's names; then none of them is taken. */
+    ::android::hardware::Return<bool> add(
+            const ::android::hardware::hidl_string& name,
+            const ::android::sp<::android::hidl::base::V1_0::IBase>& service) override;
+    ::android::hardware::Return<Transport> getTransport(
+            const ::android::hardware::hidl_string& fqName,
+            const ::android::hardware::hidl_string& name) override;
+    ::android::hardware::Return<void> list(list_cb _hidl_cb) override;
+    ::android::hardware::Return<void> listByInterface(const ::android::hardware::hidl_string& fqName,
+                                                      listByInterface_cb _hidl_cb) override;
+    /** An empty instance name stands for all of the interface's. */
+    ::android::hardware::Return<bool> registerForNotifications(
+            const ::android::hardware::hidl_string& fqName, const ::android::hardware::hidl_string& name,
+            const ::android::sp<::android::hidl::manager::V1_0::IServiceNotification>& callback) override;
+    /** Who uses a service is not known: the driver does not tell. */
+    ::android::hardware::Return<void> debugDump(debugDump_cb _hidl_cb) override;
+    /** Notes nothing: no library is loaded as a service on a host. */
+    ::android::hardware::Return<void> registerPassthroughClient(
+            const ::android::hardware::hidl_string& fqName,
+            const ::android::hardware::hidl_string& name) override;
+
+  private:
+    using Object = ::android::sp<::android::hidl::base::V1_0::IBase>;
+    using Notification = ::android::sp<::android::hidl::manager::V1_0::IServiceNotification>;
+    using Key = std::pair<std::string, std::string>;  // interface and instance: the order of list()
+
+    // Ample for a device, and a bound on what one that registers in a loop can take of our memory.
+    static constexpr size_t kMostNames = 4096;
+    static constexpr size_t kMostNotifications = 4096;
+    static constexpr size_t kLongestName = 255;
+
+    struct Service {
+        Object object;
+        int32_t pid;
+        uint64_t cookie;  // of its death; the same for all names of one registration
+    };
+    struct Wish {
+        Key key;
+        Notification callback;
+        uint64_t cookie;
+    };
+    struct Mourner;
+
+    bool take(const std::vector<Key>& keys, const Service& service, std::vector<Wish>* told, Object* holder,
+              int32_t* holderPid);
+    void forget(uint64_t cookie);
+    static bool isWanted(const Wish& wish, const Key& key);
+    static void tell(const Wish& wish, const Key& key, bool preexisting);
+
+    const ::android::sp<Mourner> mMourner;
+
+    std::mutex mLock;  // guards the rest
+    std::map<Key, Service> mServices;
+    std::vector<Wish> mWishes;
+    uint64_t mLastCookie = 0;
+};
