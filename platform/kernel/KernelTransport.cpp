@@ -3,6 +3,7 @@
 #include "platform/kernel/KernelTransport.h"
 
 #include <log/log.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <new>
@@ -60,7 +61,9 @@ void KernelTransport::spawn() {
 }
 
 void KernelTransport::startThread(bool asked) {
-    std::thread([this, asked] { Looper::ofThread(*this).run(asked); }).detach();
+    std::thread thread([this, asked] { Looper::ofThread(*this).run(asked); });
+    pthread_setname_np(thread.native_handle(), "hidl-pool");
+    thread.detach();
 }
 
 status_t KernelTransport::describe(const sp<IBinder>& object, flat_binder_object* form) {

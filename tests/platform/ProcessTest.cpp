@@ -1,6 +1,7 @@
 // What the runtime promises between real processes. The program is its own client and server: with --role it
 // plays one of them.
 
+#include <android/hidl/manager/1.0/IServiceManager.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
@@ -10,6 +11,7 @@
 #include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utils/misc.h>
@@ -28,6 +30,7 @@
 #include "platform/socket/Socket.h"
 #include "tests/support/Descriptors.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/Transport.h"
 
 namespace {
 
@@ -366,6 +369,16 @@ int playRegistrar() {
     const Return<void> listed =
             manager->listByInterface(IHandles::descriptor, [&](const auto& names) { instances = names; });
     return listed.isOk() && instances == hidl_vec<hidl_string>{"default", "own"} ? 0 : 4;
+}
+
+int playStranger() {
+    constexpr uid_t kNobody = 65534;
+    if (setresuid(kNobody, kNobody, kNobody) != 0) {
+        return 2;
+    }
+    const auto manager = android::hardware::defaultServiceManager();
+    const Return<void> listed = manager->list([](const auto&) {});
+    return listed.isOk() ? 3 : listed.status().transactionError() == android::PERMISSION_DENIED ? 0 : 4;
 }
 
 // The test's side.
@@ -719,11 +732,12 @@ TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
     sp<IProbe> probe = start();
     const std::filesystem::path folder = getenv("HIDL_RUNTIME_DIR");
     std::error_code quicker;  // a file may be back before its folder is gone
-    const std::function<void()> harms[] = {
-            [] {},
-            [&] { std::filesystem::remove(folder / (std::string(IProbe::descriptor) + "+default")); },
-            [&] { std::filesystem::remove_all(folder, quicker); },
-    };
+    std::vector<std::function<void()>> harms{[] {}};
+    if (!isOnBinder()) {
+        harms.emplace_back(
+                [&] { std::filesystem::remove(folder / (std::string(IProbe::descriptor) + "+default")); });
+        harms.emplace_back([&] { std::filesystem::remove_all(folder, quicker); });
+    }
     for (const auto& harm : harms) {
         harm();
         EXPECT_TRUE(eventually([] { return IProbe::tryGetService() != nullptr; }));
@@ -734,7 +748,7 @@ TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
     mServer.back().kill(SIGKILL);
     const Return<void> late = probe->blob(1, [](const auto&) {});
     EXPECT_TRUE(late.isDeadObject());
-    EXPECT_EQ(nullptr, IProbe::tryGetService());
+    EXPECT_TRUE(eventually([] { return IProbe::tryGetService() == nullptr; }));
     probe = start();
     EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk());
 }
@@ -750,6 +764,7 @@ TEST_F(ProcessTest, GetServiceWaitsForTheService) {
 }
 
 TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("poor-server");
     android::hardware::ObjectReference reference;
     pid_t pid = 0;
@@ -998,6 +1013,13 @@ TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
         return;
     }
     const sp<IProbe> probe = start();
+    if (isOnBinder()) {
+        // Who may open the device is up to its owner; who calls is up to us.
+        ASSERT_EQ(0, chmod("/dev/hwbinder", 0666));
+        EXPECT_EQ(0, Player("stranger").wait()) << "0: refused";
+        ASSERT_EQ(0, chmod("/dev/hwbinder", 0600));
+        return;
+    }
     android::hardware::ObjectReference reference;
     pid_t pid = 0;
     ASSERT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
@@ -1051,6 +1073,9 @@ int main(int argc, char** argv) {
     }
     if (role == "--role=caller") {
         return playCaller();
+    }
+    if (role == "--role=stranger") {
+        return playStranger();
     }
     testing::InitGoogleTest(&argc, argv);
     // A registry of our own; the tests share it, as a process opens it once.

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <android/hidl/manager/1.0/IServiceManager.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <hidl/ServiceManagement.h>
+#include <signal.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -12,6 +16,7 @@
 #include "platform/socket/Registry.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/Transport.h"
 
 inline std::string descriptorOf(const std::string& name) {
     return "vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApi" + name;
@@ -47,11 +52,16 @@ class ServiceFixture : public testing::Test {
     }
     ChildProcess& service() { return mService.back(); }
     bool isRegistered(const std::string& name) {
-        android::hardware::ObjectReference reference;
-        pid_t pid = 0;
-        android::hardware::Registry registry(mRegistryPath);
-        return registry.find(descriptorOf(name), "default", &reference, &pid) == android::OK &&
-               pid == service().pid();
+        bool found = false;
+        const auto manager = android::hardware::defaultServiceManager();
+        EXPECT_TRUE(manager->debugDump([&](const auto& registered) {
+                               for (const auto& each : registered) {
+                                   found = found || (each.interfaceName == descriptorOf(name) &&
+                                                     each.pid == service().pid());
+                               }
+                           })
+                            .isOk());
+        return found;
     }
     void clearRegistry() const {
         for (const auto& file : std::filesystem::directory_iterator(mRegistryPath)) {

@@ -87,6 +87,7 @@ TEST_F(ServiceTest, TheDebugLevelsLowByteDecidesWhetherAnythingIsLogged) {
 }
 
 TEST_F(ServiceTest, ANameThatIsTakenStopsTheStartThereWithItsMessage) {
+    ONLY_OVER_SOCKETS();
     for (size_t taken = 0; taken < kInterfaces.size(); ++taken) {
         const bool last = taken + 1 == kInterfaces.size();
         // The message does not depend on the level; the manager's own lines do.
