@@ -75,6 +75,67 @@ parcels = {
     "wrong_magic": parcel([NUMBER], bytes(8), magic=0),
 }
 
+# As the binder driver delivers them; its forms are in linux/android/binder.h.
+FORM_BINDER, FORM_HANDLE, FORM_BUFFER, FORM_DESCRIPTOR = (int.from_bytes(t + b"\x85", "big") for t in (b"sb*", b"sh*", b"pt*", b"fd*"))
+NULL = struct.pack("<2I2Q", FORM_BINDER, 0, 0, 0)
+
+
+def handle(number, form=FORM_HANDLE):
+    return struct.pack("<2I2Q", form, 0, number, 0)
+
+
+def buffer(data, parent=None, offset=0, flags=None, length=None, address=0):
+    """A form, and what it stands for."""
+    flags = int(parent is not None) if flags is None else flags
+    return struct.pack("<2I4Q", FORM_BUFFER, flags, address, len(data) if length is None else length, parent or 0, offset), data
+
+
+def transaction(reads, *parts, places=None, data_bytes=None):
+    """parts: scalars and forms in the order of writing; a list holds what the table does not name."""
+    data, table, buffers = b"", [], b""
+    for part in parts:
+        form, content = part if isinstance(part, tuple) else (part, b"")
+        if isinstance(form, list):
+            data += form[0]
+            continue
+        table.append(len(data))
+        data += form
+        buffers += padded(content)
+    table = table if places is None else places
+    sizes = struct.pack("<2I", len(data) if data_bytes is None else data_bytes, 8 * len(table))
+    return (bytes(reads).ljust(16, b"\0") + sizes + padded(data) + struct.pack(f"<{len(table)}Q", *table) + buffers)
+
+
+two = [struct.pack("<I", 2)]
+transactions = {
+    "numbers_then_text": transaction([NUMBER, TEXT], two, [padded(b"text\0", 4)]),
+    "text_without_end": transaction([TEXT], [b"text"]),
+    "buffer": transaction([NUMBER, BUFFER_16], two, buffer(bytes(16))),
+    "vector": transaction([NUMBER, NUMBERS, NUMBER], two, buffer(record(3)), buffer(bytes(6), 0), two),
+    "vector_of_texts": transaction([NUMBER, TEXTS], two, *(buffer(d, None if p == NO_PARENT else p, o)
+                                                            for d, p, o in two_texts)),
+    "vector_whose_buffer_was_not_sent": transaction([NUMBER, NUMBERS], two, buffer(record(3))),
+    "pointer_over_the_length": transaction([NUMBER, NUMBERS], two, buffer(record(3)), buffer(bytes(6), 0, 8)),
+    "pointer_between_two_fields": transaction([NUMBER, NUMBERS], two, buffer(record(3)), buffer(bytes(6), 0, 4)),
+    "parent_that_is_the_child": transaction([NUMBER, NUMBERS], two, buffer(record(3), 0)),
+    "parent_far_away": transaction([NUMBER, NUMBERS], two, buffer(record(3)), buffer(bytes(6), 1 << 40)),
+    "buffer_longer_than_the_message": transaction([NUMBER, NUMBERS], two, buffer(bytes(16), length=1 << 32)),
+    "buffer_at_another_place": transaction([NUMBER, BUFFER_16], two, buffer(bytes(16), address=8)),
+    "buffer_with_unknown_flags": transaction([NUMBER, BUFFER_16], two, buffer(bytes(16), flags=2)),
+    "objects_and_nulls": transaction([NUMBER, OBJECT, OBJECT, OBJECT, NUMBER], two, [NULL], handle(1), [NULL], two),
+    "object_then_null": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), [NULL]),
+    "object_of_ours": transaction([NUMBER, OBJECT], two, handle(1, FORM_BINDER)),
+    "object_that_is_gone": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), handle(7)),
+    "objects_that_nobody_reads": transaction([NUMBER], two, handle(1), handle(2)),
+    "object_as_a_parent": transaction([NUMBER, OBJECT], two, handle(1), buffer(bytes(16), 0)),
+    "descriptor": transaction([NUMBER, OBJECT], two, handle(1, FORM_DESCRIPTOR)),
+    "places_that_overlap": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), handle(1), places=[4, 8]),
+    "places_backwards": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), handle(1), places=[28, 4]),
+    "place_beyond_the_data": transaction([NUMBER, OBJECT], two, handle(1), places=[1 << 33]),
+    "place_cuts_the_form": transaction([NUMBER, OBJECT], two, handle(1), data_bytes=20),
+    "more_data_than_memory": transaction([NUMBER], two, data_bytes=1 << 20),
+}
+
 token = padded(b"vendor.zentrovi.tv.zvttvfactory@1.0::IZvtTvFApiInformation\0", 4)
 base = padded(b"android.hidl.base@1.0::IBase\0", 4)
 GET_INI, SET_INI, IP_STATUS, VERSION = 1, 2, 3, 4
@@ -114,7 +175,7 @@ names = {
     "record_with_bytes_behind": b"a@1.0::I\nb\n",
 }
 
-for target, seeds in ("fuzz-parcel", parcels), ("fuzz-information", calls), ("fuzz-registry", names):
+for target, seeds in ("fuzz-parcel", parcels), ("fuzz-transaction", transactions), ("fuzz-information", calls), ("fuzz-registry", names):
     folder = CORPUS / target
     folder.mkdir(parents=True, exist_ok=True)
     for stale in folder.iterdir():
