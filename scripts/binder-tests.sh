@@ -38,7 +38,8 @@ check() {
 # suite PROGRAM [ARG...]: the cases of one test program, then what it has left in the driver.
 suite() {
     local name=$1 begin=$SECONDS
-    "$bin/$@" --gtest_brief=1 >"/tmp/$name.log" 2>&1 || true
+    shift
+    "$bin/$name" "$@" --gtest_brief=1 >"/tmp/$name.log" 2>&1 || true
     local good bad
     good=$(sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.$/\1/p' "/tmp/$name.log")
     bad=$(grep -cE '^\[  FAILED  \] .* \([0-9]+ ms\)$' "/tmp/$name.log" || true)
