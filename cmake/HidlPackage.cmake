@@ -2,10 +2,12 @@
 #
 # Runs the interface compiler over one package and makes a static library of its output. <folder> is the
 # folder that stands for the package's name without its version, as in the compiler's -r option.
-# HIDL_ROOTS (global property) collects every package's root, so that packages may import each other.
+# HIDL_ROOTS and HIDL_FILES (global properties) collect every package's root and files: a package may import those that
+# were declared before it, and is generated again when they change.
 
 find_program(HIDL_GEN hidl-gen REQUIRED)
 set_property(GLOBAL PROPERTY HIDL_ROOTS "")
+set_property(GLOBAL PROPERTY HIDL_FILES "")
 
 function(hidl_package target)
     cmake_parse_arguments(arg "TYPES" "PACKAGE;ROOT" "INTERFACES" ${ARGN})
@@ -30,13 +32,16 @@ function(hidl_package target)
         list(APPEND headers "${out}/${path}/${version}/${interface}.h")
     endforeach()
 
+    set_property(GLOBAL APPEND PROPERTY HIDL_FILES ${inputs})
+    get_property(files GLOBAL PROPERTY HIDL_FILES)
+
     add_custom_command(
         OUTPUT ${sources} ${headers}
         COMMAND ${HIDL_GEN} -R -o ${out} -L c++-headers ${roots} ${arg_PACKAGE}
         COMMAND ${HIDL_GEN} -R -o ${out} -L c++-sources ${roots} ${arg_PACKAGE}
         # The compiler leaves files alone whose text has not changed; ninja wants to see them touched.
         COMMAND ${CMAKE_COMMAND} -E touch ${sources} ${headers}
-        DEPENDS ${inputs}
+        DEPENDS ${files}
         COMMENT "Generating ${arg_PACKAGE}"
         VERBATIM)
 
