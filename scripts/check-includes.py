@@ -35,7 +35,7 @@ ROOMS = [
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
     ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
-    ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h")),
+    ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
     ("platform/parcel/", [], ("hwbinder/", "utils/")),
     ("platform/binding/Backend.cpp", ["platform/binding/", "platform/kernel/", "platform/socket/"], ANY),
     ("platform/binding/", ["platform/binding/"], ANY),

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/binding/Complaints.h"
+
 namespace android::hidl::manager::V1_0 {
 struct IServiceManager;
 }
@@ -59,6 +61,11 @@ class Backend {
     /** Runs calls on this thread; does not return. */
     virtual void joinThreadPool() = 0;
     virtual Names& names() = 0;
+    /**
+     * Whose call this thread serves, the innermost one's; this process while it serves none. The pid is 0
+     * where the transport does not know it.
+     */
+    virtual Credentials caller() = 0;
 };
 
 }  // namespace android::hardware

@@ -9,8 +9,8 @@
 namespace android::hardware {
 
 /**
- * Who is at the other end of a connection, as the kernel noted it when the connection was made. A process of
- * another PID namespace has no number here: its pid is 0.
+ * Who is at the other end of a connection, as the kernel noted it when the connection was made, or whose call
+ * it is, as the driver says. A process of another PID namespace has no number here: its pid is 0.
  */
 struct Credentials {
     pid_t pid = 0;

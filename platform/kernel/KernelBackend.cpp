@@ -4,6 +4,7 @@
 
 #include <log/log.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include "platform/kernel/KernelNames.h"
 #include "platform/kernel/KernelTransport.h"
@@ -33,6 +34,10 @@ class KernelBackend final : public Backend {
     void startThreadPool() override { mTransport.start(); }
     void joinThreadPool() override { mTransport.join(); }
     Names& names() override { return mNames; }
+    Credentials caller() override {
+        const Credentials* const who = Looper::caller();
+        return who != nullptr ? *who : Credentials{getpid(), getuid()};
+    }
     KernelTransport& transport() { return mTransport; }
 
   private:
@@ -53,11 +58,6 @@ status_t becomeContextManager(const sp<IServiceManager>& manager) {
     }
     const sp<BHwBinder> object = localObjectOf(manager);
     return object == nullptr ? BAD_VALUE : backend->transport().becomeManager(object);
-}
-
-pid_t callingPid() {
-    const Credentials* const caller = Looper::caller();
-    return caller == nullptr || caller->pid == 0 ? -1 : caller->pid;
 }
 
 }  // namespace android::hardware

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <memory>
 
 #include "platform/binding/Backend.h"
@@ -22,8 +20,5 @@ std::unique_ptr<Backend> makeKernelBackend();
  * @return ALREADY_EXISTS when another process has done so; PERMISSION_DENIED where one of another user had
  */
 status_t becomeContextManager(const sp<::android::hidl::manager::V1_0::IServiceManager>& manager);
-
-/** The process whose two-way call this thread serves; -1 when it serves none. */
-pid_t callingPid();
 
 }  // namespace android::hardware

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "platform/binding/StatusText.h"
 #include "platform/socket/Limits.h"
@@ -19,6 +20,19 @@ namespace {
 
 thread_local ServedCall* tInnermost = nullptr;
 thread_local int tDepth = 0;
+thread_local const Peer* tPeerServed = nullptr;
+
+/** What the calling thread runs for a peer, while it does. */
+class ServedPeer {
+  public:
+    explicit ServedPeer(const Peer& peer) : mOuter(std::exchange(tPeerServed, &peer)) {}
+    ~ServedPeer() { tPeerServed = mOuter; }
+    ServedPeer(const ServedPeer&) = delete;
+    ServedPeer& operator=(const ServedPeer&) = delete;
+
+  private:
+    const Peer* const mOuter;
+};
 
 /** Answers over a connection whose other end waits for nothing else. */
 class WaitedAnswer final : public Answer {
@@ -262,6 +276,7 @@ status_t SentObjects::exportObject(const sp<IBinder>& object, ObjectReference* r
 }
 
 void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descriptors> descriptors) {
+    const ServedPeer served(peer);
     const MessageHeader& head = message.header();
     Parcel data;
     ReceivedParcel received = message.received();
@@ -300,6 +315,10 @@ void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descri
             answer->sendStatus(status);
         }
     }
+}
+
+const Peer* peerServed() {
+    return tPeerServed;
 }
 
 status_t awaitReply(Peer& peer, int fd, bool descriptors, OwnedMessage* reply) {

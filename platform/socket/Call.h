@@ -61,6 +61,9 @@ class Answer {
  */
 void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descriptors> descriptors);
 
+/** Whose call or one-way message this thread runs, the innermost one's; null while it runs none. */
+const Peer* peerServed();
+
 /** Exports the objects of one message to its receiver, and takes them back unless it is sent. */
 class SentObjects final : public ObjectExporter {
   public:

@@ -3,11 +3,13 @@
 #include "platform/socket/SocketBackend.h"
 
 #include <log/log.h>
+#include <unistd.h>
 
 #include <mutex>
 #include <optional>
 
 #include "platform/binding/StatusText.h"
+#include "platform/socket/Call.h"
 #include "platform/socket/Registry.h"
 #include "platform/socket/ServiceManager.h"
 #include "platform/socket/Transport.h"
@@ -134,6 +136,10 @@ class SocketBackend final : public Backend {
         // When it is first asked for: until then a program may say where names are kept.
         std::call_once(mNamesMade, [this] { mNames.emplace(mTransport); });
         return *mNames;
+    }
+    Credentials caller() override {
+        const Peer* const peer = peerServed();
+        return peer != nullptr ? peer->credentials() : Credentials{getpid(), getuid()};
     }
 
   private:

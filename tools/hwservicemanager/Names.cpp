@@ -12,7 +12,7 @@
 
 using ::android::sp;
 using ::android::wp;
-using ::android::hardware::callingPid;
+using ::android::hardware::Backend;
 using ::android::hardware::hidl_death_recipient;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
@@ -23,6 +23,12 @@ using ::android::hidl::base::V1_0::IBase;
 using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace {
+
+/** The process whose two-way call this thread serves; -1 when it is not known. */
+int32_t callingPid() {
+    const pid_t pid = Backend::self().caller().pid;
+    return pid == 0 ? -1 : pid;
+}
 
 /**
  * Whether an object's process is gone. A one-way call tells at once, and waits for nobody; right after an end
