@@ -11,7 +11,7 @@ import tempfile
 
 STANDARD = set("""
     algorithm any array atomic bitset cassert cctype cerrno cfloat charconv chrono cinttypes climits cmath complex
-    condition_variable csignal cstddef cstdint cstdio cstdlib cstring ctime deque exception filesystem
+    condition_variable csignal cstdarg cstddef cstdint cstdio cstdlib cstring ctime deque exception filesystem
     forward_list fstream functional future initializer_list iomanip iosfwd iostream istream iterator limits list
     locale map memory mutex new numeric optional ostream queue random ratio regex set shared_mutex sstream stack
     stdexcept streambuf string string_view system_error thread tuple type_traits typeindex typeinfo
@@ -27,10 +27,11 @@ ANY = ("",)
 # The first row whose folder (or file) holds the including file counts.
 ROOMS = [
     ("chiplayer/", ["chiplayer/"], ()),
+    ("service/frame/StatePage.cpp", ["service/frame/"], PLATFORM + ("poll.h", "sys/socket.h", "unistd.h")),
     ("service/frame/", ["service/frame/", "chiplayer/"], PLATFORM),
     ("service/main.cpp", ["service/frame/", "manager/", "adapters/", "chiplayer/custom.h"], PLATFORM + GENERATED),
     ("service/", ["service/"], PLATFORM + GENERATED),
-    ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
+    ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
     ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/kernel/KernelBackend.h"], ANY),
@@ -110,6 +111,9 @@ PLANTED = [
     ("manager/M.cpp", '"M.h"', True),
     ("service/main.cpp", '"manager/M.h"', False),
     ("service/main.cpp", '"chiplayer/sys.h"', True),
+    ("manager/M.cpp", "<hwbinder/IPCThreadState.h>", False),
+    ("manager/M.cpp", "<hwbinder/Parcel.h>", True),
+    ("service/frame/F.h", "<poll.h>", True),
     ("service/frame/F.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiTv.h>", True),
     ("chiplayer/sys.h", "<cstdint>", False),
     ("chiplayer/sys.h", "<log/log.h>", True),

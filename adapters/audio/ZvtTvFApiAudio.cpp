@@ -308,6 +308,7 @@ Return<int32_t> ZvtTvFApiAudio::a_hidl_zvttvfapi_aud_set_aq_param(const hidl_str
 Return<int32_t> ZvtTvFApiAudio::a_hidl_zvttvfapi_aud_set_volume_table(ZvtTvFApiAudioOutPathEnum ePath,
                                                                       const hidl_vec<uint16_t>& vecTable,
                                                                       const hidl_string& strName) {
+    countCall();
     FAPI_LOGD("a_hidl_zvttvfapi_aud_set_volume_table()...\n");
     const auto u16Count = static_cast<uint16_t>(vecTable.size());
     FAPI_LOGI("Volume Table Size = %d.\n", u16Count);

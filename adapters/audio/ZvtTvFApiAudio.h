@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -11,7 +13,7 @@ using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 
 /// Sound processing, volume and volume tables. No state: any number of calls may run side by side.
-class ZvtTvFApiAudio : public IZvtTvFApiAudio {
+class ZvtTvFApiAudio : public FapiInterface<IZvtTvFApiAudio> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiAudio follow.
     Return<int32_t> a_hidl_zvttvfapi_aud_adv_snd_enable(int32_t s32Processing) override;

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -12,7 +14,7 @@ using ::android::hardware::Return;
 
 /// Picture quality, panel, FRC device, output timing and screen capture. No state: any number of calls may
 /// run side by side.
-class ZvtTvFApiDisplay : public IZvtTvFApiDisplay {
+class ZvtTvFApiDisplay : public FapiInterface<IZvtTvFApiDisplay> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiDisplay follow.
     Return<int32_t> a_hidl_a_zvttvfapi_disp_switch_window(uint32_t u32Window) override;

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -11,7 +13,7 @@ using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 
 /// Test patterns, graphics-layer patterns and burn-in. No state: any number of calls may run side by side.
-class ZvtTvFApiDisplayTest : public IZvtTvFApiDisplayTest {
+class ZvtTvFApiDisplayTest : public FapiInterface<IZvtTvFApiDisplayTest> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiDisplayTest follow.
     Return<int32_t> a_hidl_a_zvttvfapi_disptst_set_burning_mode(bool bEnable) override;

@@ -4,7 +4,6 @@
 
 #include "chiplayer/common.h"
 #include "chiplayer/info.h"
-#include "service/frame/Call.h"
 #include "service/frame/Log.h"
 #include "service/frame/Text.h"
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -11,7 +13,7 @@ using ::android::hardware::Return;
 
 /// The chip-layer library's INI configuration and identity. No state: any number of calls may run side by
 /// side.
-class ZvtTvFApiInformation : public IZvtTvFApiInformation {
+class ZvtTvFApiInformation : public FapiInterface<IZvtTvFApiInformation> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInformation follow.
     Return<void> a_hidl_zvttvfapi_info_get_ini_para(const hidl_string& strIniArg1,

@@ -4,13 +4,15 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::Return;
 
 /// Input sources: calibration, video decoder, timing and bit error rate. No state: any number of calls may
 /// run side by side.
-class ZvtTvFApiInputSource : public IZvtTvFApiInputSource {
+class ZvtTvFApiInputSource : public FapiInterface<IZvtTvFApiInputSource> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInputSource follow.
     Return<int32_t> a_hidl_zvttvfapi_inpsrc_auto_gain_offset(int32_t s32DevType) override;

@@ -269,6 +269,7 @@ Return<int32_t> ZvtTvFApiPeripheral::a_hidl_zvttvfapi_prphrl_control_gpio(uint32
 
 Return<void> ZvtTvFApiPeripheral::a_hidl_a_zvttvfapi_prphrl_get_gpio_status(
         uint32_t u32Gpio, a_hidl_a_zvttvfapi_prphrl_get_gpio_status_cb _hidl_cb) {
+    countCall();
     uint8_t u8GpioStatus = 0;
     const int32_t s32Ret = callChip(a_zvttvfapi_prphrl_get_gpio_status, u32Gpio, &u8GpioStatus);
     FAPI_LOGD("a_zvttvfapi_prphrl_get_gpio_status s32Ret=%d", s32Ret);
@@ -419,6 +420,7 @@ Return<int32_t> ZvtTvFApiPeripheral::a_hidl_zvttvfapi_prphrl_invert_ir_block_key
 }
 
 Return<int32_t> ZvtTvFApiPeripheral::a_hidl_zvttvfapi_prphrl_set_hdmi_hpd(uint8_t u8Port, bool bPlugged) {
+    countCall();
     return callChip(a_zvttvfapi_prphrl_set_hdmi_hpd, u8Port, bPlugged);
 }
 

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -13,7 +15,7 @@ using ::android::hardware::Return;
 /// The board's UARTs, buses, GPIO, PWM, keys, HDMI ports, CEC and infrared. No state: any number of calls may
 /// run side by side, and each owns its buffers. What may touch the same UART, bus or line at a time is the
 /// chip-layer library's business.
-class ZvtTvFApiPeripheral : public IZvtTvFApiPeripheral {
+class ZvtTvFApiPeripheral : public FapiInterface<IZvtTvFApiPeripheral> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiPeripheral follow.
     Return<bool> a_hidl_zvttvfapi_prphrl_set_factory_uart_onoff(bool bEnable, int8_t s8Mode, int8_t s8Port,

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "service/frame/FapiInterface.h"
+
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::hidl_string;
@@ -13,7 +15,7 @@ using ::android::hardware::Return;
 /// The board's files, storage, keys, watchdog, registers, firmware and clock. No state: any number of calls
 /// may run side by side, and each owns its buffers. What may touch the same file, area or register at a time
 /// is the chip-layer library's business.
-class ZvtTvFApiSystem : public IZvtTvFApiSystem {
+class ZvtTvFApiSystem : public FapiInterface<IZvtTvFApiSystem> {
   public:
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiSystem follow.
     Return<void> a_hidl_zvttvfapi_sys_get_emmc_env_var(

@@ -132,8 +132,10 @@ class Adapter : public ::testing::Test {
         mOutcome = {};
         log.takeLines();
         soilStack();
+        const uint64_t served = Counted::callsServed();
         const auto returned = call();
         EXPECT_TRUE(returned.isOk());
+        EXPECT_EQ(Counted::callsServed(), served + 1) << method;
         addReturned(returned);
         collectLines();
         if (!mOutcome.lines.empty() && mOutcome.lines.back() == '|') {
@@ -172,6 +174,10 @@ class Adapter : public ::testing::Test {
         mOutcome.answer = show(static_cast<T>(returned));
     }
     void addReturned(const ::android::hardware::Return<void>&) {}
+
+    struct Counted : Object {
+        using Object::callsServed;
+    };
 
     const std::string mTag;
     const std::string mPrefix;

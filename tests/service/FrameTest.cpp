@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "chiplayer/chiplayer.h"
-#include "service/frame/Call.h"
+#include "service/frame/FapiInterface.h"
 #include "service/frame/Log.h"
 #include "service/frame/Scratch.h"
 #include "tests/fake/DeviceLog.h"
@@ -34,6 +34,18 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+struct INothing {
+    static constexpr char descriptor[] = "nothing@1.0::INothing";
+    virtual ~INothing() = default;
+    virtual ::android::hardware::Return<void> debug(
+            const ::android::hardware::hidl_handle& handle,
+            const ::android::hardware::hidl_vec<hidl_string>& options) = 0;
+};
+struct Nothing : FapiInterface<INothing> {
+    using FapiInterface::fapiReady;
+    using FapiInterface::forward;
+};
+
 constexpr char kAskStatus[] = "a_zvttvfapi_common_get_fapi_status()";
 
 TEST(Guard, OnlyMinusFiveStopsACallAndReadinessIsAskedOncePerCall) {
@@ -47,7 +59,7 @@ TEST(Guard, OnlyMinusFiveStopsACallAndReadinessIsAskedOncePerCall) {
         FakeChipLayer chip;
         chip.returns(a_zvttvfapi_common_get_fapi_status, row.readiness);
         chip.returns(a_zvttvfapi_net_init, 33);
-        EXPECT_EQ(forward(a_zvttvfapi_net_init), row.status);
+        EXPECT_EQ(Nothing::forward(a_zvttvfapi_net_init), row.status);
         const std::vector<std::string> asked = {kAskStatus};
         const std::vector<std::string> askedAndCalled = {kAskStatus, "a_zvttvfapi_net_init()"};
         EXPECT_EQ(chip.takeCalls(), row.status == FAPI_NOT_READY ? asked : askedAndCalled);
@@ -58,7 +70,7 @@ TEST(Guard, ReadinessIsNeverRemembered) {
     FakeChipLayer chip;
     for (const int32_t readiness : {-5, 0, -5}) {
         chip.returns(a_zvttvfapi_common_get_fapi_status, readiness);
-        EXPECT_EQ(fapiReady(), readiness == 0);
+        EXPECT_EQ(Nothing::fapiReady(), readiness == 0);
     }
 }
 
