@@ -12,6 +12,7 @@ void ClientDeathRecipient::serviceDied(uint64_t cookie,
     FAPI_LOGE("Client disconnect %llu", static_cast<unsigned long long>(cookie));
     const std::lock_guard<std::mutex> lock(sCbMutex);
     sCbList.erase(cookie);
+    sCbPids.erase(cookie);
     for (const auto& [remaining, callback] : sCbList) {
         FAPI_LOGE("cblist %llu\n", static_cast<unsigned long long>(remaining));
     }

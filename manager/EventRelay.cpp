@@ -23,8 +23,9 @@ using Notification = Return<void> (IZvtTvFApiCallbackManager::*)(uint32_t, const
 /// What every handler does: converts the records, once for all clients and before the lock, then tells each
 /// client. A client that can not be told costs the others nothing; only its death removes it. Without memory
 /// for the records nobody is told, and the result says so.
-int relay(const char* name, Notification notify, uint32_t u32EvtType, const ChipEventObject& stObj1,
-          const ChipEventObject& stObj2, const ChipEventObject& stObj3, const ChipEventObject& stObj4) {
+int relay(const char* name, EventModule module, Notification notify, uint32_t u32EvtType,
+          const ChipEventObject& stObj1, const ChipEventObject& stObj2, const ChipEventObject& stObj3,
+          const ChipEventObject& stObj4) {
     const HidlEventRecord first(stObj1);
     const HidlEventRecord second(stObj2);
     const HidlEventRecord third(stObj3);
@@ -34,11 +35,15 @@ int relay(const char* name, Notification notify, uint32_t u32EvtType, const Chip
     }
     const std::lock_guard<std::mutex> lock(sCbMutex);
     FAPI_LOG(ANDROID_LOG_DEBUG, name, "u32EvtType = %d\n", static_cast<int>(u32EvtType));
+    EventCount& count = sEventCounts[module];
     int s32Ret = FAPI_OK;
     for (const auto& [cookie, callback] : sCbList) {
         const Return<void> told = (callback.get()->*notify)(u32EvtType, first.hidl(), second.hidl(),
                                                             third.hidl(), fourth.hidl());
-        if (!told.isOk()) {
+        if (told.isOk()) {
+            ++count.u64Relayed;
+        } else {
+            ++count.u64Refused;
             s32Ret = FAPI_FAIL;
         }
     }
@@ -65,6 +70,7 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
         uint32_t u32EvtType, const ZvtTvFApiEventCommonObject& stObj1,
         const ZvtTvFApiEventCommonObject& stObj2, const ZvtTvFApiEventCommonObject& stObj3,
         const ZvtTvFApiEventCommonObject& stObj4) {
+    countCall();
     try {
         const ChipEventObject first = toChipRecord(stObj1);
         const ChipEventObject second = toChipRecord(stObj2);
@@ -86,64 +92,64 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
 int ZvtTvFApiManager::onSysEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                  const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                  const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifySysEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_SYS, &IZvtTvFApiCallbackManager::notifySysEvent, u32EvtType, stObj1, stObj2,
+                 stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onNetEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                  const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                  const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyNetEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_NET, &IZvtTvFApiCallbackManager::notifyNetEvent, u32EvtType, stObj1, stObj2,
+                 stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onDispEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                   const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                   const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyDispEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_DISP, &IZvtTvFApiCallbackManager::notifyDispEvent, u32EvtType, stObj1,
+                 stObj2, stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onDispTstEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                      const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                      const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyDispTstEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_DISPTST, &IZvtTvFApiCallbackManager::notifyDispTstEvent, u32EvtType, stObj1,
+                 stObj2, stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onPrphrlEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                     const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                     const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyPrphrlEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_PRPHRL, &IZvtTvFApiCallbackManager::notifyPrphrlEvent, u32EvtType, stObj1,
+                 stObj2, stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onInpSrcEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                     const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                     const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyInpSrcEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_INPSRC, &IZvtTvFApiCallbackManager::notifyInpSrcEvent, u32EvtType, stObj1,
+                 stObj2, stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onAudEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                  const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                  const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyAudEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_AUD, &IZvtTvFApiCallbackManager::notifyAudEvent, u32EvtType, stObj1, stObj2,
+                 stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onInfoEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                   const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                   const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyInfoEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_INFO, &IZvtTvFApiCallbackManager::notifyInfoEvent, u32EvtType, stObj1,
+                 stObj2, stObj3, stObj4);
 }
 
 int ZvtTvFApiManager::onTvEvent(unsigned int u32EvtType, const ChipEventObject& stObj1,
                                 const ChipEventObject& stObj2, const ChipEventObject& stObj3,
                                 const ChipEventObject& stObj4) {
-    return relay(__func__, &IZvtTvFApiCallbackManager::notifyTvEvent, u32EvtType, stObj1, stObj2, stObj3,
-                 stObj4);
+    return relay(__func__, EVENT_TV, &IZvtTvFApiCallbackManager::notifyTvEvent, u32EvtType, stObj1, stObj2,
+                 stObj3, stObj4);
 }
 
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -2,6 +2,8 @@
 
 #include "manager/ZvtTvFApiManager.h"
 
+#include <hwbinder/IPCThreadState.h>
+
 #include <new>
 
 #include "chiplayer/chiplayer.h"
@@ -11,6 +13,8 @@
 #include "service/frame/Status.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+using ::android::hardware::IPCThreadState;
 
 // Handlers come before the modules that call them: an event raised by a module's initialisation is not lost.
 ZvtTvFApiManager::ZvtTvFApiManager() {
@@ -87,16 +91,18 @@ Return<int32_t> ZvtTvFApiManager::deinitCallback() {
 }
 
 // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow; the other one is in
-// EventRelay.cpp.
+// EventRelay.cpp, and debug() in ManagerPage.cpp.
 
 Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
         const sp<IZvtTvFApiCallbackManager>& callback) {
+    countCall();
     // The cookie is read without the lock, for the log alone: another registration may be about to take it.
     FAPI_LOGD(".%p %llu", static_cast<void*>(mDeathRecipient.get()),
               static_cast<unsigned long long>(sNextCookie.load()));
     if (callback == nullptr) {
         return FAPI_INVALID_ARGUMENT;
     }
+    const pid_t pid = IPCThreadState::self()->getCallingPid();
     const std::lock_guard<std::mutex> lock(sCbMutex);
     const uint64_t u64Cookie = sNextCookie;
     try {
@@ -105,6 +111,11 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
         return FAPI_FAIL;
     }
     ++sNextCookie;
+    try {
+        sCbPids[u64Cookie] = pid;
+    } catch (const std::bad_alloc&) {
+        // Of use to people alone, who then see that it is unknown.
+    }
     // A client that can not be linked stays registered: its end is then noticed by no one.
     try {
         (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();

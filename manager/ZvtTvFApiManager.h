@@ -5,17 +5,21 @@
 #include <cstdint>
 
 #include "chiplayer/types.h"
+#include "service/frame/FapiInterface.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::sp;
 using ::android::hardware::hidl_death_recipient;
+using ::android::hardware::hidl_handle;
+using ::android::hardware::hidl_string;
+using ::android::hardware::hidl_vec;
 using ::android::hardware::Return;
 
 /// Owns the lifecycle of the eight chip-layer modules: made once at start-up, it gives each module its event
 /// handler and then initialises it; destroyed, it undoes both. A module that fails stops neither: the step
 /// that failed is logged, and clients meet the library's own results.
-class ZvtTvFApiManager : public IZvtTvFApiManager {
+class ZvtTvFApiManager : public FapiInterface<IZvtTvFApiManager> {
   public:
     using ChipEventObject = fapi_core::ZvtTvFApiEventCommonObject;
 
@@ -32,6 +36,12 @@ class ZvtTvFApiManager : public IZvtTvFApiManager {
     Return<int32_t> initModules();
     Return<int32_t> deinitCallback();
     Return<int32_t> deinitModules();
+
+    // Methods from ::android::hidl::base::V1_0::IBase follow.
+
+    /// The page of state as every interface writes it, with the events and the registered clients: so many of
+    /// them, those with the lowest cookies, as fit. Waits for a delivery in progress.
+    Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) override;
 
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow.
 

@@ -1,11 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cutils/native_handle.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <functional>
 #include <new>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -95,6 +100,8 @@ class RelayTest : public testing::Test {
   protected:
     RelayTest() {
         sCbList.clear();
+        sCbPids.clear();
+        sEventCounts = {};
         sNextCookie = 0;
         log.takeLines();
     }
@@ -107,6 +114,27 @@ class RelayTest : public testing::Test {
     }
     int32_t post(uint32_t type, const Hidl& first = {}) {
         return manager->a_hidl_a_zvttvfapi_mngr_post_event(type, first, {}, {}, {});
+    }
+
+    /// The lines that debug() writes.
+    std::vector<std::string> page() const {
+        int ends[2];
+        EXPECT_EQ(0, pipe(ends));
+        NATIVE_HANDLE_DECLARE_STORAGE(storage, 1, 0);
+        native_handle_t* const handle = native_handle_init(storage, 1, 0);
+        handle->data[0] = ends[1];
+        EXPECT_TRUE(manager->debug(handle, {}).isOk());
+        close(ends[1]);
+        std::vector<char> bytes(65536);
+        const ssize_t size = read(ends[0], bytes.data(), bytes.size());
+        close(ends[0]);
+        EXPECT_LE(size, ssize_t{StatePage::kMostBytes});
+        std::istringstream text(std::string(bytes.data(), static_cast<size_t>(size)));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(text, line);) {
+            lines.push_back(line);
+        }
+        return lines;
     }
 
     FakeChipLayer chip;
@@ -256,6 +284,65 @@ TEST_F(RelayTest, AnEventWithoutMemoryForItsBytesIsLostForAllAndSaysSo) {
         EXPECT_EQ(-1, ZvtTvFApiManager::onAudEvent(5, big, big, big, big)) << nth;
     }
     EXPECT_EQ(1u, client->events.size());
+}
+
+TEST_F(RelayTest, ThePageTellsOfClientsAndEventsWithinItsBounds) {
+    const sp<Client> clients[] = {registered(), registered(), registered()};
+    const std::string pid = "pid " + std::to_string(getpid());
+    clients[2]->fails = true;
+    sCbPids.erase(1);  // for lack of memory
+    EXPECT_EQ(-1, post(0x10000));
+    EXPECT_EQ(-1, ZvtTvFApiManager::onTvEvent(0, empty, empty, empty, empty));
+    clients[0]->recipients[0]->serviceDied(0, nullptr);
+    EXPECT_EQ(-1, post(0x10000));
+    chip.takeCalls();
+    log.takeLines();
+    std::vector<std::string> lines = page();
+    EXPECT_THAT(chip.takeCalls(), ElementsAre("a_zvttvfapi_common_get_fapi_status()"));
+    EXPECT_THAT(log.takeLines(), IsEmpty());
+    EXPECT_EQ(lines[4], "events to clients: 5 relayed, 3 refused");
+    EXPECT_EQ(lines[5], "events of sys: 3 relayed, 2 refused");
+    EXPECT_EQ(lines[6], "events of net: 0 relayed, 0 refused");
+    EXPECT_EQ(lines[13], "events of tv: 2 relayed, 1 refused");
+    EXPECT_THAT(std::vector<std::string>(lines.begin() + 14, lines.end()),
+                ElementsAre("clients: 2", "client 1: pid unknown", "client 2: " + pid));
+
+    // Every number at its longest.
+    sEventCounts.fill({UINT64_MAX, UINT64_MAX});
+    sNextCookie = UINT64_MAX - 1000;
+    for (int i = 0; i < 1000; ++i) {
+        sCbPids[sNextCookie] = INT_MAX;
+        sCbList[sNextCookie++] = clients[0];
+    }
+    lines = page();
+    ASSERT_EQ(14u + 1 + 50 + 1, lines.size());
+    EXPECT_EQ("clients: 1002", lines[14]);
+    EXPECT_EQ("client 1: pid unknown", lines[15]);
+    EXPECT_EQ("client " + std::to_string(UINT64_MAX - 1000) + ": pid 2147483647", lines[17]);
+    EXPECT_EQ("clients not shown: 952", lines.back());
+}
+
+TEST_F(RelayTest, PagesAreWrittenAtOnceWhileClientsComeAndDie) {
+    std::atomic<bool> over{false};
+    std::vector<std::thread> readers(2);
+    for (std::thread& reader : readers) {
+        reader = std::thread([&] {
+            while (!over) {
+                const std::vector<std::string> lines = page();
+                ASSERT_GE(lines.size(), 15u);
+                EXPECT_EQ("clients: " + std::to_string(lines.size() - 15), lines[14]) << "one moment's";
+            }
+        });
+    }
+    for (int i = 0; i < 300; ++i) {
+        const sp<Client> client = registered();
+        post(0x10000);
+        client->recipients[0]->serviceDied(client->cookies[0], nullptr);
+    }
+    over = true;
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
 }
 
 TEST_F(RelayTest, AClientThatFailsCostsTheOthersNothingAndStays) {

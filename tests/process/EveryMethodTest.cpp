@@ -76,7 +76,26 @@ class EveryMethodTest : public ServiceFixture {
                 answers[name] = answer;
             }
         }
+        expectCounted(answers);
         return answers;
+    }
+
+  private:
+    /** Each interface's page of state says how many of its methods were called. */
+    static void expectCounted(const std::map<std::string, json>& answers) {
+        if (isOnBinder()) {
+            return;  // descriptors do not travel there
+        }
+        std::map<std::string, int> expected{{"Tv", 0}};  // has no methods
+        for (const auto& [name, answer] : answers) {
+            ++expected[name.substr(0, name.find(' '))];
+        }
+        for (const auto& [interface, calls] : expected) {
+            EXPECT_THAT(
+                    fapictl({"debug", interface}).out,
+                    testing::AllOf(testing::StartsWith("interface: " + descriptorOf(interface) + "\n"),
+                                   testing::HasSubstr("\ncalls served: " + std::to_string(calls) + "\n")));
+        }
     }
 };
 

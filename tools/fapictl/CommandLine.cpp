@@ -338,12 +338,15 @@ const std::vector<Verb>& verbs() {
              2,
              edid},
             {"debug",
-             "INTERFACE [OPTION...]",
+             "INTERFACE [WORD...]",
              "show what a service writes of its state",
-             "Asks a service for its state in words, and shows what it writes. The OPTIONs go to the service "
+             "Asks a service for its state in words, and shows what it writes. The WORDs go to the service "
              "as "
              "they are.\n"
-             "An INTERFACE may hold * and ?.\n",
+             "An INTERFACE may hold * and ?.\n\n"
+             "  fapictl debug manager\n"
+             "  fapictl debug '*' | grep -E '^(interface|calls)'\n"
+             "  fapictl debug manager -- --help\n",
              Words::Interfaces,
              {"instance", "timeout"},
              1,

@@ -86,6 +86,7 @@ Exit debug(const Context& context) {
     const android::hardware::hidl_vec<android::hardware::hidl_string> passedOn(words.begin() + 1,
                                                                                words.end());
     bool found = false;
+    bool written = false;  // pages are parted by an empty line
     for (const Interface* interface : selectInterfaces(context.package, words[0])) {
         if (!interface->isService) {
             if (isPattern(words[0])) {
@@ -96,7 +97,8 @@ Exit debug(const Context& context) {
         }
         const sp<IBase> service = findService(context, *interface);
         const std::string page = pageOf(*service, passedOn);
-        context.out << page;
+        context.out << (written && !page.empty() ? "\n" : "") << page;
+        written = written || !page.empty();
         if (page.empty()) {
             context.err << "fapictl: " << interface->descriptor << '/' << context.options.instance
                         << " writes nothing of its state\n";
