@@ -1,10 +1,16 @@
 #include "platform/kernel/Transaction.h"
 
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <vector>
+
+#include "platform/binding/Descriptors.h"
 
 namespace android::hardware {
 
@@ -83,29 +89,24 @@ class Reader {
      * @param copyAt where its copy is to lie; moved behind it
      */
     const char* next(const ParcelPiece* pieces, ParcelPiece* piece, size_t* copyAt) {
-        binder_size_t place;
-        std::memcpy(&place, at(mPlaces + mIndex * sizeof(place)), sizeof(place));
         uint32_t type = 0;
-        if (place % 4 != 0 || place < mFormEnd || place > mDataBytes || mDataBytes - place < sizeof(type)) {
-            return "the table names forms in the data, in their order";
+        const char* rule = find(&type);
+        if (rule != nullptr) {
+            return rule;
         }
-        std::memcpy(&type, at(mData + place), sizeof(type));
-        mFormAt = place;
-        mFormBytes = type == BINDER_TYPE_PTR ? sizeof(binder_buffer_object) : sizeof(flat_binder_object);
-        mScalarBytes += place - mFormEnd;
-        if (mDataBytes - place < mFormBytes) {
-            return "a form lies within the data";
+        if (type == BINDER_TYPE_FDA) {
+            rule = descriptors(pieces, piece);
+            ++mIndex;
+            return rule;
         }
-        mFormEnd = place + mFormBytes;
-        const char* rule = nullptr;
         if (type == BINDER_TYPE_PTR) {
             rule = buffer(pieces, piece);
         } else if (type == BINDER_TYPE_BINDER || type == BINDER_TYPE_HANDLE) {
             *piece = {1, kIsObject, 0, 0};
             mForm = {};
-            std::memcpy(&mForm, at(mData + place), sizeof(mForm));
+            std::memcpy(&mForm, at(mData + mFormAt), sizeof(mForm));
         } else {
-            rule = "a message holds buffers and strong references, nothing else";
+            rule = "a message holds buffers, their descriptors and strong references, nothing else";
         }
         if (rule == nullptr) {
             piece->place = static_cast<uint32_t>(*copyAt);
@@ -113,6 +114,18 @@ class Reader {
         }
         ++mIndex;
         return rule;
+    }
+
+    /** Closes the descriptors among the forms, instead of next(). */
+    void closeDescriptors() {
+        uint32_t type = 0;
+        for (; mIndex < count() && find(&type) == nullptr; ++mIndex) {
+            if (type == BINDER_TYPE_FD) {
+                binder_fd_object form;
+                std::memcpy(&form, at(mData + mFormAt), sizeof(form));
+                close(static_cast<int>(form.fd));
+            }
+        }
     }
 
     // Of the last form:
@@ -134,6 +147,43 @@ class Reader {
     }
     const uint8_t* at(binder_uintptr_t address) const {
         return mMemory.begin + (address - reinterpret_cast<uintptr_t>(mMemory.begin));
+    }
+
+    /** Where the next form lies. */
+    const char* find(uint32_t* type) {
+        binder_size_t place;
+        std::memcpy(&place, at(mPlaces + mIndex * sizeof(place)), sizeof(place));
+        if (place % 4 != 0 || place < mFormEnd || place > mDataBytes || mDataBytes - place < sizeof(*type)) {
+            return "the table names forms in the data, in their order";
+        }
+        std::memcpy(type, at(mData + place), sizeof(*type));
+        const size_t size = *type == BINDER_TYPE_PTR   ? sizeof(binder_buffer_object)
+                            : *type == BINDER_TYPE_FDA ? sizeof(binder_fd_array_object)
+                                                       : sizeof(flat_binder_object);
+        if (mDataBytes - place < size) {
+            return "a form lies within the data";
+        }
+        mFormAt = place;
+        mScalarBytes += place - mFormEnd;
+        mFormEnd = place + size;
+        return nullptr;
+    }
+
+    const char* descriptors(const ParcelPiece* pieces, ParcelPiece* piece) {
+        binder_fd_array_object form;
+        std::memcpy(&form, at(mData + mFormAt), sizeof(form));
+        if (mIndex == 0 || form.parent != mIndex - 1 || !isBuffer(pieces[form.parent]) ||
+            form.parent_offset != sizeof(native_handle_t) || form.num_fds > kMaxDescriptors ||
+            pieces[form.parent].size < sizeof(native_handle_t) + form.num_fds * sizeof(int)) {
+            return "descriptors lie in the native handle before them";
+        }
+        mDescriptors += form.num_fds;
+        if (mDescriptors > kMaxDescriptors) {
+            return "a message brings few descriptors";
+        }
+        *piece = {static_cast<uint32_t>(form.num_fds), kIsDescriptors, 0,
+                  pieces[form.parent].place + static_cast<uint32_t>(sizeof(native_handle_t))};
+        return nullptr;
     }
 
     const char* buffer(const ParcelPiece* pieces, ParcelPiece* piece) {
@@ -172,12 +222,27 @@ class Reader {
     size_t mIndex = 0;
     binder_uintptr_t mNextBuffer = 0;
     size_t mFormAt = 0;
-    size_t mFormBytes = 0;
     size_t mFormEnd = 0;
     size_t mScalarBytes = 0;
     flat_binder_object mForm{};
     binder_uintptr_t mBuffer = 0;
+    size_t mDescriptors = 0;
 };
+
+/** Replaces descriptors by others that lead to the same. */
+status_t copyDescriptors(uint8_t* place, size_t count, Descriptors* owner) {
+    for (; count > 0; --count, place += sizeof(int)) {
+        int fd;
+        std::memcpy(&fd, place, sizeof(fd));
+        fd = fcntl(fd, F_DUPFD_CLOEXEC, 0);
+        if (fd < 0) {
+            return -errno;
+        }
+        owner->add(&fd, 1);
+        std::memcpy(place, &fd, sizeof(fd));
+    }
+    return OK;
+}
 
 }  // namespace
 
@@ -195,8 +260,8 @@ status_t WrittenTransaction::write(const Parcel& parcel, ObjectTranslator* objec
     if (parcel.error() != OK) {
         return parcel.error();
     }
-    if (parcel.transactionBytes() > most || parcel.descriptorCount() > 0) {
-        return FAILED_TRANSACTION;  // descriptors do not travel here yet
+    if (parcel.transactionBytes() > most || parcel.descriptorCount() > kMaxDescriptors) {
+        return FAILED_TRANSACTION;
     }
     mBufferBytes = parcel.bufferBytes();
     InlineVector<uint32_t, 16> listed;  // of each piece: its place in the table
@@ -231,6 +296,19 @@ status_t WrittenTransaction::write(const Parcel& parcel, ObjectTranslator* objec
                 form.parent_offset = piece.parentOffset;
             }
             written = written && append(&form, sizeof(form)) != nullptr;
+        } else if (piece.parent == kIsDescriptors && written) {
+            const auto* const fds = static_cast<const int*>(parcel.memory()[i]);
+            for (uint32_t k = 0; k < piece.size; ++k) {
+                if (fcntl(fds[k], F_GETFD) < 0) {
+                    return BAD_VALUE;
+                }
+            }
+            binder_fd_array_object form{};
+            form.hdr.type = BINDER_TYPE_FDA;
+            form.num_fds = piece.size;
+            form.parent = listed[i - 1];
+            form.parent_offset = sizeof(native_handle_t);
+            written = append(&form, sizeof(form)) != nullptr;
         }
         if (!written) {
             return NO_MEMORY;
@@ -248,7 +326,10 @@ void WrittenTransaction::fill(binder_transaction_data_sg* command) const {
     command->buffers_size = mBufferBytes;
 }
 
-status_t readTransaction(const binder_transaction_data& received, const ReceivedMemory& memory,
+namespace {
+
+/** readTransaction(), which drops what this refuses. */
+status_t copyTransaction(const binder_transaction_data& received, const ReceivedMemory& memory,
                          ObjectTranslator* objects, Parcel* parcel, const char** rule) {
     Reader reader(received, memory);
     *rule = reader.checkExtent();
@@ -293,6 +374,7 @@ status_t readTransaction(const binder_transaction_data& received, const Received
     auto* const before = reinterpret_cast<uint32_t*>(copy.get() + beforeAt);
     uint8_t* scalars = copy.get() + scalarsAt;
     std::shared_ptr<ReceivedObjects> taken;
+    std::unique_ptr<Descriptors> descriptors;
     size_t from = 0;
     size_t ignored = 0;
     try {
@@ -304,6 +386,16 @@ status_t readTransaction(const binder_transaction_data& received, const Received
             scalars += reader.formAt() - from;
             from = reader.formEnd();
             uint8_t* const to = copy.get() + pieces[i].place;
+            if (pieces[i].parent == kIsDescriptors) {
+                if (descriptors == nullptr) {
+                    descriptors = std::make_unique<Descriptors>();
+                }
+                const status_t status = copyDescriptors(to, pieces[i].size, descriptors.get());
+                if (status != OK) {
+                    return status;
+                }
+                continue;
+            }
             if (pieces[i].parent != kIsObject) {
                 if (pieces[i].size > 0) {
                     std::memcpy(to, reader.bufferBytes(), pieces[i].size);
@@ -339,8 +431,27 @@ status_t readTransaction(const binder_transaction_data& received, const Received
     result.objects = taken != nullptr ? std::shared_ptr<ObjectSource>(std::move(taken)) : noObjects();
     result.memory =
             ParcelMemory(copy.release(), end, [](void* block, size_t /* size */) { std::free(block); });
+    result.descriptors = keeperOf(std::move(descriptors));
     parcel->receive(std::move(result));
     return OK;
+}
+
+}  // namespace
+
+status_t readTransaction(const binder_transaction_data& received, const ReceivedMemory& memory,
+                         ObjectTranslator* objects, Parcel* parcel, const char** rule) {
+    const status_t status = copyTransaction(received, memory, objects, parcel, rule);
+    if (status != OK) {
+        dropTransaction(received, memory);
+    }
+    return status;
+}
+
+void dropTransaction(const binder_transaction_data& received, const ReceivedMemory& memory) {
+    Reader reader(received, memory);
+    if (reader.checkExtent() == nullptr) {
+        reader.closeDescriptors();
+    }
 }
 
 }  // namespace android::hardware

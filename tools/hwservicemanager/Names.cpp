@@ -7,6 +7,8 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "platform/kernel/KernelBackend.h"
 
@@ -25,11 +27,20 @@ using ::android::hidl::manager::V1_0::IServiceNotification;
 namespace {
 
 /**
- * Whether an object's process is gone. A one-way call tells at once, and waits for nobody; right after an end
- * the driver may not know of it yet.
+ * Whether an object's process is gone. A one-way call tells at once, and waits for nobody. Right after the
+ * end of who registered it, the driver may not know yet that the object went with it.
  */
 bool isDead(const sp<IBase>& object, int32_t pid) {
-    return object->setHALInstrumentation().isDeadObject() || (pid > 0 && kill(pid, 0) != 0 && errno == ESRCH);
+    for (int tries = 0; tries < 20; ++tries) {
+        if (object->setHALInstrumentation().isDeadObject()) {
+            return true;
+        }
+        if (pid <= 0 || kill(pid, 0) == 0 || errno != ESRCH) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;  // it was another process's, which lives
 }
 
 }  // namespace
