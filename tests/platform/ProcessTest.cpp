@@ -359,6 +359,26 @@ int playRegistrar() {
     return listed.isOk() && instances == hidl_vec<hidl_string>{"default", "own"} ? 0 : 4;
 }
 
+/** Registers objects that never say what they are: more than one process may, so that one is refused. */
+int playMute() {
+    struct Mute : Handles {
+        Return<void> interfaceChain(interfaceChain_cb) override {
+            pause();
+            return Void();
+        }
+    };
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 5; ++i) {
+        threads.emplace_back([&] {
+            const Return<bool> added = manager->add("mute", new Mute);
+            dprintf(STDOUT_FILENO, "%c", added.isOk() && !added ? 'r' : 'f');
+        });
+    }
+    pause();
+    return 0;
+}
+
 int playStranger() {
     constexpr uid_t kNobody = 65534;
     if (setresuid(kNobody, kNobody, kNobody) != 0) {
@@ -525,6 +545,16 @@ TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
     for (const char* none : {"other", "no/name", ""}) {
         EXPECT_EQ(Transport::EMPTY, Transport(manager->getTransport(IProbe::descriptor, none)));
     }
+    bool dumped = false;
+    EXPECT_TRUE(manager->debugDump([&](const auto& all) {
+                           for (const auto& each : all) {
+                               dumped = dumped || (each.interfaceName == IProbe::descriptor &&
+                                                   each.pid == server().pid() &&
+                                                   each.arch == DebugInfo::Architecture::IS_64BIT);
+                           }
+                       })
+                        .isOk());
+    EXPECT_TRUE(dumped);
     EXPECT_EQ(0, Player("registrar").wait());
     if (isOnBinder()) {
         const sp<IProbe> probe = IProbe::tryGetService("anothers");
@@ -532,6 +562,27 @@ TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
         EXPECT_FALSE(probe->enrol("anothers", false).withDefault(true));
     }
     EXPECT_TRUE(manager->registerPassthroughClient(IProbe::descriptor, "default").isOk());
+}
+
+TEST_F(ProcessTest, RegistrantsThatNeverAnswerLeaveTheManagerToOthers) {
+    ONLY_ON_BINDER();
+    std::vector<Player> mutes;
+    const auto addMute = [&] {
+        mutes.emplace_back("mute");
+        EXPECT_EQ('r', mutes.back().word()) << "the fifth of a process is refused";
+    };
+    for (int i = 0; i < 7; ++i) {
+        addMute();
+    }
+    const sp<IProbe> probe = start();
+    EXPECT_NE(nullptr, probe);
+    addMute();
+    EXPECT_EQ('f', Player("keeper").word()) << "now all that may wait do so";
+    EXPECT_NE(nullptr, IProbe::tryGetService());
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    EXPECT_TRUE(manager->list([](const auto& names) { EXPECT_EQ(2u, names.size()); }).isOk());
+    mutes.clear();
+    EXPECT_TRUE(eventually([] { return Player("keeper").word() == 'r'; }));
 }
 
 /** What a descriptor leads to, and the integer of its handle. */
@@ -829,6 +880,7 @@ TEST_F(ProcessTest, ASecondRegistrationLeavesTheFirstIntact) {
 }
 
 TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start();
     Player poster("poster");
     ASSERT_EQ(poster.pid(), waitpid(poster.pid(), nullptr, WUNTRACED));
@@ -845,6 +897,7 @@ TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
 }
 
 TEST_F(ProcessTest, OneProcessLeavesThreadsToOthers) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("large-server");
     for (const char* role : {"hog", "looper"}) {
         Player busy(role);
@@ -903,7 +956,8 @@ TEST_F(ProcessTest, AForkedChildIsAProcessOfItsOwn) {
     ASSERT_TRUE(probe->listen(mine).withDefault(false));
     const pid_t child = fork();
     if (child == 0) {
-        const bool refused = !probe->sleep(0).isOk();
+        const Return<void> slept = probe->sleep(0);
+        const bool refused = !slept.isOk() && slept.status().transactionError() == android::INVALID_OPERATION;
         const sp<IProbe> own = IProbe::tryGetService();
         const bool served = own != nullptr && own->sleep(0).isOk();
         _exit(!refused ? 2 : !served ? 3 : 0);
@@ -970,6 +1024,7 @@ TEST_F(ProcessTest, ProcessesOfOtherPidNamespacesAreAllServed) {
 }
 
 TEST_F(ProcessTest, LackOfDescriptorsForOneWayMessagesIsNoDeath) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("poor-server");
     ASSERT_TRUE(probe->sleep(0).isOk());
     struct Counter : hidl_death_recipient {
@@ -1083,6 +1138,9 @@ int main(int argc, char** argv) {
     }
     if (role == "--role=caller") {
         return playCaller();
+    }
+    if (role == "--role=mute") {
+        return playMute();
     }
     if (role == "--role=stranger") {
         return playStranger();
