@@ -24,6 +24,13 @@ class ObjectTranslator {
     ~ObjectTranslator() = default;
 };
 
+/** Null as an object is written among the scalars: it is in no table, so nobody makes an object of it. */
+inline flat_binder_object nullForm() {
+    flat_binder_object form{};
+    form.hdr.type = BINDER_TYPE_BINDER;
+    return form;
+}
+
 /**
  * A parcel laid out as the driver takes it: scalars with the forms of buffers and objects in between, and the
  * table of those forms. Buffers are sent from where they lie. They, the objects and this must live until the
