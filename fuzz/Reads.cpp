@@ -47,7 +47,7 @@ void readVector(const Parcel& parcel) {
 
 void fuzz::read(const Parcel& parcel, uint8_t what) {
     size_t handle = 0;
-    switch (what % 6) {
+    switch (what % 7) {
         case 0: {
             uint32_t number;
             parcel.readUint32(&number);
@@ -60,8 +60,8 @@ void fuzz::read(const Parcel& parcel, uint8_t what) {
         }
         case 2: {
             const void* data = nullptr;
-            if (parcel.readBuffer(what / 6U * 8, &handle, &data) == OK) {
-                touch(static_cast<const uint8_t*>(data), what / 6U * 8);
+            if (parcel.readBuffer(what / 7U * 8, &handle, &data) == OK) {
+                touch(static_cast<const uint8_t*>(data), what / 7U * 8);
             }
             break;
         }
@@ -79,6 +79,13 @@ void fuzz::read(const Parcel& parcel, uint8_t what) {
         case 5: {
             sp<IBinder> object;
             parcel.readNullableStrongBinder(&object);
+            break;
+        }
+        case 6: {
+            const native_handle_t* native = nullptr;
+            if (parcel.readNullableNativeHandleNoDup(&native) == OK && native != nullptr) {
+                touch(native->data, static_cast<size_t>(native->numFds + native->numInts));
+            }
             break;
         }
     }

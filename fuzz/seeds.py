@@ -46,7 +46,7 @@ def parcel(reads, scalars=b"", pieces=(), **head):
     return bytes(reads).ljust(16, b"\0") + message(1, scalars, pieces, **head)
 
 
-NUMBER, TEXT, BUFFER_16, NUMBERS, TEXTS, OBJECT = 0, 1, 2 + 6 * 2, 3, 4, 5
+NUMBER, TEXT, BUFFER_16, NUMBERS, TEXTS, OBJECT, NATIVE = 0, 1, 2 + 7 * 2, 3, 4, 5, 6
 two_texts = [(record(2), NO_PARENT, 0), (record(1) + record(0), 0, 0), (b"a\0", 1, 0), (b"\0", 1, 16)]
 
 parcels = {
@@ -76,7 +76,8 @@ parcels = {
 }
 
 # As the binder driver delivers them; its forms are in linux/android/binder.h.
-FORM_BINDER, FORM_HANDLE, FORM_BUFFER, FORM_DESCRIPTOR = (int.from_bytes(t + b"\x85", "big") for t in (b"sb*", b"sh*", b"pt*", b"fd*"))
+FORM_BINDER, FORM_HANDLE, FORM_BUFFER, FORM_DESCRIPTOR, FORM_DESCRIPTORS = (
+    int.from_bytes(t + b"\x85", "big") for t in (b"sb*", b"sh*", b"pt*", b"fd*", b"fda"))
 NULL = struct.pack("<2I2Q", FORM_BINDER, 0, 0, 0)
 
 
@@ -88,6 +89,16 @@ def buffer(data, parent=None, offset=0, flags=None, length=None, address=0):
     """A form, and what it stands for."""
     flags = int(parent is not None) if flags is None else flags
     return struct.pack("<2I4Q", FORM_BUFFER, flags, address, len(data) if length is None else length, parent or 0, offset), data
+
+
+def native(says, has, version=12):
+    """A native handle with its size before it; the form's second part is the buffer."""
+    content = struct.pack("<3i", version, says, 1) + bytes(4 * (has + 1))
+    return [struct.pack("<Q", len(content))], buffer(content)
+
+
+def descriptors(count, parent, offset=12):
+    return struct.pack("<2I3Q", FORM_DESCRIPTORS, 0, count, parent, offset)
 
 
 def transaction(reads, *parts, places=None, data_bytes=None):
@@ -129,6 +140,21 @@ transactions = {
     "objects_that_nobody_reads": transaction([NUMBER], two, handle(1), handle(2)),
     "object_as_a_parent": transaction([NUMBER, OBJECT], two, handle(1), buffer(bytes(16), 0)),
     "descriptor": transaction([NUMBER, OBJECT], two, handle(1, FORM_DESCRIPTOR)),
+    "descriptors_by_themselves": transaction([NUMBER], two, handle(1, FORM_DESCRIPTOR), handle(1), handle(2, FORM_DESCRIPTOR)),
+    "native_handle": transaction([NATIVE, NUMBER], *native(2, 2), descriptors(2, 0), two),
+    "native_handle_of_none": transaction([NATIVE], *native(0, 0), descriptors(0, 0)),
+    "native_handle_that_nobody_reads": transaction([NUMBER], *native(2, 2), descriptors(2, 0)),
+    "native_handle_as_a_buffer": transaction([NUMBER, NUMBER, BUFFER_16], *native(0, 0), descriptors(0, 0)),
+    "native_handle_of_another_version": transaction([NATIVE], *native(1, 1, 13), descriptors(1, 0)),
+    "native_handle_without_descriptors": transaction([NATIVE], *native(1, 1)),
+    "native_handle_that_says_more": transaction([NATIVE], *native(3, 2), descriptors(2, 0)),
+    "native_handle_that_says_less": transaction([NATIVE], *native(1, 2), descriptors(2, 0)),
+    "native_handles_with_too_many": transaction([NATIVE, NATIVE], *native(9, 9), descriptors(9, 0), *native(9, 9), descriptors(9, 2)),
+    "descriptors_beyond_their_buffer": transaction([NATIVE], *native(1, 1), descriptors(1 << 62, 0)),
+    "descriptors_elsewhere_in_their_buffer": transaction([NATIVE], *native(1, 1), descriptors(1, 0, 8)),
+    "descriptors_of_no_buffer": transaction([NATIVE], two, handle(1), descriptors(1, 0)),
+    "descriptors_of_an_earlier_buffer": transaction([NATIVE], *native(1, 1), buffer(bytes(8)), descriptors(1, 0)),
+    "descriptors_twice": transaction([NATIVE], *native(2, 2), descriptors(2, 0), descriptors(2, 0)),
     "places_that_overlap": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), handle(1), places=[4, 8]),
     "places_backwards": transaction([NUMBER, OBJECT, OBJECT], two, handle(1), handle(1), places=[28, 4]),
     "place_beyond_the_data": transaction([NUMBER, OBJECT], two, handle(1), places=[1 << 33]),

@@ -70,6 +70,9 @@ void Looper::put(uint32_t command, const Payload&... payload) {
 
 status_t Looper::transact(uint32_t handle, uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags) {
     const bool oneWay = (flags & IBinder::FLAG_ONEWAY) != 0;
+    if (oneWay && data.descriptorCount() > 0) {
+        return INVALID_OPERATION;
+    }
     WrittenTransaction written;
     const status_t status = written.write(data, mTransport, oneWay ? kMaxOneWayBytes : kMaxTransactionBytes);
     if (status != OK) {
@@ -79,7 +82,7 @@ status_t Looper::transact(uint32_t handle, uint32_t code, const Parcel& data, Pa
     written.fill(&call);
     call.transaction_data.target.handle = handle;
     call.transaction_data.code = code;
-    call.transaction_data.flags = oneWay ? TF_ONE_WAY : 0;
+    call.transaction_data.flags = oneWay ? TF_ONE_WAY : TF_ACCEPT_FDS;
     Awaited awaited{!oneWay, code, reply};
     return send(BC_TRANSACTION_SG, call, &awaited);
 }
@@ -137,6 +140,8 @@ void Looper::carryOut(uint32_t command, const uint8_t* payload, Awaited* awaited
             const auto received = payloadOf<binder_transaction_data>(payload);
             if (awaited != nullptr && awaited->isReply) {
                 finish(awaited, takeReply(received, awaited->code, awaited->reply));
+            } else {
+                dropTransaction(received, mTransport->driver().memory());
             }
             put(BC_FREE_BUFFER, received.data.ptr.buffer);
             // This thread may not come back for long: the memory is needed before.
@@ -182,6 +187,7 @@ void Looper::finish(Awaited* awaited, status_t status) {
 
 status_t Looper::takeReply(const binder_transaction_data& received, uint32_t code, Parcel* reply) {
     if ((received.flags & TF_STATUS_CODE) != 0) {
+        dropTransaction(received, mTransport->driver().memory());
         const auto* const bytes = reinterpret_cast<const uint8_t*>(received.data.ptr.buffer);
         return received.data_size < sizeof(status_t) ? FAILED_TRANSACTION : payloadOf<status_t>(bytes);
     }
@@ -211,8 +217,11 @@ void Looper::serve(const binder_transaction_data& received) {
         } else if (mDepth > kMaxNestedTransactions) {
             status = FAILED_TRANSACTION;
             rule = "a thread serves so many calls inside each other";
-        } else {
+        }
+        if (rule == nullptr) {
             status = readTransaction(received, mTransport->driver().memory(), mTransport, &data, &rule);
+        } else {
+            dropTransaction(received, mTransport->driver().memory());
         }
         if (!oneWay) {
             // There is a copy, and what it refers to is held. With a one-way message, the next one for this
@@ -246,7 +255,7 @@ status_t Looper::run(const binder_transaction_data& received, Parcel& data, bool
     const auto onResults = [&](Parcel& given) {
         if (!*replied) {
             *replied = true;
-            reply(given, received.code);
+            reply(given, received);
         }
     };
     status_t status;
@@ -264,11 +273,12 @@ status_t Looper::run(const binder_transaction_data& received, Parcel& data, bool
 }
 
 /** Sends results; what can not be sent becomes a status. */
-void Looper::reply(const Parcel& results, uint32_t code) {
+void Looper::reply(const Parcel& results, const binder_transaction_data& received) {
+    const bool expected = results.descriptorCount() == 0 || (received.flags & TF_ACCEPT_FDS) != 0;
     status_t status;
     try {
         WrittenTransaction written;
-        status = written.write(results, mTransport, kMaxTransactionBytes);
+        status = expected ? written.write(results, mTransport, kMaxTransactionBytes) : INVALID_OPERATION;
         if (status == OK) {
             binder_transaction_data_sg message{};
             written.fill(&message);
@@ -279,8 +289,10 @@ void Looper::reply(const Parcel& results, uint32_t code) {
     } catch (const std::bad_alloc&) {
         status = NO_MEMORY;
     }
-    mTransport->complain(*tCaller, "a reply to", code, status,
-                         status == FAILED_TRANSACTION ? "results fit in one transaction" : nullptr);
+    mTransport->complain(*tCaller, "a reply to", received.code, status,
+                         !expected                      ? "who gets descriptors has said that it takes them"
+                         : status == FAILED_TRANSACTION ? "results fit in one transaction"
+                                                        : nullptr);
     replyStatus(status);
 }
 

@@ -60,7 +60,7 @@ class Looper {
     status_t takeReply(const binder_transaction_data& received, uint32_t code, Parcel* reply);
     void serve(const binder_transaction_data& received);
     status_t run(const binder_transaction_data& received, Parcel& data, bool* replied);
-    void reply(const Parcel& results, uint32_t code);
+    void reply(const Parcel& results, const binder_transaction_data& received);
     void replyStatus(status_t status);
     void report(binder_uintptr_t cookie);
 

@@ -142,8 +142,8 @@ void Handles::takeLinks(binder_uintptr_t cookie, DeathLinks* links) {
 
 void LocalObject::describe(BHwBinder* object, flat_binder_object* form) {
     form->hdr.type = BINDER_TYPE_BINDER;
-    // Calls run at their caller's nice value. Descriptors are not taken.
-    form->flags = 0x7f;
+    // Calls run at their caller's nice value, and may bring descriptors.
+    form->flags = 0x7f | FLAT_BINDER_FLAG_ACCEPTS_FDS;
     form->binder = reinterpret_cast<uintptr_t>(object->getWeakRefs());
     form->cookie = reinterpret_cast<uintptr_t>(object);
 }

@@ -24,6 +24,13 @@ class ObjectTranslator {
     ~ObjectTranslator() = default;
 };
 
+/** Null as an object is written among the scalars: it is in no table, so nobody makes an object of it. */
+inline flat_binder_object nullForm() {
+    flat_binder_object form{};
+    form.hdr.type = BINDER_TYPE_BINDER;
+    return form;
+}
+
 /**
  * A parcel laid out as the driver takes it: scalars with the forms of buffers and objects in between, and the
  * table of those forms. Buffers are sent from where they lie. They, the objects and this must live until the
@@ -37,8 +44,8 @@ class WrittenTransaction {
 
     /**
      * @param most bytes that the transaction may have
-     * @return FAILED_TRANSACTION when it has more; NO_MEMORY; the failure of an earlier write to the parcel,
-     *     or the translator's failure
+     * @return FAILED_TRANSACTION when it has more, or too many descriptors; BAD_VALUE for one that is not
+     *     open; NO_MEMORY; the failure of an earlier write to the parcel, or the translator's failure
      */
     status_t write(const Parcel& parcel, ObjectTranslator* objects, size_t most);
 
@@ -62,13 +69,21 @@ class WrittenTransaction {
 /**
  * Makes the parcel the reader and keeper of a copy of a received message; the driver's memory may be given
  * back afterwards. The driver has checked the sender's message before it delivered it, but not all that a
- * reader relies on: everything is checked here.
+ * reader relies on: everything is checked here. A message that is refused is dropped.
+ *
+ * The descriptors of native handles are copied, too: with its memory, the driver closes its own.
  *
  * @param memory where the message lies
  * @param rule the broken one, when the result is BAD_VALUE
- * @return OK, BAD_VALUE, NO_MEMORY
+ * @return OK, BAD_VALUE, NO_MEMORY; -EMFILE when there is no room for its descriptors
  */
 status_t readTransaction(const binder_transaction_data& received, const ReceivedMemory& memory,
                          ObjectTranslator* objects, Parcel* parcel, const char** rule);
+
+/**
+ * Closes what a message has brought that nobody is to read: descriptors that lie in it by themselves. The
+ * driver leaves them to the receiver. To be called before the driver's memory is given back.
+ */
+void dropTransaction(const binder_transaction_data& received, const ReceivedMemory& memory);
 
 }  // namespace android::hardware

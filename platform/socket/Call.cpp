@@ -53,15 +53,6 @@ class WaitedAnswer final : public Answer {
     bool mBroken = false;
 };
 
-/** Closes the descriptors when the parcel ends. */
-ParcelMemory keeperOf(std::unique_ptr<Descriptors> descriptors) {
-    if (descriptors == nullptr) {
-        return {};
-    }
-    return {descriptors.release(), sizeof(Descriptors),
-            [](void* memory, size_t) { delete static_cast<Descriptors*>(memory); }};
-}
-
 /** Sends results; what can not be sent becomes a status. */
 void sendResults(Peer& peer, const Parcel& results, Answer& answer) {
     MessageHeader head{};

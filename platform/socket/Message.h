@@ -9,7 +9,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/socket/Descriptors.h"
+#include "platform/binding/Descriptors.h"
 
 namespace android::hardware {
 

@@ -24,7 +24,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/socket/Descriptors.h"
+#include "platform/binding/Descriptors.h"
 #include "platform/socket/Limits.h"
 #include "platform/socket/Registry.h"
 #include "platform/socket/Socket.h"
@@ -84,19 +84,6 @@ class Handles : public IHandles {
         _hidl_cb(Handle({STDIN_FILENO}));
         return Void();
     }
-    Return<void> hog(bool all) override {
-        for (int fd; all && (fd = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
-            mHogged.push_back(fd);
-        }
-        while (!all && !mHogged.empty()) {
-            close(mHogged.back());
-            mHogged.pop_back();
-        }
-        return Void();
-    }
-
-  private:
-    std::vector<int> mHogged;
 };
 
 class Probe : public IProbe {
@@ -360,8 +347,9 @@ int playRegistrar() {
     if (manager->add("own", new Handles).withDefault(true)) {
         return 2;  // the name is taken
     }
+    // The context manager asks the object itself, wherever it lives.
     const sp<IBase> anothers = manager->get(IProbe::descriptor, "default");
-    if (manager->add("anothers", anothers).withDefault(true) ||
+    if (manager->add("anothers", anothers).withDefault(!isOnBinder()) != isOnBinder() ||
         manager->add("null", nullptr).withDefault(true)) {
         return 3;
     }
@@ -369,6 +357,26 @@ int playRegistrar() {
     const Return<void> listed =
             manager->listByInterface(IHandles::descriptor, [&](const auto& names) { instances = names; });
     return listed.isOk() && instances == hidl_vec<hidl_string>{"default", "own"} ? 0 : 4;
+}
+
+/** Registers objects that never say what they are: more than one process may, so that one is refused. */
+int playMute() {
+    struct Mute : Handles {
+        Return<void> interfaceChain(interfaceChain_cb) override {
+            pause();
+            return Void();
+        }
+    };
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 5; ++i) {
+        threads.emplace_back([&] {
+            const Return<bool> added = manager->add("mute", new Mute);
+            dprintf(STDOUT_FILENO, "%c", added.isOk() && !added ? 'r' : 'f');
+        });
+    }
+    pause();
+    return 0;
 }
 
 int playStranger() {
@@ -537,8 +545,44 @@ TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
     for (const char* none : {"other", "no/name", ""}) {
         EXPECT_EQ(Transport::EMPTY, Transport(manager->getTransport(IProbe::descriptor, none)));
     }
+    bool dumped = false;
+    EXPECT_TRUE(manager->debugDump([&](const auto& all) {
+                           for (const auto& each : all) {
+                               dumped = dumped || (each.interfaceName == IProbe::descriptor &&
+                                                   each.pid == server().pid() &&
+                                                   each.arch == DebugInfo::Architecture::IS_64BIT);
+                           }
+                       })
+                        .isOk());
+    EXPECT_TRUE(dumped);
     EXPECT_EQ(0, Player("registrar").wait());
+    if (isOnBinder()) {
+        const sp<IProbe> probe = IProbe::tryGetService("anothers");
+        ASSERT_NE(nullptr, probe) << "a name lasts as long as its object, not as who registered it";
+        EXPECT_FALSE(probe->enrol("anothers", false).withDefault(true));
+    }
     EXPECT_TRUE(manager->registerPassthroughClient(IProbe::descriptor, "default").isOk());
+}
+
+TEST_F(ProcessTest, RegistrantsThatNeverAnswerLeaveTheManagerToOthers) {
+    ONLY_ON_BINDER();
+    std::vector<Player> mutes;
+    const auto addMute = [&] {
+        mutes.emplace_back("mute");
+        EXPECT_EQ('r', mutes.back().word()) << "the fifth of a process is refused";
+    };
+    for (int i = 0; i < 7; ++i) {
+        addMute();
+    }
+    const sp<IProbe> probe = start();
+    EXPECT_NE(nullptr, probe);
+    addMute();
+    EXPECT_EQ('f', Player("keeper").word()) << "now all that may wait do so";
+    EXPECT_NE(nullptr, IProbe::tryGetService());
+    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
+    EXPECT_TRUE(manager->list([](const auto& names) { EXPECT_EQ(2u, names.size()); }).isOk());
+    mutes.clear();
+    EXPECT_TRUE(eventually([] { return Player("keeper").word() == 'r'; }));
 }
 
 /** What a descriptor leads to, and the integer of its handle. */
@@ -553,6 +597,21 @@ std::string whatIs(const hidl_handle& handle) {
         text += std::filesystem::read_symlink(link).string() + (closes ? " " : "! ");
     }
     return text + std::to_string(handle->data[handle->numFds]);
+}
+
+/** Lets a process open so many more descriptors; gives what it may otherwise. */
+rlimit leaveRoom(pid_t pid, size_t room) {
+    rlimit usual{};
+    prlimit(pid, RLIMIT_NOFILE, nullptr, &usual);
+    rlimit limit{0, usual.rlim_max};
+    const std::filesystem::path open = "/proc/" + std::to_string(pid) + "/fd";
+    for (;; ++limit.rlim_cur) {
+        if (!std::filesystem::exists(symlink_status(open / std::to_string(limit.rlim_cur))) && room-- == 0) {
+            break;
+        }
+    }
+    prlimit(pid, RLIMIT_NOFILE, &limit, nullptr);
+    return usual;
 }
 
 TEST_F(ProcessTest, DescriptorsTravelBothWaysAndAreClosedWhateverBecomesOfThem) {
@@ -610,20 +669,22 @@ TEST_F(ProcessTest, DescriptorsTravelBothWaysAndAreClosedWhateverBecomesOfThem) 
     const int closed = dup(null);
     close(closed);
     EXPECT_FALSE(handles->echo(Handle({null, closed}), {}, ignored).isOk());
-    EXPECT_FALSE(handles->make(ignored).isOk()) << "results have descriptors only where arguments had";
+    EXPECT_EQ(isOnBinder(), handles->make(ignored).isOk())
+            << "over sockets, results have descriptors only where arguments had";
     EXPECT_TRUE(isKept());
-    mServer.clear();
-    start("poor-server");
-    const sp<IHandles> poor = IHandles::getService();
-    ASSERT_TRUE(poor->ping().isOk());
-    theirs = openDescriptors(server().pid());
-    ours = openDescriptors(getpid());
-    ASSERT_TRUE(poor->hog(true).isOk());
-    const Return<void> lacking = poor->echo(one, {}, ignored);
-    EXPECT_FALSE(lacking.isOk());
-    EXPECT_FALSE(lacking.isDeadObject());
-    ASSERT_TRUE(poor->hog(false).isOk());
-    EXPECT_TRUE(poor->echo(one, {}, ignored).isOk());
+    const rlimit usual = leaveRoom(server().pid(), 0);
+    const size_t needed = isOnBinder() ? 4 : 2;  // the driver's own, and a copy of each
+    for (size_t room = 0; room <= needed; ++room) {
+        leaveRoom(server().pid(), room);
+        const Return<void> echoed = handles->echo(one, {}, ignored);
+        EXPECT_EQ(room >= needed, echoed.isOk()) << room;
+        EXPECT_EQ(room >= needed      ? android::OK
+                  : room < needed - 2 ? android::FAILED_TRANSACTION
+                                      : -EMFILE,
+                  echoed.isOk() ? android::OK : echoed.status().transactionError())
+                << room;
+    }
+    prlimit(server().pid(), RLIMIT_NOFILE, &usual, nullptr);
     EXPECT_TRUE(isKept());
     close(null);
     close(zero);
@@ -819,6 +880,7 @@ TEST_F(ProcessTest, ASecondRegistrationLeavesTheFirstIntact) {
 }
 
 TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start();
     Player poster("poster");
     ASSERT_EQ(poster.pid(), waitpid(poster.pid(), nullptr, WUNTRACED));
@@ -835,6 +897,7 @@ TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
 }
 
 TEST_F(ProcessTest, OneProcessLeavesThreadsToOthers) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("large-server");
     for (const char* role : {"hog", "looper"}) {
         Player busy(role);
@@ -893,7 +956,8 @@ TEST_F(ProcessTest, AForkedChildIsAProcessOfItsOwn) {
     ASSERT_TRUE(probe->listen(mine).withDefault(false));
     const pid_t child = fork();
     if (child == 0) {
-        const bool refused = !probe->sleep(0).isOk();
+        const Return<void> slept = probe->sleep(0);
+        const bool refused = !slept.isOk() && slept.status().transactionError() == android::INVALID_OPERATION;
         const sp<IProbe> own = IProbe::tryGetService();
         const bool served = own != nullptr && own->sleep(0).isOk();
         _exit(!refused ? 2 : !served ? 3 : 0);
@@ -960,6 +1024,7 @@ TEST_F(ProcessTest, ProcessesOfOtherPidNamespacesAreAllServed) {
 }
 
 TEST_F(ProcessTest, LackOfDescriptorsForOneWayMessagesIsNoDeath) {
+    ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("poor-server");
     ASSERT_TRUE(probe->sleep(0).isOk());
     struct Counter : hidl_death_recipient {
@@ -1073,6 +1138,9 @@ int main(int argc, char** argv) {
     }
     if (role == "--role=caller") {
         return playCaller();
+    }
+    if (role == "--role=mute") {
+        return playMute();
     }
     if (role == "--role=stranger") {
         return playStranger();

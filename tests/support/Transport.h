@@ -11,8 +11,12 @@ inline bool isOnBinder() {
     return transport != nullptr && std::string_view(transport) == "binder";
 }
 
-/** For promises that are about the sockets themselves. */
+/** For promises that are about one transport itself. */
 #define ONLY_OVER_SOCKETS()                                  \
     if (isOnBinder()) {                                      \
         GTEST_SKIP() << "the binder driver has no such way"; \
+    }
+#define ONLY_ON_BINDER()                               \
+    if (!isOnBinder()) {                               \
+        GTEST_SKIP() << "of the binder driver's side"; \
     }

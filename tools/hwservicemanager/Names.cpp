@@ -2,11 +2,16 @@
 
 #include "tools/hwservicemanager/Names.h"
 
+#include <elf.h>
 #include <errno.h>
 #include <log/log.h>
 #include <signal.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <thread>
 
 #include "platform/kernel/KernelBackend.h"
 
@@ -31,11 +36,35 @@ int32_t callingPid() {
 }
 
 /**
- * Whether an object's process is gone. A one-way call tells at once, and waits for nobody; right after an end
- * the driver may not know of it yet.
+ * Whether an object's process is gone. A one-way call tells at once, and waits for nobody. Right after the
+ * end of who registered it, the driver may not know yet that the object went with it.
  */
 bool isDead(const sp<IBase>& object, int32_t pid) {
-    return object->setHALInstrumentation().isDeadObject() || (pid > 0 && kill(pid, 0) != 0 && errno == ESRCH);
+    for (int tries = 0; tries < 20; ++tries) {
+        if (object->setHALInstrumentation().isDeadObject()) {
+            return true;
+        }
+        if (pid <= 0 || kill(pid, 0) == 0 || errno != ESRCH) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;  // it was another process's, which lives
+}
+
+/** What the program of a process that waits for us is made for, as the head of its file says. */
+DebugInfo::Architecture architectureOf(int32_t pid) {
+    char head[EI_CLASS + 1] = {};
+    std::ifstream program("/proc/" + std::to_string(pid) + "/exe", std::ios::binary);
+    program.read(head, sizeof(head));
+    switch (program && std::memcmp(head, ELFMAG, SELFMAG) == 0 ? head[EI_CLASS] : 0) {
+        case ELFCLASS32:
+            return DebugInfo::Architecture::IS_32BIT;
+        case ELFCLASS64:
+            return DebugInfo::Architecture::IS_64BIT;
+        default:
+            return DebugInfo::Architecture::UNKNOWN;
+    }
 }
 
 }  // namespace
@@ -55,11 +84,51 @@ Return<sp<IBase>> Names::get(const hidl_string& fqName, const hidl_string& name)
     return found == mServices.end() ? nullptr : found->second.object;
 }
 
+/** One of the registrations that may be under way at one time. */
+class Names::Asking {
+  public:
+    Asking(Names& names, int32_t pid) : mNames(names), mPid(pid) {
+        const std::lock_guard lock(mNames.mLock);
+        std::vector<int32_t>& all = mNames.mAsking;
+        mMay = all.size() < kMostAsked &&
+               static_cast<size_t>(std::count(all.begin(), all.end(), pid)) < kMostAskedOfOne;
+        if (mMay) {
+            all.push_back(pid);
+        }
+    }
+    ~Asking() {
+        const std::lock_guard lock(mNames.mLock);
+        if (mMay) {
+            mNames.mAsking.erase(std::find(mNames.mAsking.begin(), mNames.mAsking.end(), mPid));
+        }
+    }
+    Asking(const Asking&) = delete;
+    Asking& operator=(const Asking&) = delete;
+
+    bool may() const { return mMay; }
+
+  private:
+    Names& mNames;
+    const int32_t mPid;
+    bool mMay;
+};
+
 Return<bool> Names::add(const hidl_string& name, const sp<IBase>& service) {
     const int32_t pid = callingPid();
     if (service == nullptr || name.size() > kLongestName) {
         return false;
     }
+    const Asking asking(*this, pid);
+    if (!asking.may()) {
+        ALOGW("pid %d can not register %s: others, or %zu of its own, have not said yet what they register",
+              pid, name.c_str(), kMostAskedOfOne);
+        return false;
+    }
+    return addAsked(name, service, pid);
+}
+
+/** add(), with a thread that may be kept waiting. */
+bool Names::addAsked(const std::string& name, const Object& service, int32_t pid) {
     std::vector<Key> keys;
     const Return<void> asked = service->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
         for (const hidl_string& each : chain) {
@@ -73,7 +142,7 @@ Return<bool> Names::add(const hidl_string& name, const sp<IBase>& service) {
               asked.description().c_str());
         return false;
     }
-    Service added{service, pid, 0};
+    Service added{service, pid, architectureOf(pid), 0};
     {
         const std::lock_guard lock(mLock);
         added.cookie = ++mLastCookie;
@@ -249,7 +318,7 @@ Return<void> Names::debugDump(debugDump_cb _hidl_cb) {
             each.interfaceName = key.first;
             each.instanceName = key.second;
             each.pid = service.pid;
-            each.arch = DebugInfo::Architecture::UNKNOWN;
+            each.arch = service.arch;
             info.push_back(std::move(each));
         }
     }

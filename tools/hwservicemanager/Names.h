@@ -13,16 +13,29 @@
 /**
  * The names of one device of the binder driver. Any thread; other processes are called without locks. What
  * belongs to a process goes with it.
+ *
+ * Who registers an object is asked for its interfaces, by a call that a process may leave unanswered. That
+ * costs a thread until the process ends, so at most kMostAsked registrations are under way at one time, and
+ * kMostAskedOfOne of one process; further ones are refused at once. Nothing else waits for other processes: a
+ * pool of more than kMostAsked threads always has one for it.
  */
 class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
   public:
+    /** Ample for a device that starts all its services at once. */
+    static constexpr size_t kMostAsked = 32;
+    /** So eight processes that never answer are needed to keep others from registering. */
+    static constexpr size_t kMostAskedOfOne = kMostAsked / 8;
+
     Names();
 
     // Methods from ::android::hidl::manager::V1_0::IServiceManager follow.
     ::android::hardware::Return<::android::sp<::android::hidl::base::V1_0::IBase>> get(
             const ::android::hardware::hidl_string& fqName,
             const ::android::hardware::hidl_string& name) override;
-    /** False where a live process holds one of the object's names; then none of them is taken. */
+    /**
+     * False where a live process holds one of the object's names: then none of them is taken. Or where too
+     * many registrations are under way.
+     */
     ::android::hardware::Return<bool> add(
             const ::android::hardware::hidl_string& name,
             const ::android::sp<::android::hidl::base::V1_0::IBase>& service) override;
@@ -36,7 +49,10 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     ::android::hardware::Return<bool> registerForNotifications(
             const ::android::hardware::hidl_string& fqName, const ::android::hardware::hidl_string& name,
             const ::android::sp<::android::hidl::manager::V1_0::IServiceNotification>& callback) override;
-    /** Who uses a service is not known: the driver does not tell. */
+    /**
+     * The process is who registered the service, and the architecture that process's. Who uses a service is
+     * not known: the driver does not tell.
+     */
     ::android::hardware::Return<void> debugDump(debugDump_cb _hidl_cb) override;
     /** Notes nothing: no library is loaded as a service on a host. */
     ::android::hardware::Return<void> registerPassthroughClient(
@@ -46,6 +62,7 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
   private:
     using Object = ::android::sp<::android::hidl::base::V1_0::IBase>;
     using Notification = ::android::sp<::android::hidl::manager::V1_0::IServiceNotification>;
+    using Architecture = ::android::hidl::base::V1_0::DebugInfo::Architecture;
     using Key = std::pair<std::string, std::string>;  // interface and instance: the order of list()
 
     // Ample for a device, and a bound on what one that registers in a loop can take of our memory.
@@ -56,6 +73,7 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     struct Service {
         Object object;
         int32_t pid;
+        Architecture arch;
         uint64_t cookie;  // of its death; the same for all names of one registration
     };
     struct Wish {
@@ -64,6 +82,9 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
         uint64_t cookie;
     };
     struct Mourner;
+    class Asking;
+
+    bool addAsked(const std::string& name, const Object& service, int32_t pid);
 
     bool take(const std::vector<Key>& keys, const Service& service, std::vector<Wish>* told, Object* holder,
               int32_t* holderPid);
@@ -76,5 +97,6 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     std::mutex mLock;  // guards the rest
     std::map<Key, Service> mServices;
     std::vector<Wish> mWishes;
+    std::vector<int32_t> mAsking;  // who has a registration under way
     uint64_t mLastCookie = 0;
 };

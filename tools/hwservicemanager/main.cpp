@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     setenv("HIDL_TRANSPORT", "binder", 1 /* overwrite */);
-    // Several: one that asks an object for its interfaces waits for that object's process.
-    ::android::hardware::configureRpcThreadpool(4, true /* callerWillJoin */);
+    // Four are for what waits for nobody.
+    ::android::hardware::configureRpcThreadpool(Names::kMostAsked + 4, true /* callerWillJoin */);
     const sp<Names> names = new Names;
     const status_t status = ::android::hardware::becomeContextManager(names);
     if (status != OK) {

@@ -1,14 +1,17 @@
 #pragma once
 
+#include <hwbinder/Parcel.h>
+
 #include <array>
 #include <cstddef>
+#include <memory>
 
 namespace android::hardware {
 
 /**
  * Native handles of one message may have so many descriptors together: more than any method of the platform
  * passes, and little beside the thousand that a process may have open. A message with more is refused by the
- * sender, and costs one that sends it all the same the connection.
+ * sender; one that sends it all the same is refused, over a socket with its connection.
  */
 constexpr size_t kMaxDescriptors = 16;
 
@@ -39,5 +42,8 @@ class Descriptors {
     bool mOverfull = false;
     bool mLacks = false;
 };
+
+/** Keeps them with a parcel: closes them when that ends. */
+ParcelMemory keeperOf(std::unique_ptr<Descriptors> descriptors);
 
 }  // namespace android::hardware

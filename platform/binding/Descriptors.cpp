@@ -1,4 +1,4 @@
-#include "platform/socket/Descriptors.h"
+#include "platform/binding/Descriptors.h"
 
 #include <unistd.h>
 
@@ -19,6 +19,14 @@ Descriptors::~Descriptors() {
     for (size_t i = 0; i < mCount; ++i) {
         close(mFds[i]);
     }
+}
+
+ParcelMemory keeperOf(std::unique_ptr<Descriptors> descriptors) {
+    if (descriptors == nullptr) {
+        return {};
+    }
+    return {descriptors.release(), sizeof(Descriptors),
+            [](void* memory, size_t) { delete static_cast<Descriptors*>(memory); }};
 }
 
 }  // namespace android::hardware
