@@ -112,12 +112,12 @@ mount \$share host /host
 mount -t tmpfs tmpfs /host/tmp
 mkdir -p '/host$tree' 2>/dev/null
 mount \$share tree '/host$tree'
+mount -t proc proc /host/proc
 if [ -n '$programs' ]; then
     mount -t tmpfs tmpfs /host/usr/bin
     cp -a '/host$programs/bin/'* '/host$programs/usr/bin/'* /host/usr/bin
     chroot /host /usr/bin/busybox --install -s /usr/bin 2>/dev/null # what is there already stays
 fi
-mount -t proc proc /host/proc
 mount -t sysfs sysfs /host/sys
 mount -t debugfs debugfs /host/sys/kernel/debug
 mount -t devtmpfs devtmpfs /host/dev
@@ -169,7 +169,7 @@ machine+=(-m 1536 -nodefaults -no-reboot -display none "${terminal[@]}" -kernel 
 if [[ -n $console ]]; then
     "${machine[@]}" | tee "$temporary/output"
 else
-    "${machine[@]}" </dev/null 2>&1 | tr -d '\r' | tee "$temporary/output"
+    "${machine[@]}" </dev/null 2>&1 | sed -u 's/\r$//' | tee "$temporary/output"
 fi
 code=$(tr -d '\r' <"$temporary/output" | sed -n 's/^== machine: exit code \([0-9]*\)$/\1/p' | tail -n 1)
 exit "${code:-125}"
