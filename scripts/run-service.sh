@@ -1,16 +1,31 @@
 #!/usr/bin/env bash
-# run-service.sh BIN [--once]: starts the service in BIN on the simulated board, calls it from other processes and
-# says what happened. Then it leaves the service running until Ctrl-C; with --once it ends it.
+# run-service.sh [--binder] [--once | --shell] BIN [FOLDER]: starts the service in BIN on the simulated board, calls it
+# from other processes and says what happened. Then it leaves the service running until Ctrl-C; with --once it ends it,
+# with --shell it does so when the shell ends that it gives the user.
 #
-# Its names and the board's state are under build/run, apart from those of any other service on the machine.
+# Its names and the board's state are in FOLDER (build/run), apart from those of any other service on the machine. With
+# --binder calls go through the binder driver's device, whose names are all processes'.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+binder=
+until_=interrupt
+while [[ $1 == --* ]]; do
+    case $1 in
+        --binder) binder=yes ;;
+        --once) until_=now ;;
+        --shell) until_=shell ;;
+        *)
+            echo "run-service.sh: no option $1" >&2
+            exit 2
+            ;;
+    esac
+    shift
+done
 bin=$(realpath "$1")
-once=${2:-}
 service=$bin/vendor.zentrovi.tv.zvttvfactory@1.0-service
 fapictl=$bin/fapictl
-here=$PWD/build/run
+here=${2:-$PWD/build/run}
 children=()
 
 # Shown when anything goes wrong: what the running service has said last.
@@ -18,9 +33,9 @@ log=
 finish() {
     local code=$?
     trap - EXIT INT TERM HUP
-    local child
-    for child in "${children[@]}"; do
-        end "$child"
+    local i
+    for ((i = ${#children[@]} - 1; i >= 0; --i)); do
+        end "${children[i]}"
     done
     if ((code != 0 && code < 128)) && [[ -s $log ]]; then
         echo "-- the service's log, $log:"
@@ -89,49 +104,109 @@ if ! flock -n 9; then
     exit 1
 fi
 
-echo "== The service on the simulated board"
-start board
-service_pid=${children[-1]}
-call 0 "IZvtTvFApiTv +default +$service_pid" list
-call 0 's32Status .* 0\b' call information get_fapi_sw_version
-level=$((RANDOM % 101))
-call 0 's32Status .* 0\b' call information set_ini_para panel backlight:level "$level"
-call 0 "strIniValue .*\b$level\b" call information get_ini_para panel backlight:level
-call 0 'bEnable .* true' call information get_ip_enable_status 3
-call 1 's32Status' call information get_ip_enable_status 9999
 
-echo
-echo "== A second service whose chip-layer library is not ready: it refuses the call"
-ZVTTV_BOARD_READY=no start not-ready
-call 1 's32Status .*-5\b' call information get_fapi_sw_version
-end "${children[-1]}"
-unset 'children[-1]'
+# start_manager: a device's context manager, unless it has one.
+start_manager() {
+    local pid tries
+    export HIDL_TRANSPORT=binder
+    log=$here/hwservicemanager.log
+    setpriv --pdeathsig TERM "$bin/hwservicemanager" </dev/null >"$log" 2>&1 9>&- &
+    pid=$!
+    for ((tries = 0; tries < 100; ++tries)); do
+        if grep -q ready "$log"; then
+            children+=("$pid")
+            echo "== hwservicemanager keeps the names of ${HIDL_BINDER_DEVICE:-/dev/hwbinder}: process $pid"
+            return
+        fi
+        if ! kill -0 "$pid" 2>/dev/null; then
+            grep -q 'has a context manager' "$log" || exit 1
+            echo "== The context manager of ${HIDL_BINDER_DEVICE:-/dev/hwbinder}, which runs already, keeps the names"
+            return
+        fi
+        sleep 0.1
+    done
+    echo "hwservicemanager is not ready after 10 s."
+    exit 1
+}
+
+ready_board() {
+    echo "== The service on the simulated board"
+    start board
+    service_pid=${children[-1]}
+    call 0 "IZvtTvFApiTv +default +$service_pid" list
+    call 0 's32Status .* 0\b' call information get_fapi_sw_version
+    local level=$((RANDOM % 101))
+    call 0 's32Status .* 0\b' call information set_ini_para panel backlight:level "$level"
+    call 0 "strIniValue .*\b$level\b" call information get_ini_para panel backlight:level
+    call 0 'bEnable .* true' call information get_ip_enable_status 3
+    call 1 's32Status' call information get_ip_enable_status 9999
+    echo
+}
+
+board_that_is_not_ready() {
+    echo "== ${1^} service whose chip-layer library is not ready: it refuses the call"
+    ZVTTV_BOARD_READY=no start not-ready
+    call 1 's32Status .*-5\b' call information get_fapi_sw_version
+    end "${children[-1]}"
+    unset 'children[-1]'
+    echo
+}
+
+if [[ -n $binder ]]; then
+    # A device has one set of names: one service at a time.
+    start_manager
+    board_that_is_not_ready "a"
+    ready_board
+else
+    ready_board
+    board_that_is_not_ready "a second"
+fi
 
 log=$here/board/service.log
+export ZVTTV_STATE_DIR=$here/board/state
 if ! kill -0 "$service_pid" 2>/dev/null; then
-    echo "!! the first service has ended"
+    echo "!! the service on the ready board has ended"
     exit 1
 fi
-echo
-if [[ $once == --once ]]; then
-    end "$service_pid"
-    children=()
-    echo "== All calls came back as expected; the service has been ended"
-    exit 0
-fi
-cat <<END
+case $until_ in
+    now)
+        end "$service_pid"
+        unset 'children[-1]'
+        echo "== All calls came back as expected; the service has been ended"
+        exit 0
+        ;;
+    shell)
+        cat >"$here/bashrc" <<'END'
+PS1='machine:\w\$ '
+source tools/fapictl/fapictl.bash
+cd /tmp
+END
+        echo "== All calls came back as expected; the service goes on. This is a shell beside it: try 'fapictl list'."
+        echo "   exit or Ctrl-D ends the machine; Ctrl-] and then x does so at once, whatever it does."
+        echo
+        PATH=$bin:$PATH bash --rcfile "$here/bashrc" -i 9>&- || true # its code is that of the user's last command
+        ;;
+    interrupt)
+        if [[ -n $binder ]]; then
+            place="HIDL_TRANSPORT=binder${HIDL_BINDER_DEVICE:+ HIDL_BINDER_DEVICE=$HIDL_BINDER_DEVICE}"
+        else
+            place=HIDL_RUNTIME_DIR=$here/board/registry
+        fi
+        cat <<END
 == All calls came back as expected; the service goes on until Ctrl-C. To call it from another terminal:
 
-    export HIDL_RUNTIME_DIR=$here/board/registry PATH=$bin:\$PATH
+    export $place PATH=$bin:\$PATH
     fapictl list
 END
-stopped=
-trap 'stopped=yes' INT TERM HUP
-wait "$service_pid" || true
-if [[ -z $stopped ]]; then
-    echo "!! the service has ended"
-    exit 1
-fi
+        stopped=
+        trap 'stopped=yes' INT TERM HUP
+        wait "$service_pid" || true
+        if [[ -z $stopped ]]; then
+            echo "!! the service has ended"
+            exit 1
+        fi
+        ;;
+esac
 end "$service_pid"
-children=()
+unset 'children[-1]'
 echo "== The service has been ended"

@@ -3,6 +3,7 @@
 // "keep", or calls of the given size to bench-raw-server, for as long as its standard input orders, and
 // answers there with how many.
 
+#include <android/log.h>
 #include <unistd.h>
 #include <zvttv/bench/1.0/IBenchServer.h>
 
@@ -58,6 +59,7 @@ int serveOrders(const Call& call) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    __android_log_set_minimum_priority(ANDROID_LOG_WARN);
     const std::string first = argc > 1 ? argv[1] : "";
     if (first == "raw" && argc == 5) {
         bench::RawClient client(argv[2], {std::stoull(argv[3]), std::stoull(argv[4])});
