@@ -35,7 +35,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 struct INothing {
-    static constexpr char descriptor[] = "nothing@1.0::INothing";
+    [[maybe_unused]] static constexpr char descriptor[] = "nothing@1.0::INothing";
     virtual ~INothing() = default;
     virtual ::android::hardware::Return<void> debug(
             const ::android::hardware::hidl_handle& handle,
