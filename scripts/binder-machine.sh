@@ -160,8 +160,10 @@ temporary=$(mktemp -d)
 trap 'rm -rf "$temporary"' EXIT
 make_initramfs "$temporary" "$command"
 kernels=("$work"/kernel/boot/vmlinuz-*)
+# Without random addresses, what the emulator has translated of a program serves its next start, too: that takes a third
+# of the time.
 machine+=(-m 1536 -nodefaults -no-reboot -display none "${terminal[@]}" -kernel "${kernels[0]}"
-    -initrd "$temporary/root.gz" -append "console=$serial quiet panic=-1 mitigations=off"
+    -initrd "$temporary/root.gz" -append "console=$serial quiet panic=-1 mitigations=off norandmaps nokaslr"
     -fsdev "local,id=host,path=/,security_model=none,readonly=on,multidevs=remap"
     -device "virtio-9p-pci,fsdev=host,mount_tag=host"
     -fsdev "local,id=tree,path=$tree,security_model=none,readonly=on,multidevs=remap"
