@@ -139,7 +139,7 @@ END
 
 environment=(HOME=/tmp PATH=/usr/bin:/bin:/usr/sbin:/sbin)
 [[ -z $programs ]] ||
-    environment+=("LD_LIBRARY_PATH=$programs/usr/lib/p7zip:$programs/usr/lib/aarch64-linux-gnu")
+    environment+=("LD_LIBRARY_PATH=$programs/usr/lib/p7zip:$programs/usr/lib/aarch64-linux-gnu:$programs/lib/aarch64-linux-gnu")
 if [[ -n $console ]]; then
     environment+=("TERM=${TERM:-dumb}" LANG=C.UTF-8)
     size=$(stty size 2>/dev/null || echo 24 80)
