@@ -3,7 +3,7 @@
 # as Debian's packages have it: a library that the log library brings along, and the programs of a virtual machine.
 set -euo pipefail
 packages=(p7zip-full busybox-static bash-static libc-bin edid-decode python3.11-minimal binutils-aarch64-linux-gnu
-    libbinutils libzstd1)
+    libbinutils libexpat1 libzstd1)
 folder=$1
 if [[ $(cat "$folder/packages" 2>/dev/null) == "${packages[*]}" ]]; then
     exit 0
