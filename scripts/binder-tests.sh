@@ -4,7 +4,7 @@
 set -euo pipefail
 # Copies: programs are started often, and each start asks the other machine for every file anew.
 mkdir /tmp/bin /tmp/lib
-for program in vendor.zentrovi.tv.zvttvfactory@1.0-service fapictl hwservicemanager {runtime,service,events,peripheral,everymethod}-process-test; do
+for program in vendor.zentrovi.tv.zvttvfactory@1.0-service fapictl hwservicemanager {runtime,service,state,events,peripheral,everymethod}-process-test; do
     strip --strip-debug -o "/tmp/bin/$program" "$1/$program"
 done
 mapfile -t libraries < <(ldd /tmp/bin/* | sed -nE 's/^.* => (\/[^ ]+) \(0x.*/\1/p' | sort -u)
@@ -126,6 +126,7 @@ check "the service's names end with it" eventually bash -c '! fapictl list | gre
 suite runtime-process-test --gtest_filter='ProcessTest.*'
 hostile=yes suite runtime-process-test --gtest_filter='HostileProcessTest.*'
 suite service-process-test
+suite state-process-test
 suite events-process-test
 suite peripheral-process-test
 # The other half of it calls the same methods, on a board that is not ready.

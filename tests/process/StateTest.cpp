@@ -33,7 +33,6 @@ std::string tool(std::vector<std::string> words) {
 using StateTest = ServiceFixture;
 
 TEST_F(StateTest, APersonReadsTheStateOfAllInterfacesFromAnotherProcess) {
-    ONLY_OVER_SOCKETS();  // descriptors do not travel through the driver
     setenv("ZVTTV_BOARD_READY", "no", 1);
     startAndWait();
     const std::string errors = mState + ".watch";
@@ -59,7 +58,6 @@ TEST_F(StateTest, APersonReadsTheStateOfAllInterfacesFromAnotherProcess) {
 }
 
 TEST_F(StateTest, AReaderThatIsGoneOrDoesNotReadHarmsNobody) {
-    ONLY_OVER_SOCKETS();
     startAndWait();
     const sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
     const auto makePipe = [](int* ends) { ASSERT_EQ(0, pipe2(ends, O_CLOEXEC)); };
