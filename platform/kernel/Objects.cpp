@@ -106,7 +106,7 @@ status_t Handles::watch(KernelProxy* proxy) {
     const std::lock_guard<std::mutex> lock(mLock);
     Known& known = mKnown[handle];
     if (known.cookie != 0) {
-        return OK;
+        return known.isDead ? DEAD_OBJECT : OK;
     }
     mWatched.emplace(++mLastCookie, handle);
     known.cookie = mLastCookie;
@@ -127,6 +127,7 @@ void Handles::takeLinks(binder_uintptr_t cookie, DeathLinks* links) {
     // One that is ending waits for our lock, with its memory in place.
     const auto known = mKnown.find(watched->second);
     if (known != mKnown.end() && known->second.cookie == cookie) {
+        known->second.isDead = true;
         known->second.address->takeLinks(links);
         if (known->first == 0) {
             // Held longer, it would hide the next context manager.

@@ -60,6 +60,7 @@ class Handles {
         KernelProxy* address = nullptr;
         wp<KernelProxy> proxy;
         binder_uintptr_t cookie = 0;  // under which its death is told; 0: it was not asked for
+        bool isDead = false;          // that has been told: it is told once, whatever proxy it has by then
     };
 
     void write(uint32_t command, uint32_t handle);
