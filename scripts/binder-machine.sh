@@ -43,9 +43,9 @@ case $architecture in
         ;;
 esac
 
-# kernel_package: the kernel that Debian's machines run now.
+# kernel_package: the kernel that Debian's machines run now; nothing when apt's lists do not have it.
 kernel_package() {
-    apt-cache depends "linux-image-$architecture:$architecture" 2>/dev/null |
+    { apt-cache depends "linux-image-$architecture:$architecture" 2>/dev/null || true; } |
         sed -nE 's/^ *Depends: (linux-image-[^ :]*)(:.*)?$/\1/p' | head -n 1
 }
 
