@@ -2,7 +2,7 @@
 # binder-machine.sh [--arm64] [--console] WORK SCRIPT [ARG...]: boots Debian's kernel with its binder driver in a virtual
 # machine and runs SCRIPT there as root, under its path. The machine sees this one's files, read-only, and has a /tmp of
 # its own. Its output is this script's, its exit code too (125: the machine ended before SCRIPT did). The kernel is fetched
-# as a package into WORK, not installed.
+# as a package into WORK, not installed. Without --console, the machine is ended after $limit.
 #
 # --arm64: an AArch64 machine. Its programs are those of build/arm64-sysroot, its libraries this machine's for arm64.
 # --console: this terminal is the machine's: SCRIPT reads from it, and Ctrl-C is SCRIPT's.
@@ -32,12 +32,14 @@ case $architecture in
         # A processor without the wide vectors is emulated faster.
         machine=(qemu-system-x86_64 -machine "q35,accel=tcg" -cpu "${BINDER_CPU:-max,la57=off,avx=off,avx2=off}" -smp 1)
         serial=ttyS0
+        limit=15m # the tests take two minutes
         busybox=$(command -v busybox)
         programs=
         ;;
     arm64)
         machine=(qemu-system-aarch64 -machine "virt,accel=tcg" -cpu "${BINDER_CPU:-cortex-a72}" -smp 2)
         serial=ttyAMA0
+        limit=60m # all tests take fifteen minutes
         programs=$tree/build/arm64-sysroot
         busybox=$programs/bin/busybox
         ;;
@@ -168,10 +170,15 @@ machine+=(-m 1536 -nodefaults -no-reboot -display none "${terminal[@]}" -kernel 
     -device "virtio-9p-pci,fsdev=host,mount_tag=host"
     -fsdev "local,id=tree,path=$tree,security_model=none,readonly=on,multidevs=remap"
     -device "virtio-9p-pci,fsdev=tree,mount_tag=tree")
+ran=0
 if [[ -n $console ]]; then
-    "${machine[@]}" | tee "$temporary/output"
+    "${machine[@]}" | tee "$temporary/output" || ran=$?
 else
-    "${machine[@]}" </dev/null 2>&1 | sed -u 's/\r$//' | tee "$temporary/output"
+    timeout "$limit" "${machine[@]}" </dev/null 2>&1 | sed -u 's/\r$//' | tee "$temporary/output" || ran=$?
 fi
 code=$(tr -d '\r' <"$temporary/output" | sed -n 's/^== machine: exit code \([0-9]*\)$/\1/p' | tail -n 1)
-exit "${code:-125}"
+if [[ -z $code ]]; then
+    echo "== machine: it ended before what ran there (emulator's exit code $ran; 124: after $limit)" >&2
+    code=125
+fi
+exit "$code"
