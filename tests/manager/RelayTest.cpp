@@ -322,27 +322,22 @@ TEST_F(RelayTest, ThePageTellsOfClientsAndEventsWithinItsBounds) {
     EXPECT_EQ("clients not shown: 952", lines.back());
 }
 
-TEST_F(RelayTest, PagesAreWrittenAtOnceWhileClientsComeAndDie) {
+TEST_F(RelayTest, APageIsOfOneMomentWhileClientsComeAndDie) {
     std::atomic<bool> over{false};
-    std::vector<std::thread> readers(2);
-    for (std::thread& reader : readers) {
-        reader = std::thread([&] {
-            while (!over) {
-                const std::vector<std::string> lines = page();
-                ASSERT_GE(lines.size(), 15u);
-                EXPECT_EQ("clients: " + std::to_string(lines.size() - 15), lines[14]) << "one moment's";
-            }
-        });
-    }
+    std::thread reader([&] {  // one: the fake library notes its calls without a lock
+        while (!over) {
+            const std::vector<std::string> lines = page();
+            ASSERT_GE(lines.size(), 15u);
+            EXPECT_EQ("clients: " + std::to_string(lines.size() - 15), lines[14]);
+        }
+    });
     for (int i = 0; i < 300; ++i) {
         const sp<Client> client = registered();
         post(0x10000);
         client->recipients[0]->serviceDied(client->cookies[0], nullptr);
     }
     over = true;
-    for (std::thread& reader : readers) {
-        reader.join();
-    }
+    reader.join();
 }
 
 TEST_F(RelayTest, AClientThatFailsCostsTheOthersNothingAndStays) {
