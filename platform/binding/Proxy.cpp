@@ -25,6 +25,12 @@ status_t Proxy::linkToDeath(const sp<DeathRecipient>& recipient) {
     if (isParents()) {
         return INVALID_OPERATION;
     }
+    {
+        const std::lock_guard<std::mutex> lock(mLock);
+        if (mDead) {
+            return DEAD_OBJECT;
+        }
+    }
     try {
         const status_t status = watch();
         if (status != OK) {

@@ -39,7 +39,7 @@ void KernelTransport::start() {
     }
     try {
         startThread(false);
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) {  // for lack of threads or memory
         ALOGE("no thread for calls: %s", error.what());
         const std::lock_guard<std::mutex> lock(mLock);
         mStarted = false;
@@ -51,11 +51,11 @@ void KernelTransport::join() {
 }
 
 void KernelTransport::spawn() {
-    mOwed = false;
+    const bool wasOwed = mOwed.exchange(false);
     try {
         startThread(true);
-    } catch (const std::system_error& error) {
-        ALOGE("no more threads for calls: %s", error.what());
+    } catch (const std::exception& error) {  // for lack of threads or memory
+        ALOGE_IF(!wasOwed, "no more threads for calls: %s", error.what());
         mOwed = true;
     }
 }

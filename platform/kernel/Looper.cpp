@@ -27,6 +27,12 @@ class ServedCaller {
     const Credentials* const mOuter;
 };
 
+/** A request of so many bytes is freed before its method runs: others may need the room. */
+constexpr size_t kLargeRequest = 64 * 1024;
+
+/** Of newer kernels, for BR_TRANSACTION_COMPLETE: the process that a one-way call goes to is frozen. */
+constexpr uint32_t kTakenByFrozen = _IO('r', 20);
+
 template <typename T>
 T payloadOf(const uint8_t* bytes) {
     T value;
@@ -50,6 +56,7 @@ Looper& Looper::ofThread(KernelTransport& transport) {
         tLooper.mTransport = &transport;
         tLooper.mGeneration = processGeneration();
         tLooper.mOut.consumed(tLooper.mOut.size());
+        tLooper.mAwaited = nullptr;
         tLooper.mDepth = 0;
     }
     return tLooper;
@@ -84,14 +91,39 @@ status_t Looper::transact(uint32_t handle, uint32_t code, const Parcel& data, Pa
     call.transaction_data.code = code;
     call.transaction_data.flags = oneWay ? TF_ONE_WAY : TF_ACCEPT_FDS;
     Awaited awaited{!oneWay, code, reply};
-    return send(BC_TRANSACTION_SG, call, &awaited);
+    const status_t sent = send(BC_TRANSACTION_SG, call, &awaited);
+    writeOut();
+    return sent;
 }
+
+/** Writes what the driver waits for: this thread may not come back to it for long. */
+void Looper::writeOut() {
+    if (!mOut.empty()) {
+        mTransport->driver().write(&mOut);
+    }
+}
+
+/** Makes something the innermost that the thread waits for. */
+class Looper::Waiting {
+  public:
+    Waiting(Looper& looper, Awaited* awaited) : mLooper(looper) {
+        awaited->outer = looper.mAwaited;
+        looper.mAwaited = awaited;
+    }
+    ~Waiting() { mLooper.mAwaited = mLooper.mAwaited->outer; }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+  private:
+    Looper& mLooper;
+};
 
 /** Sends a message and waits for what comes of it. Objects of ours in it are the driver's, too, by then. */
 status_t Looper::send(uint32_t command, const binder_transaction_data_sg& message, Awaited* awaited) {
     put(command, message);
+    const Waiting waiting(*this, awaited);
     while (!awaited->done) {
-        const status_t status = exchange(awaited);
+        const status_t status = exchange();
         if (status != OK) {
             ALOGE("%s can not be used: %s", mTransport->driver().path().c_str(), statusText(status).c_str());
             if (!mOut.empty()) {
@@ -104,7 +136,7 @@ status_t Looper::send(uint32_t command, const binder_transaction_data_sg& messag
 }
 
 /** Writes what waits, reads what comes and carries it out. */
-status_t Looper::exchange(Awaited* awaited) {
+status_t Looper::exchange() {
     // A block of this call's own: what is carried out may have to wait for something else meanwhile.
     uint8_t block[2 * Driver::kLeastRead];
     size_t got = 0;
@@ -115,13 +147,28 @@ status_t Looper::exchange(Awaited* awaited) {
         at += sizeof(command);
         const size_t size = _IOC_SIZE(command);
         LOG_ALWAYS_FATAL_IF(size > got - at, "the driver's command %x is cut", command);
-        carryOut(command, block + at, awaited);
+        carryOut(command, block + at);
         at += size;
     }
     return status;
 }
 
-void Looper::carryOut(uint32_t command, const uint8_t* payload, Awaited* awaited) {
+/**
+ * What an answer of the driver's is for. One read may bring that the driver has taken the reply of a call that
+ * was served meanwhile, and the end of the call for which the thread waited before.
+ *
+ * @param reply it is a reply; else a failure, of a call or of what was sent
+ * @return null when nothing waits for it
+ */
+Looper::Awaited* Looper::awaited(bool reply) {
+    Awaited* each = mAwaited;
+    while (each != nullptr && (each->done || (reply && !each->isReply))) {
+        each = each->outer;
+    }
+    return each;
+}
+
+void Looper::carryOut(uint32_t command, const uint8_t* payload) {
     switch (command) {
         case BR_NOOP:
         case BR_OK:
@@ -132,28 +179,27 @@ void Looper::carryOut(uint32_t command, const uint8_t* payload, Awaited* awaited
             break;
         case BR_TRANSACTION_COMPLETE:
         case BR_ONEWAY_SPAM_SUSPECT:
-            if (awaited != nullptr && !awaited->isReply) {
-                finish(awaited, OK);
+        case kTakenByFrozen:
+            if (mAwaited != nullptr && !mAwaited->isReply) {
+                finish(mAwaited, OK);
             }
             break;
         case BR_REPLY: {
             const auto received = payloadOf<binder_transaction_data>(payload);
-            if (awaited != nullptr && awaited->isReply) {
-                finish(awaited, takeReply(received, awaited->code, awaited->reply));
+            if (Awaited* const call = awaited(true); call != nullptr) {
+                finish(call, takeReply(received, call->code, call->reply));
             } else {
                 dropTransaction(received, mTransport->driver().memory());
             }
             put(BC_FREE_BUFFER, received.data.ptr.buffer);
-            // This thread may not come back for long: the memory is needed before.
-            mTransport->driver().write(&mOut);
             break;
         }
         case BR_DEAD_REPLY:
-            finish(awaited, DEAD_OBJECT);
+            finish(awaited(false), DEAD_OBJECT);
             break;
         case BR_FAILED_REPLY:
         case BR_FROZEN_REPLY:
-            finish(awaited, FAILED_TRANSACTION);
+            finish(awaited(false), FAILED_TRANSACTION);
             break;
         case BR_TRANSACTION:
             serve(payloadOf<binder_transaction_data>(payload));
@@ -211,6 +257,8 @@ void Looper::serve(const binder_transaction_data& received) {
     {
         Parcel data;
         const char* rule = nullptr;
+        // The message holds it, so before that is given back.
+        const sp<BHwBinder> object = mTransport->find(received.target.ptr, received.cookie);
         if (who.uid != geteuid() && who.uid != 0) {
             status = PERMISSION_DENIED;
             rule = "callers run under our user or root's";
@@ -227,9 +275,12 @@ void Looper::serve(const binder_transaction_data& received) {
             // There is a copy, and what it refers to is held. With a one-way message, the next one for this
             // object would come.
             put(BC_FREE_BUFFER, received.data.ptr.buffer);
+            if (data.receivedBytes() > kLargeRequest) {
+                writeOut();
+            }
         }
         if (status == OK) {
-            status = run(received, data, &replied);
+            status = run(received, object, data, &replied);
         }
         if (status != OK) {
             mTransport->complain(who, "a call of", received.code, status, rule);
@@ -245,8 +296,8 @@ void Looper::serve(const binder_transaction_data& received) {
 }
 
 /** @param replied true for a one-way message; else it becomes so when a reply has been sent */
-status_t Looper::run(const binder_transaction_data& received, Parcel& data, bool* replied) {
-    const sp<BHwBinder> object = mTransport->find(received.target.ptr, received.cookie);
+status_t Looper::run(const binder_transaction_data& received, const sp<BHwBinder>& object, Parcel& data,
+                     bool* replied) {
     if (object == nullptr) {
         return DEAD_OBJECT;
     }
@@ -323,7 +374,7 @@ void Looper::run(bool asked) {
         put(BC_ENTER_LOOPER);
     }
     while (true) {
-        const status_t status = exchange(nullptr);
+        const status_t status = exchange();
         LOG_ALWAYS_FATAL_IF(status != OK, "%s can not be used: %s", mTransport->driver().path().c_str(),
                             statusText(status).c_str());
         mTransport->spawnOwed();

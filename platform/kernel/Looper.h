@@ -42,24 +42,29 @@ class Looper {
     static const Credentials* caller();
 
   private:
-    /** What the thread waits for while it reads. */
+    /** What the thread waits for while it reads. While it serves a call meanwhile, it waits for more. */
     struct Awaited {
         bool isReply;             // else that the driver has taken a message
         uint32_t code = 0;        // of the method that was called
         Parcel* reply = nullptr;  // where it goes to
         bool done = false;
         status_t status = OK;
+        Awaited* outer = nullptr;  // for which it goes on waiting then
     };
+    class Waiting;
 
     template <typename... Payload>
     void put(uint32_t command, const Payload&... payload);
     status_t send(uint32_t command, const binder_transaction_data_sg& message, Awaited* awaited);
-    status_t exchange(Awaited* awaited);
-    void carryOut(uint32_t command, const uint8_t* payload, Awaited* awaited);
+    status_t exchange();
+    void carryOut(uint32_t command, const uint8_t* payload);
+    Awaited* awaited(bool reply);
     void finish(Awaited* awaited, status_t status);
+    void writeOut();
     status_t takeReply(const binder_transaction_data& received, uint32_t code, Parcel* reply);
     void serve(const binder_transaction_data& received);
-    status_t run(const binder_transaction_data& received, Parcel& data, bool* replied);
+    status_t run(const binder_transaction_data& received, const sp<BHwBinder>& object, Parcel& data,
+                 bool* replied);
     void reply(const Parcel& results, const binder_transaction_data& received);
     void replyStatus(status_t status);
     void report(binder_uintptr_t cookie);
@@ -67,6 +72,7 @@ class Looper {
     KernelTransport* mTransport = nullptr;
     uint32_t mGeneration = 0;
     Commands mOut;
+    Awaited* mAwaited = nullptr;  // the innermost
     int mDepth = 0;
 };
 

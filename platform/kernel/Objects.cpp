@@ -18,6 +18,13 @@ const void* const kDriver = &kDriver;
 /** The number of IBase::ping(). */
 constexpr uint32_t kPing = 0x0f504e47;
 
+bool isGone(KernelProxy* proxy) {
+    Parcel ping;
+    Parcel answer;
+    ping.writeInterfaceToken("android.hidl.base@1.0::IBase");
+    return proxy->transact(kPing, ping, &answer, 0, nullptr) == DEAD_OBJECT;
+}
+
 }  // namespace
 
 KernelProxy::~KernelProxy() {
@@ -75,16 +82,7 @@ void Handles::forget(KernelProxy* proxy) {
     const std::lock_guard<std::mutex> lock(mLock);
     const auto known = mKnown.find(handle);
     if (known != mKnown.end() && known->second.address == proxy) {
-        if (known->second.cookie != 0) {
-            Commands commands;
-            commands.put(BC_CLEAR_DEATH_NOTIFICATION, binder_handle_cookie{handle, known->second.cookie});
-            if (handle == 0) {
-                commands.put(BC_RELEASE, handle);
-            }
-            mDriver.write(&commands);
-            mWatched.erase(known->second.cookie);
-        }
-        mKnown.erase(known);
+        unask(known);
     }
     if (handle != 0) {
         write(BC_RELEASE, handle);
@@ -92,30 +90,53 @@ void Handles::forget(KernelProxy* proxy) {
 }
 
 status_t Handles::watch(KernelProxy* proxy) {
-    const uint32_t handle = proxy->handle();
-    if (handle == 0) {
-        // What is asked of handle 0 while there is no context manager is lost without a word.
-        Parcel ping;
-        Parcel answer;
-        ping.writeInterfaceToken("android.hidl.base@1.0::IBase");
-        const status_t status = proxy->transact(kPing, ping, &answer, 0, nullptr);
-        if (status == DEAD_OBJECT) {
-            return status;
-        }
+    const status_t status = ask(proxy);
+    // What is asked of handle 0 while there is no context manager is lost without a word.
+    if (status != OK || proxy->handle() != 0 || !isGone(proxy)) {
+        return status;
     }
     const std::lock_guard<std::mutex> lock(mLock);
-    Known& known = mKnown[handle];
-    if (known.cookie != 0) {
-        return known.isDead ? DEAD_OBJECT : OK;
+    const auto known = mKnown.find(0);
+    if (known != mKnown.end() && known->second.address == proxy) {
+        unask(known);
+    }
+    return DEAD_OBJECT;
+}
+
+/** Asks for the notice, once. */
+status_t Handles::ask(KernelProxy* proxy) {
+    const uint32_t handle = proxy->handle();
+    const std::lock_guard<std::mutex> lock(mLock);
+    const auto known = mKnown.find(handle);
+    if (known == mKnown.end() || known->second.address != proxy || known->second.isDead) {
+        return DEAD_OBJECT;
+    }
+    if (known->second.cookie != 0) {
+        return OK;
     }
     mWatched.emplace(++mLastCookie, handle);
-    known.cookie = mLastCookie;
+    known->second.cookie = mLastCookie;
     Commands commands;
     if (handle == 0) {
         commands.put(BC_ACQUIRE, handle);
     }
-    commands.put(BC_REQUEST_DEATH_NOTIFICATION, binder_handle_cookie{handle, known.cookie});
+    commands.put(BC_REQUEST_DEATH_NOTIFICATION, binder_handle_cookie{handle, known->second.cookie});
     return mDriver.write(&commands);
+}
+
+/** Takes back what was asked of the driver for a handle, and forgets its proxy. */
+void Handles::unask(std::unordered_map<uint32_t, Known>::iterator known) {
+    const auto& [handle, asked] = *known;
+    if (asked.cookie != 0) {
+        Commands commands;
+        commands.put(BC_CLEAR_DEATH_NOTIFICATION, binder_handle_cookie{handle, asked.cookie});
+        if (handle == 0) {
+            commands.put(BC_RELEASE, handle);  // held longer, it would hide the next context manager
+        }
+        mDriver.write(&commands);
+        mWatched.erase(asked.cookie);
+    }
+    mKnown.erase(known);
 }
 
 void Handles::takeLinks(binder_uintptr_t cookie, DeathLinks* links) {
@@ -130,13 +151,7 @@ void Handles::takeLinks(binder_uintptr_t cookie, DeathLinks* links) {
         known->second.isDead = true;
         known->second.address->takeLinks(links);
         if (known->first == 0) {
-            // Held longer, it would hide the next context manager.
-            Commands commands;
-            commands.put(BC_CLEAR_DEATH_NOTIFICATION, binder_handle_cookie{0, cookie});
-            commands.put(BC_RELEASE, uint32_t{0});
-            mDriver.write(&commands);
-            mKnown.erase(known);
-            mWatched.erase(watched);
+            unask(known);
         }
     }
 }

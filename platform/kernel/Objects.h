@@ -64,6 +64,8 @@ class Handles {
     };
 
     void write(uint32_t command, uint32_t handle);
+    status_t ask(KernelProxy* proxy);
+    void unask(std::unordered_map<uint32_t, Known>::iterator known);
 
     Driver& mDriver;
     std::mutex mLock;  // guards the rest

@@ -283,6 +283,7 @@ status_t copyTransaction(const binder_transaction_data& received, const Received
     auto* const before = reinterpret_cast<uint32_t*>(copy.get() + beforeAt);
     uint8_t* scalars = copy.get() + scalarsAt;
     std::shared_ptr<ReceivedObjects> taken;
+    ReceivedParcel result;
     std::unique_ptr<Descriptors> descriptors;
     size_t from = 0;
     size_t ignored = 0;
@@ -324,20 +325,19 @@ status_t copyTransaction(const binder_transaction_data& received, const Received
             std::memcpy(to, &index, sizeof(index));
             taken->add(std::move(object));
         }
+        result.objects = taken != nullptr ? std::shared_ptr<ObjectSource>(std::move(taken)) : noObjects();
     } catch (const std::bad_alloc&) {
         return NO_MEMORY;
     }
     std::memcpy(scalars, reader.data() + from, reader.dataBytes() - from);
     scalars += reader.dataBytes() - from;
 
-    ReceivedParcel result;
     result.scalars = copy.get() + scalarsAt;
     result.scalarBytes = static_cast<size_t>(scalars - result.scalars);
     result.pieces = pieces;
     result.pieceCount = count;
     result.scalarsBefore = before;
     result.base = copy.get();
-    result.objects = taken != nullptr ? std::shared_ptr<ObjectSource>(std::move(taken)) : noObjects();
     result.memory =
             ParcelMemory(copy.release(), end, [](void* block, size_t /* size */) { std::free(block); });
     result.descriptors = keeperOf(std::move(descriptors));

@@ -86,6 +86,7 @@ class ParcelMemory {
             mRelease(mMemory, mSize);
         }
     }
+    size_t size() const { return mSize; }
 
   private:
     void* mMemory = nullptr;
@@ -213,6 +214,8 @@ class Parcel {
     /** Forgets what was written. */
     void clear();
 
+    /** Of the memory that a received message lies in; 0 when it is another's. */
+    size_t receivedBytes() const { return mReceived.memory.size(); }
     /** Makes this the reader of a message, once. */
     void receive(ReceivedParcel received) { mReceived = std::move(received); }
 
