@@ -9,7 +9,7 @@ for program in vendor.zentrovi.tv.zvttvfactory@1.0-service fapictl hwservicemana
 done
 mapfile -t libraries < <(ldd /tmp/bin/* | sed -nE 's/^.* => (\/[^ ]+) \(0x.*/\1/p' | sort -u)
 cp -L "${libraries[@]}" /tmp/lib/
-export LD_LIBRARY_PATH=/tmp/lib
+export LD_LIBRARY_PATH=/tmp/lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
 bin=/tmp/bin
 export PATH=$bin:$PATH HIDL_TRANSPORT=binder ZVTTV_STATE_DIR=/tmp/state
 export ZVTTV_TEST_SERVICE=$bin/vendor.zentrovi.tv.zvttvfactory@1.0-service ZVTTV_TEST_FAPICTL=$bin/fapictl
