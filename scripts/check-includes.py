@@ -27,14 +27,14 @@ ANY = ("",)
 # The first row whose folder (or file) holds the including file counts.
 ROOMS = [
     ("chiplayer/", ["chiplayer/"], ()),
-    ("service/frame/StatePage.cpp", ["service/frame/"], PLATFORM + ("poll.h", "sys/socket.h", "unistd.h")),
+    ("service/frame/StatePage.cpp", ["service/frame/"], PLATFORM + ("fcntl.h", "poll.h", "sys/socket.h", "sys/stat.h", "unistd.h")),
     ("service/frame/", ["service/frame/", "chiplayer/"], PLATFORM),
     ("service/main.cpp", ["service/frame/", "manager/", "adapters/", "chiplayer/custom.h"], PLATFORM + GENERATED),
     ("service/", ["service/"], PLATFORM + GENERATED),
     ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
-    ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/kernel/KernelBackend.h"], ANY),
+    ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
     ("platform/parcel/", [], ("hwbinder/", "utils/")),

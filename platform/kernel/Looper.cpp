@@ -154,8 +154,8 @@ status_t Looper::exchange() {
 }
 
 /**
- * What an answer of the driver's is for. One read may bring that the driver has taken the reply of a call that
- * was served meanwhile, and the end of the call for which the thread waited before.
+ * What an answer of the driver's is for. One read may bring that the driver has taken the reply of a call
+ * that was served meanwhile, and the end of the call for which the thread waited before.
  *
  * @param reply it is a reply; else a failure, of a call or of what was sent
  * @return null when nothing waits for it

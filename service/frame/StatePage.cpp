@@ -3,8 +3,10 @@
 #include "service/frame/StatePage.h"
 
 #include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,6 +15,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
+#include <optional>
 
 #include "service/frame/Log.h"
 
@@ -68,11 +71,32 @@ bool waitForRoom(int fd, Clock::time_point end) {
     }
 }
 
-/// Writes as much as there is room for. A socket's mode is not changed for that, as its owner shares it.
-ssize_t writeSome(int fd, const char* bytes, size_t size) {
-    const ssize_t sent = send(fd, bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL);
-    return sent < 0 && errno == ENOTSOCK ? write(fd, bytes, size) : sent;
-}
+/// A pipe of our own that holds a page. Out of it a page goes to another pipe without waiting, whatever
+/// others do there meanwhile: that pipe's own mode is not to be changed, as its owner shares it.
+class OwnPipe {
+  public:
+    OwnPipe() : mMade(pipe2(mEnds, O_CLOEXEC | O_NONBLOCK) == 0) {}
+    ~OwnPipe() {
+        if (mMade) {
+            close(mEnds[0]);
+            close(mEnds[1]);
+        }
+    }
+    OwnPipe(const OwnPipe&) = delete;
+    OwnPipe& operator=(const OwnPipe&) = delete;
+
+    /// False, with errno, when it does not take all of them.
+    bool fill(const char* bytes, size_t size) {
+        return mMade && write(mEnds[1], bytes, size) == static_cast<ssize_t>(size);
+    }
+    ssize_t pass(int fd, size_t size) {
+        return splice(mEnds[0], nullptr, fd, nullptr, size, SPLICE_F_NONBLOCK);
+    }
+
+  private:
+    int mEnds[2];
+    const bool mMade;
+};
 
 bool isOnlyDelayed(int error) {
     return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
@@ -82,11 +106,24 @@ bool isOnlyDelayed(int error) {
 int writeAll(int fd, const char* bytes, size_t size) {
     const BrokenPipeSignalHeld held;
     const Clock::time_point end = Clock::now() + kPatience;
+    struct stat status {};
+    if (fstat(fd, &status) != 0) {
+        return errno;
+    }
+    const bool isPipe = S_ISFIFO(status.st_mode);
+    if (!isPipe && !S_ISSOCK(status.st_mode)) {
+        return EINVAL;  // a write to it might wait for whoever gave it
+    }
+    std::optional<OwnPipe> own;
+    if (isPipe && !own.emplace().fill(bytes, size)) {
+        return errno;
+    }
     while (size > 0) {
         if (!waitForRoom(fd, end)) {
             return errno;
         }
-        const ssize_t written = writeSome(fd, bytes, size);
+        const ssize_t written =
+                isPipe ? own->pass(fd, size) : send(fd, bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL);
         if (written > 0) {
             bytes += written;
             size -= static_cast<size_t>(written);

@@ -15,8 +15,7 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 ///     page.writeTo(handle);
 class StatePage {
   public:
-    /// Bytes of the longest page. One write of so many bytes to a pipe is never mixed with another one, and
-    /// never waits once the pipe has told that it has room.
+    /// Bytes of the longest page. Every pipe holds so many.
     static constexpr size_t kMostBytes = 4096;
 
     /// Begins with the interface's name and version. The name is lent: it must outlive the page.
@@ -26,10 +25,9 @@ class StatePage {
     /// bounds the list.
     void line(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// Writes the page to the handle's first descriptor, which stays the handle's; without one, nothing. A
-    /// reader that has gone costs nothing, one that does not read costs this thread a second: either is an
-    /// error line. (Somebody else who fills a pipe at the same moment may make the thread wait for its
-    /// reader.)
+    /// Writes the page to the handle's first descriptor, a pipe or a socket, which stays the handle's;
+    /// without one, nothing. A reader that has gone costs nothing, one that does not read costs this thread a
+    /// second: either is an error line, and so is a descriptor of another kind.
     void writeTo(const ::android::hardware::hidl_handle& handle) const;
 
   private:

@@ -350,7 +350,8 @@ int playRegistrar() {
     // The context manager asks the object itself, wherever it lives.
     const sp<IBase> anothers = manager->get(IProbe::descriptor, "default");
     if (manager->add("anothers", anothers).withDefault(!isOnBinder()) != isOnBinder() ||
-        manager->add("null", nullptr).withDefault(true)) {
+        manager->add("null", nullptr).withDefault(true) ||
+        (isOnBinder() && manager->add("manager", manager).withDefault(true))) {
         return 3;
     }
     hidl_vec<hidl_string> instances;
@@ -707,6 +708,28 @@ TEST_F(ProcessTest, AServiceMayCallItsClientBackFromInsideTheClientsCall) {
     std::string answer;
     EXPECT_TRUE(probe->askBack(new Listener, "well", [&](const hidl_string& text) { answer = text; }).isOk());
     EXPECT_EQ("well!", answer);
+}
+
+/** Kills who calls it, and answers all the same. */
+class Avenger : public Listener {
+  public:
+    explicit Avenger(pid_t caller) : mCaller(caller) {}
+    Return<void> ask(const hidl_string& question, ask_cb _hidl_cb) override {
+        kill(mCaller, SIGKILL);
+        siginfo_t ended;
+        waitid(P_PID, static_cast<id_t>(mCaller), &ended, WEXITED | WNOWAIT);
+        usleep(100'000);  // until a transport can know
+        _hidl_cb(question);
+        return Void();
+    }
+
+  private:
+    const pid_t mCaller;
+};
+
+TEST_F(ProcessTest, ACallEndsWithItsServerWhileACallBackIsServed) {
+    const sp<IProbe> probe = start();
+    EXPECT_TRUE(probe->askBack(new Avenger(mServer.back().pid()), "well", [](const auto&) {}).isDeadObject());
 }
 
 TEST_F(ProcessTest, OneWayCallsReachEveryListenerInOrder) {

@@ -2,6 +2,7 @@
 
 #include <cutils/native_handle.h>
 #include <gmock/gmock.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
@@ -64,9 +65,11 @@ TEST_F(StateTest, AReaderThatIsGoneOrDoesNotReadHarmsNobody) {
     const auto makeSockets = [](int* ends) {
         ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends));
     };
-    const auto makeNothing = [](int* ends) {
+    const auto makeCounter = [](int* ends) {
         ends[0] = -1;
-        ends[1] = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        ends[1] = eventfd(0, EFD_CLOEXEC);
+        const uint64_t most = UINT64_MAX - 1;
+        ASSERT_EQ(8, write(ends[1], &most, sizeof(most)));
     };
     struct {
         const char* what;
@@ -78,7 +81,7 @@ TEST_F(StateTest, AReaderThatIsGoneOrDoesNotReadHarmsNobody) {
             {"a full pipe", makePipe, true, false, ETIMEDOUT},
             {"a socket without a reader", makeSockets, false, true, EPIPE},
             {"a full socket", makeSockets, true, false, ETIMEDOUT},
-            {"a file to read from", makeNothing, false, false, EBADF},
+            {"a full counter, a write to which waits", makeCounter, false, false, EINVAL},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);

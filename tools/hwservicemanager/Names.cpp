@@ -25,6 +25,7 @@ using ::android::hardware::Return;
 using ::android::hardware::Void;
 using ::android::hidl::base::V1_0::DebugInfo;
 using ::android::hidl::base::V1_0::IBase;
+using ::android::hidl::manager::V1_0::IServiceManager;
 using ::android::hidl::manager::V1_0::IServiceNotification;
 
 namespace {
@@ -50,6 +51,13 @@ bool isDead(const sp<IBase>& object, int32_t pid) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return false;  // it was another process's, which lives
+}
+
+/** At most, of a record of debugDump() in a transaction: itself, and three buffers with their forms. */
+size_t bytesOf(const std::pair<std::string, std::string>& key) {
+    constexpr size_t kBuffer = 48;
+    const auto padded = [](const std::string& text) { return text.size() / 8 * 8 + 8; };
+    return sizeof(IServiceManager::InstanceDebugInfo) + 3 * kBuffer + padded(key.first) + padded(key.second);
 }
 
 /** What the program of a process that waits for us is made for, as the head of its file says. */
@@ -116,13 +124,14 @@ class Names::Asking {
 Return<bool> Names::add(const hidl_string& name, const sp<IBase>& service) {
     const int32_t pid = callingPid();
     if (service == nullptr || name.size() > kLongestName) {
-        return false;
+        return refuse("", "a service has an object, and a name that is not too long");
+    }
+    if (!service->isRemote()) {
+        return refuse(name, "it is the manager's own");  // and would never die
     }
     const Asking asking(*this, pid);
     if (!asking.may()) {
-        ALOGW("pid %d can not register %s: others, or %zu of its own, have not said yet what they register",
-              pid, name.c_str(), kMostAskedOfOne);
-        return false;
+        return refuse(name, "others, or too many of its own, have not said yet what they register");
     }
     return addAsked(name, service, pid);
 }
@@ -132,15 +141,13 @@ bool Names::addAsked(const std::string& name, const Object& service, int32_t pid
     std::vector<Key> keys;
     const Return<void> asked = service->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
         for (const hidl_string& each : chain) {
-            if (each != IBase::descriptor && each.size() <= kLongestName && keys.size() < kMostNames) {
+            if (each != IBase::descriptor && each.size() <= kLongestName && keys.size() < kLongestChain) {
                 keys.emplace_back(each, name);
             }
         }
     });
     if (!asked.isOk() || keys.empty()) {
-        ALOGW("pid %d registers %s, which names no interface: %s", pid, name.c_str(),
-              asked.description().c_str());
-        return false;
+        return refuse(name, "it names no interface: " + asked.description());
     }
     Service added{service, pid, architectureOf(pid), 0};
     {
@@ -155,10 +162,9 @@ bool Names::addAsked(const std::string& name, const Object& service, int32_t pid
             break;
         }
         if (holder == nullptr || !isDead(holder, holderPid)) {
-            ALOGW("pid %d can not register %s/%s: %s", pid, keys.front().first.c_str(), name.c_str(),
-                  holder == nullptr ? "there are too many names"
-                                    : ("pid " + std::to_string(holderPid) + " holds the name").c_str());
-            return false;
+            return refuse(keys.front().first + "/" + name,
+                          holder == nullptr ? "there are too many names"
+                                            : "pid " + std::to_string(holderPid) + " holds the name");
         }
         // Its notice is on the way.
         uint64_t cookie = 0;
@@ -202,7 +208,17 @@ bool Names::take(const std::vector<Key>& keys, const Service& service, std::vect
             return false;
         }
     }
-    if (mServices.size() + keys.size() > kMostNames) {
+    size_t bytes = 0;
+    size_t ofOne = 0;
+    for (const auto& [key, held] : mServices) {
+        bytes += bytesOf(key);
+        ofOne += held.pid == service.pid ? bytesOf(key) : 0;
+    }
+    for (const Key& key : keys) {
+        bytes += bytesOf(key);
+        ofOne += bytesOf(key);
+    }
+    if (bytes > kMostBytes || ofOne > kMostBytesOfOne) {
         return false;
     }
     for (const Key& key : keys) {
@@ -240,8 +256,19 @@ bool Names::isWanted(const Wish& wish, const Key& key) {
 
 void Names::tell(const Wish& wish, const Key& key, bool preexisting) {
     const Return<void> told = wish.callback->onRegistration(key.first, key.second, preexisting);
-    ALOGW_IF(!told.isOk() && !told.isDeadObject(), "a registration of %s/%s could not be told: %s",
-             key.first.c_str(), key.second.c_str(), told.description().c_str());
+    if (!told.isOk() && !told.isDeadObject() && mComplaints.count({wish.pid, 0}) != 0) {
+        ALOGW("pid %d can not be told of %s/%s: %s", wish.pid, key.first.c_str(), key.second.c_str(),
+              told.description().c_str());
+    }
+}
+
+/** Says what its caller is not given, if that has not been said often enough. Always false. */
+bool Names::refuse(const std::string& name, const std::string& why) {
+    const int32_t pid = callingPid();
+    if (mComplaints.count({pid, 0}) != 0) {
+        ALOGW("pid %d is refused %s: %s", pid, name.c_str(), why.c_str());
+    }
+    return false;
 }
 
 Return<Names::Transport> Names::getTransport(const hidl_string& fqName, const hidl_string& name) {
@@ -279,17 +306,17 @@ Return<bool> Names::registerForNotifications(const hidl_string& fqName, const hi
                                              const sp<IServiceNotification>& callback) {
     if (callback == nullptr || fqName.size() == 0 || fqName.size() > kLongestName ||
         name.size() > kLongestName) {
-        return false;
+        return refuse("notifications", "they have an object, and names that are not too long");
     }
-    Wish wish{{fqName, name}, callback, 0};
+    Wish wish{{fqName, name}, callback, callingPid(), 0};
     std::vector<Key> there;
     {
         const std::lock_guard lock(mLock);
         wish.cookie = ++mLastCookie;
-        if (mWishes.size() >= kMostNotifications) {
-            ALOGW("pid %d wants to be told of %s: too many want to be told of names", callingPid(),
-                  fqName.c_str());
-            return false;
+        const auto ofOne = std::count_if(mWishes.begin(), mWishes.end(),
+                                         [&](const Wish& each) { return each.pid == wish.pid; });
+        if (mWishes.size() >= kMostNotifications || static_cast<size_t>(ofOne) >= kMostNotificationsOfOne) {
+            return refuse("to be told of " + wish.key.first, "there are too many notifications");
         }
         mWishes.push_back(wish);
         for (const auto& [key, service] : mServices) {

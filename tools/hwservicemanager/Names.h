@@ -10,9 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "platform/binding/Complaints.h"
+
 /**
  * The names of one device of the binder driver. Any thread; other processes are called without locks. What
- * belongs to a process goes with it.
+ * belongs to a process goes with it, and no process can take so much that others find no room.
  *
  * Who registers an object is asked for its interfaces, by a call that a process may leave unanswered. That
  * costs a thread until the process ends, so at most kMostAsked registrations are under way at one time, and
@@ -34,7 +36,8 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
             const ::android::hardware::hidl_string& name) override;
     /**
      * False where a live process holds one of the object's names: then none of them is taken. Or where too
-     * many registrations are under way.
+     * many registrations are under way, or the names of this process, or of all, are too long together. The
+     * object is another process's.
      */
     ::android::hardware::Return<bool> add(
             const ::android::hardware::hidl_string& name,
@@ -65,10 +68,14 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     using Architecture = ::android::hidl::base::V1_0::DebugInfo::Architecture;
     using Key = std::pair<std::string, std::string>;  // interface and instance: the order of list()
 
-    // Ample for a device, and a bound on what one that registers in a loop can take of our memory.
-    static constexpr size_t kMostNames = 4096;
+    // Ample for a device. All names fit in one answer, that of debugDump(), with room for what else its
+    // reader is sent meanwhile.
+    static constexpr size_t kMostBytes = ::android::hardware::kMaxTransactionBytes * 3 / 4;
+    static constexpr size_t kMostBytesOfOne = kMostBytes / 8;
     static constexpr size_t kMostNotifications = 4096;
+    static constexpr size_t kMostNotificationsOfOne = kMostNotifications / 8;
     static constexpr size_t kLongestName = 255;
+    static constexpr size_t kLongestChain = 64;
 
     struct Service {
         Object object;
@@ -79,6 +86,7 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     struct Wish {
         Key key;
         Notification callback;
+        int32_t pid;
         uint64_t cookie;
     };
     struct Mourner;
@@ -90,9 +98,11 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
               int32_t* holderPid);
     void forget(uint64_t cookie);
     static bool isWanted(const Wish& wish, const Key& key);
-    static void tell(const Wish& wish, const Key& key, bool preexisting);
+    void tell(const Wish& wish, const Key& key, bool preexisting);
+    bool refuse(const std::string& name, const std::string& why);
 
     const ::android::sp<Mourner> mMourner;
+    ::android::hardware::Complaints mComplaints;
 
     std::mutex mLock;  // guards the rest
     std::map<Key, Service> mServices;
