@@ -30,7 +30,7 @@ modules=(virtio_ring virtio virtio_pci_modern_dev virtio_pci_legacy_dev virtio_p
 case $architecture in
     amd64)
         # A processor without the wide vectors is emulated faster.
-        machine=(qemu-system-x86_64 -machine "q35,accel=tcg" -cpu "${BINDER_CPU:-max,la57=off,avx=off,avx2=off}" -smp 1)
+        machine=(qemu-system-x86_64 -machine "q35,accel=tcg" -cpu "${BINDER_CPU:-max,la57=off,avx=off,avx2=off}" -smp 2)
         serial=ttyS0
         limit=15m # the tests take two minutes
         busybox=$(command -v busybox)

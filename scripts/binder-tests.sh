@@ -37,17 +37,17 @@ check() {
 
 # suite PROGRAM [ARG...]: the cases of one test program, then what it has left in the driver.
 suite() {
-    local name=$1 begin=$SECONDS
+    local name=$1 begin=$SECONDS code=0
     shift
     "$bin/$name" "$@" --gtest_brief=1 >"/tmp/$name.log" 2>&1 &
     program=$!
-    wait "$program" || true
+    wait "$program" || code=$?
     local good bad
     good=$(sed -nE 's/^\[  PASSED  \] ([0-9]+) tests?\.$/\1/p' "/tmp/$name.log")
     bad=$(grep -cE '^\[  FAILED  \] .* \([0-9]+ ms\)$' "/tmp/$name.log" || true)
-    if [[ -z $good || $bad != 0 ]]; then
+    if [[ -z $good || $bad != 0 || $code != 0 ]]; then
         grep -v '^hidl' "/tmp/$name.log" || true
-        [[ -n $good && $bad != 0 ]] || bad=$((bad + 1))
+        ((bad > 0)) || bad=1 # it ended before its last line, or after it
     fi
     passed=$((passed + ${good:-0}))
     failed=$((failed + bad))

@@ -25,28 +25,34 @@ status_t Proxy::linkToDeath(const sp<DeathRecipient>& recipient) {
     if (isParents()) {
         return INVALID_OPERATION;
     }
-    {
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (mDead) {
-            return DEAD_OBJECT;
-        }
-    }
+    status_t status = NO_MEMORY;
+    const DeathLink* mine = nullptr;
     try {
-        const status_t status = watch();
-        if (status != OK) {
-            return status;
-        }
         DeathLinks link;
         link.push_back({recipient, this});
-        const std::lock_guard<std::mutex> lock(mLock);
-        if (mDead) {
-            return DEAD_OBJECT;
+        mine = &link.front();
+        {
+            const std::lock_guard<std::mutex> lock(mLock);
+            if (mDead) {
+                return DEAD_OBJECT;
+            }
+            mLinks.splice(mLinks.end(), link);
         }
-        mLinks.splice(mLinks.end(), link);
-        return OK;
+        status = watch();  // a death that it meets is told at once, by another thread
     } catch (const std::bad_alloc&) {
-        return NO_MEMORY;
     }
+    if (status == OK || mine == nullptr) {
+        return status;
+    }
+    DeathLinks unwatched;  // ends outside the lock
+    const std::lock_guard<std::mutex> lock(mLock);
+    const auto link =
+            std::find_if(mLinks.begin(), mLinks.end(), [&](const DeathLink& each) { return &each == mine; });
+    if (link == mLinks.end()) {
+        return OK;  // it is being told
+    }
+    unwatched.splice(unwatched.end(), mLinks, link);
+    return status;
 }
 
 status_t Proxy::unlinkToDeath(const sp<DeathRecipient>& recipient) {

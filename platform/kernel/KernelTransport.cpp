@@ -72,9 +72,15 @@ status_t KernelTransport::describe(const sp<IBinder>& object, flat_binder_object
         return OK;
     }
     // Only what this transport received can be handed on over it.
-    const auto* const remote = dynamic_cast<const KernelProxy*>(object->remoteProxy());
+    auto* const remote = dynamic_cast<KernelProxy*>(object->remoteProxy());
     if (remote == nullptr) {
         return INVALID_OPERATION;
+    }
+    if (remote->handle() == 0) {
+        // Handle 0 may be called without being held, but only what is held is handed on.
+        if (const status_t status = mHandles.watch(remote); status != OK) {
+            return status;
+        }
     }
     form->hdr.type = BINDER_TYPE_HANDLE;
     form->handle = remote->handle();
