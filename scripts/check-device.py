@@ -110,12 +110,18 @@ def disagreements(root):
          re.findall(r"^    interface (.*)$", init, re.M))
     services = re.findall(r"^service \S+ (\S+)$", init, re.M)
 
-    hal = xml.etree.ElementTree.fromstring(read(f"service/{EXECUTABLE}.xml")).find("hal")
-    same("the manifest's package", (PACKAGE, "1.0", "hwbinder"),
-         tuple(hal.findtext(tag) for tag in ("name", "version", "transport")))
-    same("the manifest's interfaces", [(name, ["default"]) for name in registered],
-         [(entry.findtext("name"), [instance.text for instance in entry.findall("instance")])
-          for entry in hal.findall("interface")])
+    for file, what, transport in ((f"service/{EXECUTABLE}.xml", ("manifest", "device"), "hwbinder"),
+                                  ("service/compatibility_matrix.xml", ("compatibility-matrix", "framework"), None)):
+        whole = xml.etree.ElementTree.fromstring(read(file))
+        hals = whole.findall("hal")
+        same(f"{file} is a", what, (whole.tag, whole.get("type")))
+        same(f"{file}'s packages", [("hidl", PACKAGE, "1.0", transport)],
+             [(hal.get("format"), *(hal.findtext(tag) for tag in ("name", "version", "transport"))) for hal in hals])
+        same(f"{file}'s interfaces", [(name, ["default"]) for name in registered],
+             [(entry.findtext("name"), [instance.text for instance in entry.findall("instance")])
+              for hal in hals for entry in hal.findall("interface")])
+    if "service/compatibility_matrix.xml" not in read("docs/device.md"):
+        found.append("docs/device.md does not say where the compatibility matrix belongs")
 
     module = read("service/Android.bp")
     same("the executable's name", [EXECUTABLE], strings_of(module, "name"))
@@ -147,6 +153,9 @@ def check_itself(root):
         (f"service/{EXECUTABLE}.rc", "bin/hw/", "bin/"),
         (f"service/{EXECUTABLE}.xml", "<name>IZvtTvFApiTv</name>", "<name>IZvtTvFApiTV</name>"),
         (f"service/{EXECUTABLE}.xml", "<version>1.0<", "<version>1.1<"),
+        ("service/compatibility_matrix.xml", "<name>IZvtTvFApiTv</name>", "<name>IZvtTvFApiTV</name>"),
+        ("service/compatibility_matrix.xml", "<version>1.0<", "<version>1.1<"),
+        ("service/compatibility_matrix.xml", '"framework"', '"device"'),
         ("service/Android.bp", ".xml", ".vintf.xml"),
         ("sepolicy/hwservice_contexts", "IZvtTvFApiTv ", "IZvtTvFApiTvs "),
         ("sepolicy/file_contexts", "_default_exec", "_exec"),
