@@ -14,8 +14,11 @@ import xml.etree.ElementTree
 
 PACKAGE = "vendor.zentrovi.tv.zvttvfactory"
 EXECUTABLE = f"{PACKAGE}@1.0-service"
-FOLDERS = ("Android.bp", "docs/device.md", "interface", "adapters", "manager", "platform/hal", "service", "sepolicy")
+FOLDERS = ("Android.bp", "docs/device.md", "interface", "adapters", "manager", "platform/hal", "service", "sepolicy",
+           "tools/fapictl")
 ROOTS = ("-r", f"{PACKAGE}:interface", "-r", "android.hidl.base:platform/hal/base")
+# What a module names when, and only when, its sources include a header of that beginning.
+LIBRARIES = {"libcutils": "<cutils/", "cli11-headers": "<CLI/", "nlohmann-json-headers": "<nlohmann/"}
 # Whose clients may link the interface's library; see docs/device.md. The compiler writes the first.
 IMAGES = ("    product_specific: true,\n", "    system_ext_specific: true,\n", "")
 
@@ -59,11 +62,13 @@ def build_disagreements(root):
                     found.append(f"{where}: it is not for the vendor image")
             if not kind.startswith("cc_") or kind == "cc_prebuilt_library_shared":
                 continue
+            # With the headers beside the sources.
             sources = [file.parent / name for name in strings_of(body, "srcs")]
+            sources += [header for source in sources for header in source.parent.glob("*.h")]
             text = "".join(source.read_text() for source in sources if source.exists())
             libraries = strings_of(body, "shared_libs") + strings_of(body, "header_libs")
-            for library, header in (("libcutils", "<cutils/"),):
-                named = any(one.split("_")[0] == library for one in libraries)
+            for library, header in LIBRARIES.items():
+                named = library in libraries or f"{library}_headers" in libraries
                 if named != (header in text):
                     found.append(f"{where}: {library} is {'named and not used' if named else 'used and not named'}")
     return found
@@ -76,7 +81,7 @@ def interface_disagreements(root):
         return [f"the compiler refuses the interfaces: {answer.stderr}"]
     found = []
     written, module = compiler_module(root), (root / "interface/1.0/Android.bp").read_text()
-    if not any(module == written.replace(IMAGES[0], line) for line in IMAGES):
+    if not any(written.replace(IMAGES[0], line) in module for line in IMAGES):
         found.append(f"interface/1.0/Android.bp is not what the compiler writes:\n{written}")
     package = modules((root / "interface/Android.bp").read_text())
     if [(kind, strings_of(body, "name")) for _, kind, body in package] != [("hidl_package_root", [PACKAGE])]:
@@ -140,6 +145,15 @@ def disagreements(root):
     if [line for line, _ in labels[len(contexts):] if re.fullmatch(line, path)] == []:
         found.append(f"no line of the policy's file_contexts is for {path}")
 
+    of_host = re.search(r"add_library\(fapictl-lib STATIC(.*?)\)", read("tools/fapictl/CMakeLists.txt"), re.S)[1].split()
+    tool = read("tools/fapictl/Android.bp")
+    binary = next(body for _, kind, body in modules(tool) if kind == "cc_binary")
+    same("tools/fapictl/Android.bp's sources", of_host + ["main.cpp"], strings_of(binary, "srcs"))
+    same("the table's generator is given", [":zvttvfactory-hal-files"],
+         next(strings_of(body, "srcs") for _, kind, body in modules(tool) if kind == "genrule"))
+    for library in ("cli11-headers", "nlohmann-json-headers"):
+        if f'name: "{library}"' not in read("docs/device.md"):
+            found.append(f"docs/device.md does not say how {library} is declared")
     for folder in ("adapters", "manager", "service/frame"):
         same(f"{folder}/Android.bp's sources",
              sorted(str(source.relative_to(root / folder)) for source in (root / folder).rglob("*.cpp")),
@@ -166,6 +180,11 @@ def check_itself(root):
         ("docs/device.md", 'compile_multilib: "64"', 'compile_multilib: "both"'),
         ("manager/Android.bp", "    srcs: [", '    shared_libs: ["libcutils"],\n    srcs: ['),
         ("service/frame/Android.bp", '    header_libs: ["libcutils_headers"],\n', ""),
+        ("tools/fapictl/Android.bp", '        "Wait.cpp",\n', ""),
+        ("tools/fapictl/Android.bp", '        "cli11-headers",\n', ""),
+        ("tools/fapictl/Android.bp", '    shared_libs: ["libcutils"],\n', ""),
+        ("tools/fapictl/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
+        ("docs/device.md", 'name: "cli11-headers"', 'name: "cli11"'),
         ("interface/Android.bp", "use_current: true", "use_current: false"),
         ("interface/1.0/Android.bp", "product_specific", "soc_specific"),
         ("interface/1.0/Android.bp", '        "IZvtTvFApiTv.hal",\n', ""),
