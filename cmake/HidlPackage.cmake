@@ -33,6 +33,10 @@ function(hidl_package target)
     endforeach()
 
     set_property(GLOBAL APPEND PROPERTY HIDL_FILES ${inputs})
+    # The compiler takes no other files than those whose hashes are recorded, and generates the hashes.
+    if(EXISTS "${arg_ROOT}/current.txt")
+        set_property(GLOBAL APPEND PROPERTY HIDL_FILES "${arg_ROOT}/current.txt")
+    endif()
     get_property(files GLOBAL PROPERTY HIDL_FILES)
 
     add_custom_command(

@@ -7,22 +7,38 @@ make-reference.py FAPICTL --check     fails when it is not up to date
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
 
-PAGE = pathlib.Path(__file__).parent.parent / "docs" / "reference.md"
+DOCS = pathlib.Path(__file__).parent.parent / "docs"
+PAGE = DOCS / "reference.md"
+# Where board.md lists the numbers that the simulated board's library gives an interface's things.
+NUMBERS = {
+    "Audio": "audio",
+    "Display": "numbers",
+    "DisplayTest": "numbers",
+    "Information": "information",
+    "InputSource": "input-sources",
+    "Peripheral": "peripherals",
+    "System": "system",
+}
 
 
-def cell(text):
-    return " ".join(text.split()).replace("|", "\\|")
+def cell(text, interface):
+    """A table's cell, with links to what it refers to."""
+    text = " ".join(text.split()).replace("|", "\\|")
+    text = text.replace("the interface's comment", f"[the interface's comment](#{interface.lower()})")
+    return re.sub(r"(?:the (?:chip-layer )?)?library's number(?:ing|s)?\b|which is the library's\b",
+                  lambda found: f"[{found[0]}](board.md#{NUMBERS[interface]})", text)
 
 
-def table(heading, entries):
+def table(heading, entries, interface):
     yield f"| {heading} | type | |"
     yield "|---|---|---|"
     for entry in entries:
         unit = f"[{entry['unit']}] " if entry.get("unit") else ""
-        yield f"| `{entry['name']}` | `{entry['type']}` | {cell(unit + entry.get('doc', ''))} |"
+        yield f"| `{entry['name']}` | `{entry['type']}` | {cell(unit + entry.get('doc', ''), interface)} |"
     yield ""
 
 
@@ -30,7 +46,7 @@ def page(interfaces):
     yield "# Every method"
     yield ""
     yield ("Written by `scripts/make-reference.py` from the comments of `interface/1.0/*.hal`, which are the reference. "
-           "A bracket gives the unit.")
+           "A bracket gives the unit. Numbers that are the library's lead to those of the [simulated board](board.md).")
     yield ""
     methods = sum(len(interface["methods"]) for interface in interfaces if interface["service"])
     services = [interface for interface in interfaces if interface["service"]]
@@ -42,7 +58,8 @@ def page(interfaces):
     yield ""
     described = set()
     for interface in interfaces:
-        yield f"## {interface['shortName']}"
+        short = interface["shortName"]
+        yield f"## {short}"
         yield ""
         yield f"`{interface['interface']}`"
         yield ""
@@ -55,9 +72,9 @@ def page(interfaces):
                 yield method["doc"]
                 yield ""
             if method["arguments"]:
-                yield from table("argument", method["arguments"])
+                yield from table("argument", method["arguments"], short)
             if method["results"]:
-                yield from table("result", method["results"])
+                yield from table("result", method["results"], short)
         for name, kind in (interface["types"] or {}).items():
             if name in described:
                 continue
@@ -65,12 +82,12 @@ def page(interfaces):
             yield f"### {name}"
             yield ""
             if "fields" in kind:
-                yield from table("field", kind["fields"])
+                yield from table("field", kind["fields"], short)
             else:
                 yield "| enumerator | value | |"
                 yield "|---|---|---|"
                 for entry in kind["enumerators"]:
-                    yield f"| `{entry['name']}` | {entry['value']} | {cell(entry.get('doc', ''))} |"
+                    yield f"| `{entry['name']}` | {entry['value']} | {cell(entry.get('doc', ''), short)} |"
                 yield ""
 
 
@@ -78,6 +95,10 @@ def main():
     if len(sys.argv) not in (2, 3) or sys.argv[2:] not in ([], ["--check"]):
         sys.exit(__doc__)
     answer = subprocess.run([sys.argv[1], "introspect", "--json"], check=True, capture_output=True, text=True)
+    headings = re.findall(r"^#+ (.*)$", (DOCS / "board.md").read_text(), re.M)
+    lost = set(NUMBERS.values()) - {heading.lower().replace(" ", "-") for heading in headings}
+    if lost:
+        sys.exit(f"docs/board.md has no section {', '.join(sorted(lost))} any longer, to which numbers lead")
     text = "\n".join(page(json.loads(answer.stdout))).rstrip("\n") + "\n"
     if sys.argv[2:] != ["--check"]:
         PAGE.write_text(text)

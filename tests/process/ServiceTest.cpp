@@ -4,6 +4,7 @@
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiInformation.h>
 
 #include <atomic>
+#include <map>
 
 #include "tests/process/ServiceFixture.h"
 
@@ -66,6 +67,31 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
                         .isOk());
     EXPECT_EQ(0, status);
     EXPECT_TRUE(std::filesystem::exists(mState + "/ini/pq.ini")) << "the custom library has been started";
+}
+
+TEST_F(ServiceTest, EachInterfaceAnswersTheRecordedHashOfItsFile) {
+    startAndWait();
+    std::map<std::string, std::string> recorded;
+    std::ifstream file(ZVTTV_SOURCE "/interface/current.txt");
+    for (std::string line; std::getline(file, line);) {
+        const size_t space = line.find(' ');
+        recorded[line.substr(space + 1)] = line.substr(0, space);
+    }
+    for (const std::string& name : kInterfaces) {
+        std::string told;
+        const auto asked = android::hardware::defaultServiceManager()
+                                   ->get(descriptorOf(name), "default")
+                                   .withDefault(nullptr)
+                                   ->getHashChain([&](const auto& hashes) {
+                                       ASSERT_EQ(2u, hashes.size()) << "the interface's and its base's";
+                                       for (size_t i = 0; i < hashes[0].size(); ++i) {
+                                           const char digits[] = "0123456789abcdef";
+                                           told += {digits[hashes[0][i] >> 4], digits[hashes[0][i] & 15]};
+                                       }
+                                   });
+        EXPECT_TRUE(asked.isOk());
+        EXPECT_EQ(recorded[descriptorOf(name)], told) << name;
+    }
 }
 
 TEST_F(ServiceTest, TheDebugLevelsLowByteDecidesWhetherAnythingIsLogged) {

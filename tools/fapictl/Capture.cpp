@@ -13,6 +13,13 @@
 namespace fapictl {
 namespace {
 
+/** A set has no folder that stands for its USB storage: only the library knows where the file goes. */
+#ifdef __ANDROID__
+constexpr bool kBoardIsSimulated = false;
+#else
+constexpr bool kBoardIsSimulated = true;
+#endif
+
 std::string environment(const char* name) {
     const char* value = std::getenv(name);
     return value == nullptr ? "" : value;
@@ -64,6 +71,11 @@ const std::vector<std::string>& captureLayers() {
 }
 
 Exit capture(const Context& context) {
+    if (!kBoardIsSimulated) {
+        throw Failure(Exit::Usage,
+                      "capture brings the picture of a simulated board; on a set, call display "
+                      "capture_screen_to_usb NAME LAYERS and take the file from the USB storage");
+    }
     const std::vector<std::string>& words = context.options.words;
     const std::vector<std::string>& layers = captureLayers();
     const std::string asked = words.size() > 1 ? words[1] : layers[0];

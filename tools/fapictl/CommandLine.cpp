@@ -84,7 +84,7 @@ constexpr const char* kCaptureHelp =
         "machine, that "
         "is the\n"
         "folder files/usb of the state directory: $ZVTTV_STATE_DIR, else $XDG_STATE_HOME/zvttvfactory, else\n"
-        "~/.local/state/zvttvfactory, and it must be the service's. For another board, call "
+        "~/.local/state/zvttvfactory, and it must be the service's. Not on a set: there, call "
         "capture_screen_to_usb.\n\n"
         "  fapictl capture panel.png\n"
         "  fapictl capture - graphics > graphics.png\n";

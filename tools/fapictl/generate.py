@@ -1,49 +1,16 @@
 #!/usr/bin/env python3
 """Writes fapictl's table of one package: its interfaces, methods, records and enumerations as C++.
 
-Structure comes from the interface compiler's own description of the package, comments from the .hal files.
-A comment's @param or @return text may begin with the value's unit in brackets: "@return u32Freq [Hz] ...",
-and so may the comment of a record's field.
+Everything comes from the .hal files, which the interface compiler takes or refuses: here they are only read. A
+comment's @param or @return text may begin with the value's unit in brackets: "@return u32Freq [Hz] ...", and so may
+the comment of a record's field.
 """
 
 import argparse
 import json
 import re
-import subprocess
 import sys
-import tempfile
 from pathlib import Path
-
-
-def parse_description(text):
-    """Parses the compiler's description: `key: value` and `key: { ... }`, a list of pairs in order."""
-    tokens = re.findall(r'"[^"]*"|[{}]|[^\s{}"]+', text)
-    position = 0
-
-    def block():
-        nonlocal position
-        pairs = []
-        while position < len(tokens) and tokens[position] != "}":
-            key = tokens[position].rstrip(":")
-            value = tokens[position + 1]
-            position += 2
-            if value == "{":
-                value = block()
-                position += 1
-            else:
-                value = value.strip('"')
-            pairs.append((key, value))
-        return pairs
-
-    return block()
-
-
-def every(pairs, key):
-    return [value for name, value in pairs if name == key]
-
-
-def one(pairs, key, default=None):
-    return next(iter(every(pairs, key)), default)
 
 
 class Comment:
@@ -67,94 +34,160 @@ class Comment:
         return re.sub(r"\s+", " ", text).replace("\0", "\n")
 
 
-def read_comments(source):
-    """Maps each declaration's path ("IThing", "IThing.method", "Record.field") to its comment and whether it is
-    one-way. Every declaration ends at ';', ',' or the '{' of its body."""
-    pattern = r"/\*\*(?P<doc>.*?)\*/|/\*.*?\*/|//[^\n]*|(?P<word>[\w.@:]+)|(?P<mark>[{}();,=<>\[\]])|\"[^\"]*\""
-    found, scopes, words, doc, depth = {}, [], [], "", 0
-    for token in re.finditer(pattern, source, re.S):
-        if token["doc"] is not None and depth == 0 and not words:
-            doc = token["doc"]
-        elif token["word"] and depth == 0:
-            if not token["word"].startswith("@"):
-                words.append(token["word"].rstrip(":"))
-        elif token["mark"]:
-            mark = token["mark"]
-            if mark in "(<[":
-                # The method's name stands before its first parenthesis; what is inside names nothing here.
-                if mark == "(" and depth == 0 and "(" not in words:
-                    words.append("(")
-                depth += 1
-            elif mark in ")>]":
-                depth -= 1
-            elif depth == 0 and mark == "=":
-                words.append("=")
-            elif depth == 0 and mark in "{};,":
-                if words and words[0] not in ("package", "import"):
-                    if mark == "{" or "(" in words:
-                        at = words.index("(") - 1 if "(" in words else 1
-                    else:
-                        at = words.index("=") - 1 if "=" in words else len(words) - 1
-                    name = words[at] if at < len(words) else ""
-                    found[".".join(scopes + [name])] = (Comment(doc), words[0] == "oneway")
-                    if mark == "{":
-                        scopes.append(name)
-                elif mark == "{":
-                    scopes.append("")
-                if mark == "}":
-                    scopes.pop()
-                if words or mark in "{}":
-                    doc = ""
-                words = []
-    return found
+# Types that the tool cannot write, by the first word of each.
+FORMLESS = {"float", "double", "handle", "memory", "pointer", "bitfield", "fmq_sync", "fmq_unsync"}
+INTEGERS = {f"{sign}int{bits}_t" for sign in ("", "u") for bits in (8, 16, 32, 64)}
+
+
+class Interface:
+    def __init__(self, name):
+        self.name, self.methods = name, []
+
+
+class Method:
+    def __init__(self, name, oneway, arguments, results):
+        self.name, self.oneway, self.arguments, self.results = name, oneway, arguments, results
 
 
 class Package:
+    """What the .hal files declare. Paths are of names inside the package: "Record.Inner", "IThing.Record"."""
+
     def __init__(self, name):
         self.name, self.interfaces, self.records, self.enumerations = name, [], [], []
         self.comments, self.client_implemented = {}, set()
 
     def comment(self, *path):
-        return self.comments.get(".".join(path), (Comment(), False))[0]
+        return self.comments.get(".".join(path), Comment())
 
-    def add(self, description):
-        interface = one(description, "interface")
-        for attribute in every(interface or description, "attribute"):
-            self.add_type(attribute)
-        if interface is not None:
-            name = one(description, "component_name")
-            methods = [api for api in every(interface, "api") if one(api, "is_inherited") == "false"]
-            self.interfaces.append((name, methods))
-            for argument in (argument for api in methods for argument in every(api, "arg")):
-                if one(argument, "type") == "TYPE_HIDL_INTERFACE":
-                    self.client_implemented.add(one(argument, "predefined_type").rsplit("::", 1)[1])
 
-    def add_type(self, attribute):
-        name, kind = one(attribute, "name"), one(attribute, "type")
-        for inner in every(attribute, "sub_struct"):
-            self.add_type(inner)
-        if kind == "TYPE_STRUCT":
-            fields = every(attribute, "struct_value")
-            for field in fields:
-                check(field, f"{name}::{one(field, 'name')}")
-            self.records.append((name, [one(field, "name") for field in fields]))
-        elif kind == "TYPE_ENUM":
-            self.enumerations.append((name, every(one(attribute, "enum_value"), "enumerator")))
+class Parser:
+    """Reads one .hal file, which the interface compiler has found right, into a package."""
+
+    TOKEN = re.compile(r"/\*\*(?P<doc>.*?)\*/|/\*.*?\*/|//[^\n]*|\"[^\"]*\"|"
+                       r"(?P<plain>[\w.@]+(?:::[\w.@]+)*|[^\s\w])", re.S)
+
+    def __init__(self, package, source):
+        self.package = package
+        # A comment belongs to the token behind it.
+        self.tokens, self.docs, doc = [], [], ""
+        for token in self.TOKEN.finditer(source):
+            if token["doc"] is not None:
+                doc = token["doc"]
+            elif token["plain"]:
+                self.tokens.append(token["plain"])
+                self.docs.append(doc)
+                doc = ""
+        self.position = 0
+        self.fields = []  # of the record that is being read
+
+    def take(self):
+        self.position += 1
+        return self.tokens[self.position - 1]
+
+    def until(self, *ends):
+        """The tokens up to one of the ends outside brackets; the end is left."""
+        begin, depth = self.position, 0
+        while depth > 0 or self.tokens[self.position] not in ends:
+            depth += {"(": 1, "<": 1, "[": 1, ")": -1, ">": -1, "]": -1}.get(self.tokens[self.position], 0)
+            self.position += 1
+        return self.tokens[begin:self.position]
+
+    def file(self):
+        while self.position < len(self.tokens):
+            if self.tokens[self.position] in ("package", "import"):
+                self.until(";")
+                self.take()
+            else:
+                self.declaration([])
+
+    def declaration(self, scope):
+        """One declaration of a scope, up to the semicolon behind it."""
+        doc = self.docs[self.position]
+        while self.tokens[self.position].startswith("@"):
+            self.take()
+            if self.tokens[self.position] == "(":
+                self.take()
+                self.until(")")
+                self.take()
+        kind = self.tokens[self.position]
+        if kind in ("union", "safe_union", "typedef"):
+            sys.exit(f"{'.'.join(scope + [self.tokens[self.position + 1]])}: fapictl has no form for a {kind}")
+        if kind in ("interface", "struct", "enum"):
+            self.take()
+            path = scope + [self.take()]
+            self.package.comments[".".join(path)] = Comment(doc)
+            base = self.until("{")
+            self.take()
+            {"interface": self.interface, "struct": self.record, "enum": self.enumeration}[kind](path, base)
+            self.take()
+        elif scope and self.package.interfaces and scope == [self.package.interfaces[-1].name]:
+            self.method(scope, doc)
         else:
-            sys.exit(f"{name}: fapictl has no form for a {kind}")
+            name = self.value(self.until(";"), scope)
+            self.package.comments[".".join(scope + [name])] = Comment(doc)
+            self.fields.append(name)
+        self.take()
 
+    def interface(self, path, _):
+        self.package.interfaces.append(Interface(path[0]))
+        while self.tokens[self.position] != "}":
+            self.declaration(path)
 
-SUPPORTED = {"TYPE_SCALAR", "TYPE_STRING", "TYPE_ENUM", "TYPE_STRUCT", "TYPE_ARRAY", "TYPE_VECTOR",
-             "TYPE_HIDL_INTERFACE"}
+    def record(self, path, _):
+        outer, self.fields = self.fields, []
+        while self.tokens[self.position] != "}":
+            self.declaration(path)
+        self.package.records.append((path, self.fields))
+        self.fields = outer
 
+    def enumeration(self, path, base):
+        if base[1:] and base[1] not in INTEGERS:
+            sys.exit(f"{'.'.join(path)}: fapictl has no form for an enumeration that extends another")
+        names = []
+        while self.tokens[self.position] != "}":
+            doc = self.docs[self.position]
+            names.append(self.until(",", "}")[0])
+            self.package.comments[".".join(path + [names[-1]])] = Comment(doc)
+            if self.tokens[self.position] == ",":
+                self.take()
+        self.package.enumerations.append((path, names))
 
-def check(value, where):
-    """Stops the build with the place in the interface rather than with pages of template errors."""
-    kind = one(value, "type")
-    if kind not in SUPPORTED or one(value, "scalar_type") in ("float_t", "double_t"):
-        sys.exit(f"{where}: fapictl has no form for a {one(value, 'scalar_type', kind)}")
-    if kind in ("TYPE_ARRAY", "TYPE_VECTOR"):
-        check(one(value, "vector_value"), where)
+    def method(self, scope, doc):
+        oneway = self.tokens[self.position] == "oneway"
+        if oneway:
+            self.take()
+        name = self.take()
+        where = scope + [name]
+        arguments = self.values(where)
+        results = []
+        if self.tokens[self.position] == "generates":
+            self.take()
+            results = self.values(where)
+        self.package.comments[".".join(where)] = Comment(doc)
+        self.package.interfaces[-1].methods.append(
+            Method(name, oneway, [name for name, _ in arguments], [name for name, _ in results]))
+        self.package.client_implemented.update(word for _, words in arguments for word in words)
+
+    def values(self, where):
+        """A list in parentheses: the name of each value, and the words of its type."""
+        self.take()
+        found = []
+        while self.tokens[self.position] != ")":
+            words = self.until(",", ")")
+            found.append((self.value(words, where), words[:-1]))
+            if self.tokens[self.position] == ",":
+                self.take()
+        self.take()
+        return found
+
+    @staticmethod
+    def value(words, where):
+        """The name of a value. Stops the build with the place in the interface rather than with pages of template
+        errors."""
+        for word in words[:-1]:
+            if word in FORMLESS:
+                sys.exit(f"{'.'.join(where)}, {words[-1]}: fapictl has no form for a {word}")
+        return words[-1]
 
 
 def literal(text):
@@ -167,21 +200,17 @@ def label(name, text):
                              literal(text[unit.end():] if unit else text))
 
 
-def path_of(cpp_name, namespace):
-    return cpp_name[len(namespace):].split("::")
-
-
 def write(package, function, header, namespace, include, out):
     def emit(text):
         out.write(text + "\n")
 
     emit(f"// Generated by tools/fapictl/generate.py from {package.name}. Do not edit.\n")
     emit(f'#include "{header}"\n')
-    for name, _ in package.interfaces:
-        emit(f"#include <{include}/{name}.h>")
+    for interface in package.interfaces:
+        emit(f"#include <{include}/{interface.name}.h>")
     emit('\n#include "tools/fapictl/Bind.h"\n\nnamespace fapictl {\n')
-    for name, enumerators in package.enumerations:
-        path = path_of(name, namespace)
+    for path, enumerators in package.enumerations:
+        name = namespace + "::".join(path)
         emit(f"template <>\nstruct Enumeration<{name}> {{")
         emit(f'    static constexpr const char* name = {literal(".".join(path))};')
         emit("    static std::vector<Enumerator> enumerators() {\n        return {")
@@ -190,8 +219,8 @@ def write(package, function, header, namespace, include, out):
                  f"Codec<{name}>::toJson({name}::{enumerator}), "
                  f"{literal(package.comment(*path, enumerator).text)}}},")
         emit("        };\n    }\n};\n")
-    for name, fields in package.records:
-        path = path_of(name, namespace)
+    for path, fields in package.records:
+        name = namespace + "::".join(path)
         emit(f"template <>\nstruct Record<{name}> {{")
         emit(f'    static constexpr const char* name = {literal(".".join(path))};')
         members = ", ".join(f"&{name}::{field}" for field in fields)
@@ -202,21 +231,17 @@ def write(package, function, header, namespace, include, out):
         emit("        };\n    }\n};\n")
     emit(f"const Package& {function}() {{")
     emit(f"    static const Package package = {{\n        {literal(package.name)},\n        {{")
-    for name, methods in package.interfaces:
+    for interface in package.interfaces:
+        name = interface.name
         is_service = "false" if name in package.client_implemented else "true"
         emit(f"            interfaceOf<{namespace}{name}>(")
         emit(f"                {literal(name)}, {literal(package.comment(name).text)}, {is_service}, {{")
-        for api in methods:
-            method = one(api, "name")
-            comment, oneway = package.comments.get(f"{name}.{method}", (Comment(), False))
-            sides = []
-            for key in ("arg", "return_type_hidl"):
-                for value in every(api, key):
-                    check(value, f"{name}.{method}, {one(value, 'name')}")
-                names = [one(value, "name") for value in every(api, key)]
-                sides.append("{" + ", ".join(label(one, comment.tags.get(one, "")) for one in names) + "}")
-            emit(f"                    methodOf<&{namespace}{name}::{method}>({literal(method)},")
-            emit(f"                        {literal(comment.text)}, {'true' if oneway else 'false'},")
+        for method in interface.methods:
+            comment = package.comment(name, method.name)
+            sides = ["{" + ", ".join(label(one, comment.tags.get(one, "")) for one in side) + "}"
+                     for side in (method.arguments, method.results)]
+            emit(f"                    methodOf<&{namespace}{name}::{method.name}>({literal(method.name)},")
+            emit(f"                        {literal(comment.text)}, {'true' if method.oneway else 'false'},")
             emit(f"                        {sides[0]},\n                        {sides[1]}),")
         emit("                }),")
     emit("        },\n    };\n    return package;\n}\n\n}  // namespace fapictl")
@@ -224,9 +249,7 @@ def write(package, function, header, namespace, include, out):
 
 def main():
     options = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    options.add_argument("--hidl-gen", required=True, help="the interface compiler")
     options.add_argument("--package", required=True, help="name@version")
-    options.add_argument("--root", action="append", required=True, help="package:folder, as for the compiler")
     options.add_argument("--function", required=True, help="name of the generated function")
     options.add_argument("--header", required=True, help="declares that function")
     options.add_argument("--output", required=True)
@@ -236,13 +259,8 @@ def main():
     name, version = given.package.split("@")
     folder = f"{name.replace('.', '/')}/{version}"
     package = Package(given.package)
-    with tempfile.TemporaryDirectory() as scratch:
-        roots = [word for root in given.root for word in ("-r", root)]
-        subprocess.run([given.hidl_gen, "-R", "-L", "vts", "-o", scratch, *roots, given.package], check=True)
-        for file in sorted(Path(scratch, folder).glob("*.vts")):
-            package.add(parse_description(file.read_text()))
-    for file in given.hal:
-        package.comments.update(read_comments(Path(file).read_text()))
+    for file in sorted(map(Path, given.hal)):
+        Parser(package, file.read_text()).file()
     namespace = f"::{name.replace('.', '::')}::V{version.replace('.', '_')}::"
     with open(given.output, "w") as out:
         write(package, given.function, given.header, namespace, folder, out)
