@@ -14,8 +14,10 @@ function(hidl_package target)
     string(REGEX REPLACE "@.*" "" name "${arg_PACKAGE}")
     string(REGEX REPLACE ".*@" "" version "${arg_PACKAGE}")
     string(REPLACE "." "/" path "${name}")
-    set_property(GLOBAL APPEND PROPERTY HIDL_ROOTS "-r${name}:${arg_ROOT}")
     get_property(roots GLOBAL PROPERTY HIDL_ROOTS)
+    list(APPEND roots "-r${name}:${arg_ROOT}")
+    list(REMOVE_DUPLICATES roots)  # versions of one package share theirs
+    set_property(GLOBAL PROPERTY HIDL_ROOTS "${roots}")
 
     set(out "${CMAKE_CURRENT_BINARY_DIR}/${target}.gen")
     set(inputs "")

@@ -3,10 +3,9 @@
 #include <new>
 #include <system_error>
 
-#include "simulator/ForcedStatus.h"
 #include "simulator/Status.h"
 
-// What the bodies of the chip-layer functions share. Each begins with FORCED_STATUS().
+// What the bodies of the chip-layer functions share.
 
 namespace simulator {
 

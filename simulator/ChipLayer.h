@@ -9,3 +9,7 @@
 #pragma GCC visibility push(default)
 #include "chiplayer/chiplayer.h"
 #pragma GCC visibility pop
+
+// The library's functions themselves are generated: each asks whether a status is forced, and calls the one
+// of that name in the sources, which has another name for the linker.
+#include <ChipNames.inc>

@@ -6,24 +6,13 @@
 #include <cstring>
 #include <sstream>
 
-// The section's bounds, from the linker: none where nothing defines a function.
-extern "C" {
-extern simulator::ForcePoint __start_force_points[] __attribute__((weak, visibility("hidden")));
-extern simulator::ForcePoint __stop_force_points[] __attribute__((weak, visibility("hidden")));
-}
-
 namespace simulator {
 namespace {
 
 constexpr char kPrefix[] = "a_zvttvfapi_";
 
-struct Points {
-    ForcePoint* begin() const { return __start_force_points; }
-    ForcePoint* end() const { return __stop_force_points; }
-};
-
 ForcePoint* find(const std::string& name) {
-    for (ForcePoint& point : Points()) {
+    for (ForcePoint& point : forcePoints()) {
         if (name == point.function() || kPrefix + name == point.function()) {
             return &point;
         }
@@ -63,6 +52,11 @@ const bool sForcedFromEnvironment = forceFromEnvironment();
 
 }  // namespace
 
+// For what holds the board's parts without its functions.
+__attribute__((weak)) ForcePoints forcePoints() {
+    return {nullptr, nullptr};
+}
+
 bool ForcePoint::takeOne(int32_t* status) {
     uint64_t order = mOrder.load();
     uint64_t left;
@@ -88,7 +82,7 @@ std::string forceStatus(const std::string& order) {
     std::string function, status, calls, more;
     words >> function >> status >> calls >> more;
     if (function == "clear" && status.empty()) {
-        for (ForcePoint& point : Points()) {
+        for (ForcePoint& point : forcePoints()) {
             point.set(0, 0);
         }
         return {};
@@ -117,7 +111,7 @@ std::string forceStatus(const std::string& order) {
 
 std::string describeForcedStatuses() {
     std::string text;
-    for (const ForcePoint& point : Points()) {
+    for (const ForcePoint& point : forcePoints()) {
         int32_t status = 0;
         const uint32_t calls = point.pending(&status);
         if (calls != 0) {

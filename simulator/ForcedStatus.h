@@ -7,10 +7,10 @@
 namespace simulator {
 
 /**
- * Where one chip-layer function can be told to return a status instead of doing its work. FORCED_STATUS()
- * makes one in each function; orders find it by the function's name. Any thread.
+ * Where one chip-layer function can be told to return a status instead of doing its work. Orders find it by
+ * the function's name. Any thread.
  */
-class alignas(16) ForcePoint {
+class ForcePoint {
   public:
     static constexpr uint32_t kAlways = UINT32_MAX;
 
@@ -36,21 +36,16 @@ class alignas(16) ForcePoint {
     // Calls left in the upper half, their status in the lower.
     std::atomic<uint64_t> mOrder{0};
 };
-static_assert(sizeof(ForcePoint) == alignof(ForcePoint),
-              "they follow each other in their section, without gaps");
 
-/**
- * The first statement of every chip-layer function, whatever its result's meaning:
- *
- *     int32_t a_zvttvfapi_net_set_mac(unsigned int* pu32Mac) {
- *         FORCED_STATUS();
- *
- * A test fails for an exported function without it.
- */
-#define FORCED_STATUS()                                                                                   \
-    static ::simulator::ForcePoint sForcePoint __attribute__((section("force_points"), used)) (__func__); \
-    if (int32_t forcedStatus = 0; sForcePoint.take(&forcedStatus))                                        \
-    return forcedStatus
+/** One for each function that the library defines. forced.py writes them, and the functions that ask them. */
+struct ForcePoints {
+    ForcePoint* first;
+    ForcePoint* last;
+
+    ForcePoint* begin() const { return first; }
+    ForcePoint* end() const { return last; }
+};
+ForcePoints forcePoints();
 
 /**
  * Carries out an order:

@@ -20,7 +20,6 @@ namespace simulator {
  *         return sModule;
  *     }
  *     int32_t a_zvttvfapi_sys_init() {
- *         FORCED_STATUS();  // as each of the module's functions, see simulator/ForcedStatus.h
  *         return self().init();
  *     }
  *

@@ -50,7 +50,6 @@ int32_t setBand(const unsigned short* band, unsigned number, const unsigned shor
 }  // namespace
 
 int32_t a_zvttvfapi_aud_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t status = self().init();
         if (status == kOk) {
@@ -63,29 +62,24 @@ int32_t a_zvttvfapi_aud_init() {
 }
 
 int32_t a_zvttvfapi_aud_deinit() {
-    FORCED_STATUS();
     return self().deinit();
 }
 
 int32_t a_zvttvfapi_aud_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 
 int32_t a_zvttvfapi_aud_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_aud_adv_snd_enable(unsigned int* pu32Processing) {
-    FORCED_STATUS();
     return change(given(pu32Processing), sound::kProcessing,
                   [&](Values& values) { values[0] = *pu32Processing; });
 }
 
 int32_t a_zvttvfapi_aud_adv_snd_enable_sub(unsigned int* pu32Processing, unsigned int* pu32Part,
                                            unsigned char* pu8Enable) {
-    FORCED_STATUS();
     const bool good = given(pu32Processing, pu32Part, pu8Enable) && *pu32Processing >= 1 &&
                       *pu32Processing <= kProcessingCount &&
                       *pu32Part < kProcessings[*pu32Processing - 1].parts && *pu8Enable <= 1;
@@ -97,31 +91,26 @@ int32_t a_zvttvfapi_aud_adv_snd_enable_sub(unsigned int* pu32Processing, unsigne
 }
 
 int32_t a_zvttvfapi_aud_adv_snd_set_param(unsigned int* pu32ParamSet) {
-    FORCED_STATUS();
     return change(given(pu32ParamSet), sound::kParamSet, [&](Values& values) { values[0] = *pu32ParamSet; });
 }
 
 int32_t a_zvttvfapi_aud_adv_set_prescale(unsigned char* pu8Enable, unsigned short* pu16Gain) {
-    FORCED_STATUS();
     return change(given(pu8Enable, pu16Gain), sound::kPrescale, [&](Values& values) {
         values = {*pu8Enable, signedCell(*pu16Gain)};
     });
 }
 
 int32_t a_zvttvfapi_aud_adv_set_NR(unsigned char* pu8Enable, unsigned short* pu16Level) {
-    FORCED_STATUS();
     return change(given(pu8Enable, pu16Level), sound::kNoiseReduction, [&](Values& values) {
         values = {*pu8Enable, *pu16Level};
     });
 }
 
 int32_t a_zvttvfapi_aud_adv_set_speaker_delay(unsigned int* pu32Delay) {
-    FORCED_STATUS();
     return change(given(pu32Delay), sound::kSpeakerDelay, [&](Values& values) { values[0] = *pu32Delay; });
 }
 
 int32_t a_zvttvfapi_aud_adv_get_speaker_delay(unsigned int* pu32Delay) {
-    FORCED_STATUS();
     return guarded([&] {
         if (!given(pu32Delay)) {
             return kOutOfRange;
@@ -132,13 +121,11 @@ int32_t a_zvttvfapi_aud_adv_get_speaker_delay(unsigned int* pu32Delay) {
 }
 
 int32_t a_zvttvfapi_aud_adv_set_volume(unsigned int* pu32Path, unsigned int* pu32Volume) {
-    FORCED_STATUS();
     return change(given(pu32Path, pu32Volume) && *pu32Path < kAudioPaths, sound::kVolume,
                   [&](Values& volumes) { volumes[*pu32Path] = *pu32Volume; });
 }
 
 int32_t a_zvttvfapi_aud_adv_get_volume(unsigned int* pu32Path, unsigned int* pu32Volume) {
-    FORCED_STATUS();
     return guarded([&] {
         if (!given(pu32Path, pu32Volume) || *pu32Path >= kAudioPaths) {
             return kOutOfRange;
@@ -149,23 +136,19 @@ int32_t a_zvttvfapi_aud_adv_get_volume(unsigned int* pu32Path, unsigned int* pu3
 }
 
 int32_t a_zvttvfapi_aud_adv_set_peq_q_value(unsigned short* pu16Band, unsigned short* pu16Q) {
-    FORCED_STATUS();
     return setBand(pu16Band, kQ, pu16Q);
 }
 
 int32_t a_zvttvfapi_aud_adv_set_peq_freq_value(unsigned short* pu16Band, unsigned short* pu16Frequency) {
-    FORCED_STATUS();
     return setBand(pu16Band, kFrequency, pu16Frequency);
 }
 
 int32_t a_zvttvfapi_aud_adv_set_peq_gain_value(unsigned short* pu16Band, unsigned short* pu16Gain) {
-    FORCED_STATUS();
     return setBand(pu16Band, kGain, pu16Gain);
 }
 
 int32_t a_zvttvfapi_aud_adv_set_peq_value(unsigned short* pu16Band, unsigned short* pu16Q,
                                           unsigned short* pu16Frequency, unsigned short* pu16Gain) {
-    FORCED_STATUS();
     const bool good = given(pu16Band, pu16Q, pu16Frequency, pu16Gain) && *pu16Band < kParametricBands;
     return change(good, sound::kParametricEq, [&](Values& bands) {
         int64_t* const band = &bands[kBandNumbers * *pu16Band];
@@ -177,14 +160,12 @@ int32_t a_zvttvfapi_aud_adv_set_peq_value(unsigned short* pu16Band, unsigned sho
 
 int32_t a_zvttvfapi_aud_adv_enable_basic_sound_effect(e_zvttvfapi_aud_basic_snd_type eType,
                                                       unsigned char u8Enable) {
-    FORCED_STATUS();
     return change(static_cast<uint32_t>(eType) < kBasicEffects, sound::kEffects,
                   [&](Values& effects) { effects[static_cast<size_t>(eType)] = u8Enable; });
 }
 
 int32_t a_zvttvfapi_aud_basic_snd_set_param(e_zvttvfapi_aud_basic_snd_type eType,
                                             fapi_core::ZvtTvFApiAudBasicSoundParam_t const* pstParam) {
-    FORCED_STATUS();
     if (!given(pstParam)) {
         return kOutOfRange;
     }
@@ -218,7 +199,6 @@ int32_t a_zvttvfapi_aud_basic_snd_set_param(e_zvttvfapi_aud_basic_snd_type eType
 }
 
 int32_t a_zvttvfapi_aud_get_attr(unsigned int u32Type, void* pInput, void* pOutput) {
-    FORCED_STATUS();
     return guarded([&] {
         if (u32Type != AUD_ATTR_PATH_STATE || !given(pInput, pOutput)) {
             return kOutOfRange;
@@ -234,14 +214,12 @@ int32_t a_zvttvfapi_aud_get_attr(unsigned int u32Type, void* pInput, void* pOutp
 }
 
 int32_t a_zvttvfapi_aud_load_aq_params(unsigned char const* pu8Name) {
-    FORCED_STATUS();
     return guarded([&] { return given(pu8Name) ? aqParameters().load(text(pu8Name)) : kOutOfRange; });
 }
 
 int32_t a_zvttvfapi_aud_set_volume_table(fapi_core::ZvtTvFApiAudioOutPathEnum ePath,
                                          unsigned short* pu16Table, unsigned short u16Count,
                                          unsigned char const* pu8Name) {
-    FORCED_STATUS();
     return guarded([&] {
         const auto path = static_cast<uint32_t>(ePath);
         if (!given(pu16Table, pu8Name) || path >= kAudioPaths || u16Count == 0) {

@@ -7,13 +7,11 @@
 using namespace simulator;
 
 int32_t a_zvttvfapi_common_get_fapi_status() {
-    FORCED_STATUS();
     constexpr int32_t kNotReady = -5;
     return boardReady() ? kOk : kNotReady;
 }
 
 int32_t a_zvttvfapi_common_get_fapi_version(char* pcVersion, unsigned int u32Size) {
-    FORCED_STATUS();
     if (pcVersion == nullptr || u32Size == 0) {
         return kOutOfRange;
     }

@@ -58,7 +58,6 @@ Settings::Values gammaValues(const unsigned short* table) {
 }  // namespace
 
 int32_t a_zvttvfapi_disp_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t result = self().init();
         if (result == kOk) {
@@ -68,7 +67,6 @@ int32_t a_zvttvfapi_disp_init() {
     });
 }
 int32_t a_zvttvfapi_disp_deinit() {
-    FORCED_STATUS();
     return guarded([] {
         frc().abort();
         const int32_t result = self().deinit();
@@ -80,16 +78,13 @@ int32_t a_zvttvfapi_disp_deinit() {
     });
 }
 int32_t a_zvttvfapi_disp_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 int32_t a_zvttvfapi_disp_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_disp_switch_window(unsigned int u32Window) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (u32Window >= kWindows) {
             return kOutOfRange;
@@ -102,14 +97,12 @@ int32_t a_zvttvfapi_disp_switch_window(unsigned int u32Window) {
 }
 
 int32_t a_zvttvfapi_disp_set_picture_param(unsigned int u32Param, unsigned int u32Value) {
-    FORCED_STATUS();
     return guarded([=] { return panel().changePicture(u32Param, u32Value); });
 }
 
 int32_t a_zvttvfapi_disp_panel_set_attr(unsigned int u32Link, unsigned int u32Lanes, unsigned int u32BitDepth,
                                         unsigned int u32Mapping, unsigned int u32Swing,
                                         unsigned int u32Mirror) {
-    FORCED_STATUS();
     return guarded([=] {
         return panel().change(
                 {{Setting::Link, {u32Link, u32Lanes, u32BitDepth, u32Mapping, u32Swing, u32Mirror}}});
@@ -117,7 +110,6 @@ int32_t a_zvttvfapi_disp_panel_set_attr(unsigned int u32Link, unsigned int u32La
 }
 
 int32_t a_zvttvfapi_disp_set_over_scan(int s32Left, int s32Right, int s32Top, int s32Bottom) {
-    FORCED_STATUS();
     return guarded([=] {
         return panel().change({{Setting::Overscan, {s32Left, s32Right, s32Top, s32Bottom}}});
     });
@@ -126,7 +118,6 @@ int32_t a_zvttvfapi_disp_set_over_scan(int s32Left, int s32Right, int s32Top, in
 int32_t a_zvttvfapi_disp_set_color_temperature(unsigned int u32RedGain, unsigned int u32GreenGain,
                                                unsigned int u32BlueGain, unsigned int u32RedOffset,
                                                unsigned int u32GreenOffset, unsigned int u32BlueOffset) {
-    FORCED_STATUS();
     return guarded([=] {
         return panel().change(
                 {{Setting::WhitePoint,
@@ -135,7 +126,6 @@ int32_t a_zvttvfapi_disp_set_color_temperature(unsigned int u32RedGain, unsigned
 }
 
 int32_t a_zvttvfapi_disp_get_pq_range(fapi_core::ZvtTvFApiDispHsyModelRange* pstRange) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (pstRange == nullptr) {
             return kOutOfRange;
@@ -148,7 +138,6 @@ int32_t a_zvttvfapi_disp_get_pq_range(fapi_core::ZvtTvFApiDispHsyModelRange* pst
 }
 
 int32_t a_zvttvfapi_disp_get_tcon_info(fapi_core::ZvtTvFApiDispTconInfo* pstInfo) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (pstInfo == nullptr) {
             return kOutOfRange;
@@ -166,7 +155,6 @@ int32_t a_zvttvfapi_disp_get_tcon_info(fapi_core::ZvtTvFApiDispTconInfo* pstInfo
 }
 
 int32_t a_zvttvfapi_disp_set_picture_param_struct(unsigned int u32Type, unsigned int u32Size, void* pvData) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         uint32_t numbers[kRecordNumbers];
         if (u32Type >= kRecordTypes || u32Size != sizeof(numbers) || pvData == nullptr) {
@@ -193,7 +181,6 @@ int32_t a_zvttvfapi_disp_set_picture_param_struct(unsigned int u32Type, unsigned
 
 int32_t a_zvttvfapi_disp_get_lvds_ssc(unsigned char& u8Enable, unsigned int& u32Frequency,
                                       unsigned int& u32Deviation) {
-    FORCED_STATUS();
     return guarded([&] {
         const DriverParameters driver = panel().driver();
         u8Enable = driver.sscEnabled ? 1 : 0;
@@ -204,7 +191,6 @@ int32_t a_zvttvfapi_disp_get_lvds_ssc(unsigned char& u8Enable, unsigned int& u32
 }
 
 int32_t a_zvttvfapi_disp_get_pwm_range(unsigned int& u32Min, unsigned int& u32Max) {
-    FORCED_STATUS();
     return guarded([&] {
         const DriverParameters driver = panel().driver();
         u32Min = driver.pwmMin;
@@ -214,7 +200,6 @@ int32_t a_zvttvfapi_disp_get_pwm_range(unsigned int& u32Min, unsigned int& u32Ma
 }
 
 int32_t a_zvttvfapi_disp_get_frc_device_info(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo* pstInfo) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         constexpr uint16_t kChip = 0x5A10;
         constexpr uint8_t kRevision = 2;
@@ -234,7 +219,6 @@ int32_t a_zvttvfapi_disp_get_frc_device_info(fapi_core::ZvtTvFApiDispExtFrcDevic
 }
 
 int32_t a_zvttvfapi_disp_upgrade_vexa_fw(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         return panel().driver().frcPresent ? frc().beginUpgrade(text(pu8Path)) : kAbsent;
     });
@@ -243,7 +227,6 @@ int32_t a_zvttvfapi_disp_upgrade_vexa_fw(unsigned char const* pu8Path) {
 int32_t a_zvttvfapi_disp_get_pq_version(unsigned int u32Size, char* pcVersion,
                                         fapi_core::ZvtTvFApiVideoWin eWindow,
                                         fapi_core::ZvtTvFApiPqType eType) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         const auto window = static_cast<unsigned>(eWindow);
         const auto type = static_cast<unsigned>(eType);
@@ -265,27 +248,22 @@ int32_t a_zvttvfapi_disp_get_pq_version(unsigned int u32Size, char* pcVersion,
 }
 
 int32_t a_zvttvfapi_disp_update_pq_ini_files() {
-    FORCED_STATUS();
     return guarded([] { return panel().reloadPq(); });
 }
 
 int32_t a_zvttvfapi_disp_set_output_timing(unsigned int u32Timing) {
-    FORCED_STATUS();
     return guarded([=] { return panel().change({{Setting::Timing, {u32Timing}}}); });
 }
 
 int32_t a_zvttvfapi_disp_nty_drv_reload_param() {
-    FORCED_STATUS();
     return guarded([] { return panel().reloadDriver(); });
 }
 
 int32_t a_zvttvfapi_disp_set_pq_value(unsigned int u32Item, int s32Value) {
-    FORCED_STATUS();
     return guarded([=] { return panel().changePqItem(u32Item, s32Value); });
 }
 
 int32_t a_zvttvfapi_disp_capture_screen_to_usb(unsigned char const* pu8Path, int s32Option) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         return s32Option < 0 || s32Option >= kSeens
                        ? kOutOfRange
@@ -294,7 +272,6 @@ int32_t a_zvttvfapi_disp_capture_screen_to_usb(unsigned char const* pu8Path, int
 }
 
 int32_t a_zvttvfapi_disp_get_frc_connect_status() {
-    FORCED_STATUS();
     // Not a status: without memory to look, it does not answer.
     int32_t answers = 0;
     guarded([&] {
@@ -306,7 +283,6 @@ int32_t a_zvttvfapi_disp_get_frc_connect_status() {
 
 int32_t a_zvttvfapi_disp_set_gamma_curve(unsigned short* pu16Red, unsigned short* pu16Green,
                                          unsigned short* pu16Blue) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (!holdsGammaTable(pu16Red) || !holdsGammaTable(pu16Green) || !holdsGammaTable(pu16Blue)) {
             return kOutOfRange;
@@ -318,7 +294,6 @@ int32_t a_zvttvfapi_disp_set_gamma_curve(unsigned short* pu16Red, unsigned short
 }
 
 int32_t a_zvttvfapi_disp_set_freerun_control(unsigned int u32Mode) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (u32Mode >= kFreeRuns) {
             return kOutOfRange;

@@ -84,11 +84,9 @@ int32_t showPlane(bool shown) {
 }  // namespace
 
 int32_t a_zvttvfapi_disptst_init() {
-    FORCED_STATUS();
     return self().init();
 }
 int32_t a_zvttvfapi_disptst_deinit() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t result = self().deinit();
         return result != kOk ? result : panel().withLayers([](Layers& layers) {
@@ -101,16 +99,13 @@ int32_t a_zvttvfapi_disptst_deinit() {
     });
 }
 int32_t a_zvttvfapi_disptst_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 int32_t a_zvttvfapi_disptst_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_disptst_set_burning_mode(unsigned char u8Enable) {
-    FORCED_STATUS();
     return guarded([=] {
         return u8Enable == 0 ? endBurning()
                              : burn({std::begin(kOwnColours), std::end(kOwnColours)}, kOwnPace);
@@ -119,7 +114,6 @@ int32_t a_zvttvfapi_disptst_set_burning_mode(unsigned char u8Enable) {
 
 int32_t a_zvttvfapi_disptst_gen_test_pattern(unsigned int u32Pattern,
                                              fapi_core::ZvtTvFApiDispTstPattern stPattern) {
-    FORCED_STATUS();
     return guarded([&] {
         return panel().withLayers([&](Layers& layers) {
             const int32_t result = layers.pattern.set(u32Pattern, stPattern);
@@ -136,7 +130,6 @@ int32_t a_zvttvfapi_disptst_gen_test_pattern(unsigned int u32Pattern,
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(unsigned char const* pu8Path, unsigned int u32X,
                                                         unsigned int u32Y) {
-    FORCED_STATUS();
     return withPlane([=](Plane& plane) {
         const Sandbox::Opened opened = Sandbox(boardState()).openFile(text(pu8Path), O_RDONLY);
         return opened.status == kOk ? drawBmp(opened.file.get(), u32X, u32Y, plane.surface) : opened.status;
@@ -144,7 +137,6 @@ int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(unsigned char const* pu8
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_on(unsigned int u32Width, unsigned int u32Height) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (u32Width > kPictureWidth || u32Height > kPictureHeight) {
             return kOutOfRange;
@@ -160,7 +152,6 @@ int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_on(unsigned int u32Width, unsig
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_off() {
-    FORCED_STATUS();
     return guarded([] {
         return panel().withLayers([](Layers& layers) {
             layers.plane.reset();
@@ -170,17 +161,14 @@ int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_off() {
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_show() {
-    FORCED_STATUS();
     return showPlane(true);
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_hide() {
-    FORCED_STATUS();
     return showPlane(false);
 }
 
 int32_t a_zvttvfapi_disptst_set_osd_layer_on_off(unsigned int u32Layer, unsigned char u8On) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (u32Layer >= kOsdLayers) {
             return kOutOfRange;
@@ -193,7 +181,6 @@ int32_t a_zvttvfapi_disptst_set_osd_layer_on_off(unsigned int u32Layer, unsigned
 }
 
 int32_t a_zvttvfapi_disptst_set_pq_on_off(unsigned char u8On) {
-    FORCED_STATUS();
     return guarded([=] {
         return panel().withLayers([=](Layers& layers) {
             layers.pqOn = u8On != 0;
@@ -203,7 +190,6 @@ int32_t a_zvttvfapi_disptst_set_pq_on_off(unsigned char u8On) {
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line(fapi_core::ZvtTvFApiGOPPatternLine_t stLine) {
-    FORCED_STATUS();
     return withPlane([&](Plane& plane) {
         plane.surface.line(stLine.u32StartX, stLine.u32StartY, stLine.u32EndX, stLine.u32EndY,
                            plane.lineWidth, stLine.u32Color);
@@ -212,7 +198,6 @@ int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line(fapi_core::ZvtTvFApiG
 }
 
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(fapi_core::ZvtTvFApiGOPPatternRect_t stRect) {
-    FORCED_STATUS();
     if (stRect.u8Fill > 1 || stRect.u8Blend > 1) {
         return kOutOfRange;
     }
@@ -231,7 +216,6 @@ int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(fapi_core::ZvtTvFApiG
 }
 
 int32_t a_zvttvfapi_disptst_gop_pattern_set_attr(fapi_core::ZvtTvFApiGOPPatternAttr_t stAttr) {
-    FORCED_STATUS();
     const Box place = {stAttr.u16X, stAttr.u16Y,
                        stAttr.u16Width == 0 ? kPictureWidth : stAttr.u16X + stAttr.u16Width,
                        stAttr.u16Height == 0 ? kPictureHeight : stAttr.u16Y + stAttr.u16Height};
@@ -246,7 +230,6 @@ int32_t a_zvttvfapi_disptst_gop_pattern_set_attr(fapi_core::ZvtTvFApiGOPPatternA
 
 int32_t a_zvttvfapi_disptst_set_burning_mode_adv(unsigned char u8Enable,
                                                  _ZvtFApiDisptstBurnModeParam* pstParam) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (u8Enable == 0) {
             return endBurning();

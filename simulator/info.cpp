@@ -49,7 +49,6 @@ uint32_t readIps() {
 }  // namespace
 
 int32_t a_zvttvfapi_info_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t result = self().init();
         if (result == kOk) {
@@ -59,21 +58,17 @@ int32_t a_zvttvfapi_info_init() {
     });
 }
 int32_t a_zvttvfapi_info_deinit() {
-    FORCED_STATUS();
     return self().deinit();
 }
 int32_t a_zvttvfapi_info_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 int32_t a_zvttvfapi_info_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_info_get_ini_para(unsigned char const* pu8Arg1, unsigned char const* pu8Arg2,
                                       unsigned char* pu8Value, unsigned int u32Size) {
-    FORCED_STATUS();
     return guarded([&] {
         return boardIni().get(text(pu8Arg1), text(pu8Arg2), reinterpret_cast<char*>(pu8Value), u32Size);
     });
@@ -81,12 +76,10 @@ int32_t a_zvttvfapi_info_get_ini_para(unsigned char const* pu8Arg1, unsigned cha
 
 int32_t a_zvttvfapi_info_set_ini_para(unsigned char const* pu8Arg1, unsigned char const* pu8Arg2,
                                       unsigned char const* pu8Value) {
-    FORCED_STATUS();
     return guarded([&] { return boardIni().set(text(pu8Arg1), text(pu8Arg2), text(pu8Value)); });
 }
 
 int32_t a_zvttvfapi_info_get_ip_enable_status(unsigned int u32IpId, unsigned char* pu8Enable) {
-    FORCED_STATUS();
     if (u32IpId >= kIpCount || pu8Enable == nullptr) {
         return kOutOfRange;
     }

@@ -81,7 +81,6 @@ int32_t give(T* result, Value value) {
 }  // namespace
 
 int32_t a_zvttvfapi_inpsrc_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t status = self().init();
         if (status == kOk) {
@@ -94,7 +93,6 @@ int32_t a_zvttvfapi_inpsrc_init() {
 }
 
 int32_t a_zvttvfapi_inpsrc_deinit() {
-    FORCED_STATUS();
     return guarded([] {
         receiver().stop();
         return self().deinit();
@@ -102,23 +100,19 @@ int32_t a_zvttvfapi_inpsrc_deinit() {
 }
 
 int32_t a_zvttvfapi_inpsrc_reg_callback(ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 
 int32_t a_zvttvfapi_inpsrc_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_inpsrc_auto_gain_offset(unsigned int u32DevType) {
-    FORCED_STATUS();
     return guarded([&] { return calibrate(u32DevType); });
 }
 
 int32_t a_zvttvfapi_inpsrc_set_adc_phase(unsigned int u32Source, unsigned int u32RedPhase,
                                          unsigned int u32GreenPhase, unsigned int u32BluePhase) {
-    FORCED_STATUS();
     return guarded([&] {
         return setCalibration(u32Source, inputs::kPhases, {u32RedPhase, u32GreenPhase, u32BluePhase});
     });
@@ -128,7 +122,6 @@ int32_t a_zvttvfapi_inpsrc_set_adc_gain_offset(unsigned int u32Source, unsigned 
                                                unsigned int u32GreenGain, unsigned int u32BlueGain,
                                                unsigned int u32RedOffset, unsigned int u32GreenOffset,
                                                unsigned int u32BlueOffset) {
-    FORCED_STATUS();
     return guarded([&] {
         return setCalibration(
                 u32Source, inputs::kGainOffsets,
@@ -137,7 +130,6 @@ int32_t a_zvttvfapi_inpsrc_set_adc_gain_offset(unsigned int u32Source, unsigned 
 }
 
 int32_t a_zvttvfapi_inpsrc_get_adc_phase(unsigned int u32Source, ZvtTvFApiAdcPhase_t* pstPhase) {
-    FORCED_STATUS();
     return guarded([&] {
         std::vector<int64_t> phase;
         const int32_t status =
@@ -152,7 +144,6 @@ int32_t a_zvttvfapi_inpsrc_get_adc_phase(unsigned int u32Source, ZvtTvFApiAdcPha
 
 int32_t a_zvttvfapi_inpsrc_get_adc_gain_offset(unsigned int u32Source,
                                                ZvtTvFApiAdcGainOffset_t* pstGainOffset) {
-    FORCED_STATUS();
     return guarded([&] {
         std::vector<int64_t> found;
         const int32_t status = pstGainOffset == nullptr
@@ -168,12 +159,10 @@ int32_t a_zvttvfapi_inpsrc_get_adc_gain_offset(unsigned int u32Source,
 }
 
 int32_t a_zvttvfapi_inpsrc_get_video_standard(unsigned char* pu8Standard) {
-    FORCED_STATUS();
     return guarded([&] { return give(pu8Standard, receiver().state().signal.standard); });
 }
 
 int32_t a_zvttvfapi_inpsrc_check_vd_signal_locked(unsigned char* pu8Locked) {
-    FORCED_STATUS();
     return guarded([&] {
         const Receiver::State state = receiver().state();
         return give(pu8Locked, state.locked && isAnalogueVideo(state.source));
@@ -181,7 +170,6 @@ int32_t a_zvttvfapi_inpsrc_check_vd_signal_locked(unsigned char* pu8Locked) {
 }
 
 int32_t a_zvttvfapi_inpsrc_vif_init() {
-    FORCED_STATUS();
     return guarded([] {
         receiver().restartTuner();
         return kOk;
@@ -189,7 +177,6 @@ int32_t a_zvttvfapi_inpsrc_vif_init() {
 }
 
 int32_t a_zvttvfapi_inpsrc_set_factory_vd_para(unsigned int u32Param, unsigned int u32Value) {
-    FORCED_STATUS();
     return guarded([&] {
         return u32Param >= kVdParameterCount
                        ? kOutOfRange
@@ -200,7 +187,6 @@ int32_t a_zvttvfapi_inpsrc_set_factory_vd_para(unsigned int u32Param, unsigned i
 }
 
 int32_t a_zvttvfapi_inpsrc_get_factory_vd_para(unsigned int u32Param, unsigned int* pu32Value) {
-    FORCED_STATUS();
     return guarded([&] {
         return u32Param >= kVdParameterCount
                        ? kOutOfRange
@@ -209,17 +195,14 @@ int32_t a_zvttvfapi_inpsrc_get_factory_vd_para(unsigned int u32Param, unsigned i
 }
 
 int32_t a_zvttvfapi_inpsrc_get_current_input_source(unsigned char* pu8Source) {
-    FORCED_STATUS();
     return guarded([&] { return give(pu8Source, receiver().state().source); });
 }
 
 int32_t a_zvttvfapi_inpsrc_get_current_input_source_type(unsigned char* pu8Type) {
-    FORCED_STATUS();
     return guarded([&] { return give(pu8Type, typeOf(receiver().state().source)); });
 }
 
 int32_t a_zvttvfapi_inpsrc_get_input_timing(ZvtTvFApiVideoTiming& stTiming) {
-    FORCED_STATUS();
     return guarded([&] {
         const Receiver::State state = receiver().state();
         stTiming = state.locked ? state.signal.timing() : ZvtTvFApiVideoTiming{};
@@ -228,7 +211,6 @@ int32_t a_zvttvfapi_inpsrc_get_input_timing(ZvtTvFApiVideoTiming& stTiming) {
 }
 
 int32_t a_zvttvfapi_inpsrc_get_ber(int* ps32Ber) {
-    FORCED_STATUS();
     return guarded([&] {
         const Receiver::State state = receiver().state();
         // The demodulator rests while another source is current, and counts nothing without a lock.

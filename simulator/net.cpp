@@ -114,7 +114,6 @@ std::string describe() {
 }  // namespace
 
 int32_t a_zvttvfapi_net_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t status = self().init();
         if (status == kOk) {
@@ -129,22 +128,18 @@ int32_t a_zvttvfapi_net_init() {
 }
 
 int32_t a_zvttvfapi_net_deinit() {
-    FORCED_STATUS();
     return self().deinit();
 }
 
 int32_t a_zvttvfapi_net_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 
 int32_t a_zvttvfapi_net_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_net_set_mac(unsigned int* pu32Mac) {
-    FORCED_STATUS();
     return guarded([&] {
         const std::optional<Mac> mac =
                 pu32Mac == nullptr ? std::nullopt : parseMac(reinterpret_cast<const char*>(pu32Mac));
@@ -159,7 +154,6 @@ int32_t a_zvttvfapi_net_set_mac(unsigned int* pu32Mac) {
 }
 
 int32_t a_zvttvfapi_net_set_interface_updown(char const* pcIfName, bool bUp) {
-    FORCED_STATUS();
     return guarded([&] {
         for (size_t i = 0; pcIfName != nullptr && i < kInterfaceCount; ++i) {
             if (strcmp(pcIfName, kInterfaces[i].name) == 0) {

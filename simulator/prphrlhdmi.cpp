@@ -10,7 +10,6 @@ using namespace simulator;
 
 int32_t a_zvttvfapi_prphrl_get_hdmi_edid_data(unsigned int u32Port,
                                               fapi_core::ZvtTvFApiHDMI_EDID_Data_t* pstEdid) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         Edid edid;
         const int32_t status = pstEdid == nullptr ? kOutOfRange : peripherals().hdmi.edid(u32Port, &edid);
@@ -24,24 +23,20 @@ int32_t a_zvttvfapi_prphrl_get_hdmi_edid_data(unsigned int u32Port,
 
 int32_t a_zvttvfapi_prphrl_set_hdmi_edid_data(unsigned int u32Port, signed char s8Version,
                                               unsigned int u32Size, unsigned char const* pu8Data) {
-    FORCED_STATUS();
     return guarded([=] { return peripherals().hdmi.replaceEdid(u32Port, s8Version, u32Size, pu8Data); });
 }
 
 int32_t a_zvttvfapi_prphrl_set_hdmi_edid_version(unsigned int u32Port, signed char s8Version) {
-    FORCED_STATUS();
     return guarded([=] { return peripherals().hdmi.chooseEdid(u32Port, s8Version); });
 }
 
 int32_t a_zvttvfapi_prphrl_set_hdmi_hpd(unsigned char u8Port, unsigned char u8Plugged) {
-    FORCED_STATUS();
     return guarded([=] {
         return u8Plugged > 1 ? kOutOfRange : peripherals().hdmi.setHotPlug(u8Port, u8Plugged == 1);
     });
 }
 
 int32_t a_zvttvfapi_prphrl_reload_hdcp_key(unsigned char const* pu8KeyType, unsigned char const* pu8KeyPath) {
-    FORCED_STATUS();
     return guarded([=] {
         return pu8KeyType == nullptr || pu8KeyPath == nullptr
                        ? kOutOfRange
@@ -50,7 +45,6 @@ int32_t a_zvttvfapi_prphrl_reload_hdcp_key(unsigned char const* pu8KeyType, unsi
 }
 
 int32_t a_zvttvfapi_prphrl_reload_hdcp(fapi_core::ZvtTvFApiReloadHdcp eReload) {
-    FORCED_STATUS();
     return guarded([=] {
         return eReload != fapi_core::ZvtTvFApiReloadHdcp::STATE ? kOutOfRange
                                                                 : peripherals().hdmi.authenticate();
@@ -58,7 +52,6 @@ int32_t a_zvttvfapi_prphrl_reload_hdcp(fapi_core::ZvtTvFApiReloadHdcp eReload) {
 }
 
 int32_t a_zvttvfapi_prphrl_enable_cec(unsigned char u8Enable) {
-    FORCED_STATUS();
     return guarded([=] {
         if (u8Enable > 1) {
             return kOutOfRange;
@@ -69,7 +62,6 @@ int32_t a_zvttvfapi_prphrl_enable_cec(unsigned char u8Enable) {
 }
 
 int32_t a_zvttvfapi_prphrl_get_cec_status(signed char* ps8Status) {
-    FORCED_STATUS();
     return guarded([=] {
         if (ps8Status == nullptr) {
             return kOutOfRange;
@@ -80,7 +72,6 @@ int32_t a_zvttvfapi_prphrl_get_cec_status(signed char* ps8Status) {
 }
 
 int32_t a_zvttvfapi_prphrl_get_earc_status(int* ps32Status) {
-    FORCED_STATUS();
     return guarded([=] {
         if (ps32Status == nullptr) {
             return kOutOfRange;

@@ -32,7 +32,6 @@ int32_t oneOrZero(const char* what, Body body) {
 }  // namespace
 
 int32_t a_zvttvfapi_prphrl_start_factory_uart(signed char s8Mode, signed char s8Port, signed char s8Speed) {
-    FORCED_STATUS();
     return oneOrZero("start", [=]() -> int32_t {
         if (s8Speed < 0 || static_cast<size_t>(s8Speed) >= sizeof(kRates) / sizeof(kRates[0])) {
             return kOutOfRange;
@@ -42,14 +41,12 @@ int32_t a_zvttvfapi_prphrl_start_factory_uart(signed char s8Mode, signed char s8
 }
 
 int32_t a_zvttvfapi_prphrl_stop_factory_uart(signed char s8Port) {
-    FORCED_STATUS();
     return oneOrZero("stop", [=] {
         return isPort(s8Port) ? peripherals().serial.stop(SerialPorts::kFactory, s8Port) : kOutOfRange;
     });
 }
 
 int32_t a_zvttvfapi_prphrl_write_factory_uart(unsigned char const* pu8Text, unsigned int u32Count) {
-    FORCED_STATUS();
     return oneOrZero("send", [=] {
         return pu8Text == nullptr ? kOutOfRange
                                   : peripherals().serial.send(SerialPorts::kFactory, pu8Text, u32Count);
@@ -58,7 +55,6 @@ int32_t a_zvttvfapi_prphrl_write_factory_uart(unsigned char const* pu8Text, unsi
 
 int32_t a_zvttvfapi_prphrl_std_factory_uart_start(signed char s8Port, signed char s8Mode,
                                                   ZvtTvFApiStdFactoryUartConfig eConfig) {
-    FORCED_STATUS();
     return guarded([=]() -> int32_t {
         if (!isPort(s8Port)) {
             return kOutOfRange;
@@ -81,12 +77,10 @@ int32_t a_zvttvfapi_prphrl_std_factory_uart_start(signed char s8Port, signed cha
 }
 
 int32_t a_zvttvfapi_prphrl_std_factory_uart_stop() {
-    FORCED_STATUS();
     return guarded([] { return peripherals().serial.stop(SerialPorts::kStd, SerialPorts::kAnyPort); });
 }
 
 int32_t a_zvttvfapi_prphrl_std_factory_uart_write(unsigned char const* pu8Data, unsigned char u8Count) {
-    FORCED_STATUS();
     return guarded([=] {
         return pu8Data == nullptr || u8Count == 0
                        ? kOutOfRange
@@ -96,7 +90,6 @@ int32_t a_zvttvfapi_prphrl_std_factory_uart_write(unsigned char const* pu8Data, 
 
 int32_t a_zvttvfapi_prphrl_std_factory_uart_custom_config(signed char s8Port, unsigned char u8Format,
                                                           unsigned int u32BaudRate) {
-    FORCED_STATUS();
     return guarded([=] {
         const LineSettings settings{u32BaudRate, u8Format};
         if (!isPort(s8Port) || !settings.good()) {
@@ -108,7 +101,6 @@ int32_t a_zvttvfapi_prphrl_std_factory_uart_custom_config(signed char s8Port, un
 }
 
 int32_t a_zvttvfapi_prphrl_set_uart_pipe_mode(unsigned char u8Enable, unsigned char const* pu8Name) {
-    FORCED_STATUS();
     return guarded([=] {
         if (u8Enable > 1 || pu8Name == nullptr) {
             return kOutOfRange;
@@ -119,7 +111,6 @@ int32_t a_zvttvfapi_prphrl_set_uart_pipe_mode(unsigned char u8Enable, unsigned c
 }
 
 int32_t a_zvttvfapi_prphrl_switch_to_ttys1(bool bEnable) {
-    FORCED_STATUS();
     return guarded([=] {
         peripherals().serial.moveConsole(bEnable ? 1 : 0);
         return kOk;

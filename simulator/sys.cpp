@@ -87,7 +87,6 @@ std::string describe() {
 }  // namespace
 
 int32_t a_zvttvfapi_sys_init() {
-    FORCED_STATUS();
     return guarded([] {
         const int32_t status = self().init();
         if (status == kOk) {
@@ -100,7 +99,6 @@ int32_t a_zvttvfapi_sys_init() {
 }
 
 int32_t a_zvttvfapi_sys_deinit() {
-    FORCED_STATUS();
     return guarded([] {
         firmware().disable();
         return self().deinit();
@@ -108,17 +106,14 @@ int32_t a_zvttvfapi_sys_deinit() {
 }
 
 int32_t a_zvttvfapi_sys_reg_callback(fapi_core::ZvtTvFApiEventHandler pfnHandler) {
-    FORCED_STATUS();
     return self().registerHandler(pfnHandler);
 }
 
 int32_t a_zvttvfapi_sys_unreg_callback() {
-    FORCED_STATUS();
     return self().unregisterHandler();
 }
 
 int32_t a_zvttvfapi_sys_set_wdt(unsigned char u8Enable) {
-    FORCED_STATUS();
     return guarded([&] {
         if (u8Enable > 1) {
             return kOutOfRange;
@@ -129,7 +124,6 @@ int32_t a_zvttvfapi_sys_set_wdt(unsigned char u8Enable) {
 }
 
 int32_t a_zvttvfapi_sys_get_wdt_status() {
-    FORCED_STATUS();
     return guarded([] {
         uint32_t enabled = 0;
         registers().read(kStatusBank, kWatchdogRegister, &enabled);
@@ -139,7 +133,6 @@ int32_t a_zvttvfapi_sys_get_wdt_status() {
 
 int32_t a_zvttvfapi_sys_set_miu_ssc(unsigned char u8MiuId, unsigned short u16Modulation,
                                     unsigned short u16Deviation, unsigned char u8Enable) {
-    FORCED_STATUS();
     return guarded([&] {
         if (u8MiuId >= kMius || u16Modulation < kMinModulationKilohertz ||
             u16Modulation > kMaxModulationKilohertz || u16Deviation > kMaxDeviation || u8Enable > 1) {
@@ -152,23 +145,19 @@ int32_t a_zvttvfapi_sys_set_miu_ssc(unsigned char u8MiuId, unsigned short u16Mod
 }
 
 int32_t a_zvttvfapi_sys_upgrade_fw(unsigned char u8Target, char const* pcPath) {
-    FORCED_STATUS();
     return guarded([&] { return firmware().upgrade(u8Target, pcPath); });
 }
 
 int32_t a_zvttvfapi_sys_read_reg(unsigned int u32Bank, unsigned int u32Offset, unsigned int* pu32Value) {
-    FORCED_STATUS();
     return guarded([&] { return registers().read(u32Bank, u32Offset, pu32Value); });
 }
 
 int32_t a_zvttvfapi_sys_write_reg(unsigned int u32Bank, unsigned int u32Offset, unsigned int u32Value) {
-    FORCED_STATUS();
     return guarded([&] { return registers().write(u32Bank, u32Offset, u32Value); });
 }
 
 int32_t a_zvttvfapi_sys_send_cmd_to_factory_svc(fapi_core::ZvtTvFApiSysFactorySvcCmd_e eCmd,
                                                 unsigned char const* pu8Text) {
-    FORCED_STATUS();
     return guarded([&] {
         if (pu8Text == nullptr) {
             return kOutOfRange;
@@ -186,6 +175,5 @@ int32_t a_zvttvfapi_sys_send_cmd_to_factory_svc(fapi_core::ZvtTvFApiSysFactorySv
 }
 
 int32_t a_zvttvfapi_sys_get_rtc_time(unsigned int* pu32Time) {
-    FORCED_STATUS();
     return guarded([&] { return readClock(pu32Time); });
 }

@@ -215,23 +215,19 @@ int32_t checksum(const char* path, unsigned* result) {
 }  // namespace
 
 int32_t a_zvttvfapi_sys_check_file(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded([&] { return sandbox().openFile(text(pu8Path), O_RDONLY).status; });
 }
 
 int32_t a_zvttvfapi_sys_check_folder(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded([&] { return sandbox().open(text(pu8Path), O_RDONLY | O_DIRECTORY).status; });
 }
 
 int32_t a_zvttvfapi_sys_create_file(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded(
             [&] { return sandbox().open(text(pu8Path), O_WRONLY | O_CREAT | O_EXCL, kFileMode).status; });
 }
 
 int32_t a_zvttvfapi_sys_create_folder(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded([&] {
         const Sandbox::Place place = sandbox().placeOf(text(pu8Path));
         if (place.status != kOk) {
@@ -242,7 +238,6 @@ int32_t a_zvttvfapi_sys_create_folder(unsigned char const* pu8Path) {
 }
 
 int32_t a_zvttvfapi_sys_remove_file(unsigned char const* pu8Path) {
-    FORCED_STATUS();
     return guarded([&] {
         const Sandbox::Place place = sandbox().placeOf(text(pu8Path));
         if (place.status != kOk) {
@@ -260,17 +255,14 @@ int32_t a_zvttvfapi_sys_remove_file(unsigned char const* pu8Path) {
 
 int32_t a_zvttvfapi_sys_copy_file(unsigned char const* pu8SrcPath, unsigned char const* pu8DstPath,
                                   bool bCopyOption) {
-    FORCED_STATUS();
     return guarded([&] { return copyFile(text(pu8SrcPath), text(pu8DstPath), bCopyOption); });
 }
 
 int32_t a_zvttvfapi_sys_change_file_mode(unsigned char const* pu8Path, unsigned int u32Mode) {
-    FORCED_STATUS();
     return guarded([&] { return setMode(text(pu8Path), u32Mode); });
 }
 
 int32_t a_zvttvfapi_sys_sync_fs() {
-    FORCED_STATUS();
     return guarded([] {
         const Sandbox::Opened root = sandbox().open("/", O_RDONLY | O_DIRECTORY);
         return root.status != kOk || syncfs(root.file.get()) == 0 ? root.status : statusOf(errno);
@@ -278,14 +270,12 @@ int32_t a_zvttvfapi_sys_sync_fs() {
 }
 
 int32_t a_zvttvfapi_sys_get_file_checksum(unsigned char const* pu8Path, unsigned int* pu32Checksum) {
-    FORCED_STATUS();
     return guarded([&] { return checksum(text(pu8Path), pu32Checksum); });
 }
 
 int32_t a_zvttvfapi_sys_read_file(unsigned char const* pu8Path, unsigned char* pu8Data,
                                   unsigned int u32Length, unsigned long long u64Offset,
                                   unsigned int* pu32LengthRead) {
-    FORCED_STATUS();
     return guarded([&] {
         if ((pu8Data == nullptr && u32Length > 0) || pu32LengthRead == nullptr) {
             return kOutOfRange;
@@ -304,12 +294,10 @@ int32_t a_zvttvfapi_sys_read_file(unsigned char const* pu8Path, unsigned char* p
 
 int32_t a_zvttvfapi_sys_read_file_one_line(unsigned char const* pu8Path, unsigned char* pu8Data,
                                            unsigned int u32Length, unsigned long long u64Offset) {
-    FORCED_STATUS();
     return guarded([&] { return readLine(text(pu8Path), pu8Data, u32Length, u64Offset); });
 }
 
 int32_t a_zvttvfapi_sys_write_file(unsigned char const* pu8Path, unsigned char const* pu8Data,
                                    unsigned int u32Length, unsigned char const* pu8Mode) {
-    FORCED_STATUS();
     return guarded([&] { return writeFile(text(pu8Path), pu8Data, u32Length, text(pu8Mode)); });
 }

@@ -61,18 +61,15 @@ int32_t dataIndexPath(unsigned char* buffer, size_t size) {
 
 int32_t a_zvttvfapi_sys_get_emmc_env_var(unsigned char const* pu8Name, unsigned char* pu8Value,
                                          unsigned int u32Size) {
-    FORCED_STATUS();
     return guarded(
             [&] { return boardEmmc().get(text(pu8Name), reinterpret_cast<char*>(pu8Value), u32Size); });
 }
 
 int32_t a_zvttvfapi_sys_set_emmc_env_var(unsigned char const* pu8Name, unsigned char const* pu8Value) {
-    FORCED_STATUS();
     return guarded([&] { return boardEmmc().set(text(pu8Name), text(pu8Value)); });
 }
 
 int32_t a_zvttvfapi_sys_update_sys_key(unsigned char const* pu8KeyPath, bool bReplace) {
-    FORCED_STATUS();
     return guarded(
             [&] { return secureStorage().putSystemKey(Sandbox(boardState()), text(pu8KeyPath), bReplace); });
 }
@@ -80,7 +77,6 @@ int32_t a_zvttvfapi_sys_update_sys_key(unsigned char const* pu8KeyPath, bool bRe
 int32_t a_zvttvfapi_sys_secure_storage_encrypt_key(unsigned char const* pu8StorageName,
                                                    unsigned char const* pu8KeyName,
                                                    unsigned char const* pu8UserKey, unsigned char u8KeySize) {
-    FORCED_STATUS();
     return guarded([&] {
         return secureStorage().put(text(pu8StorageName), text(pu8KeyName), pu8UserKey, u8KeySize);
     });
@@ -88,19 +84,16 @@ int32_t a_zvttvfapi_sys_secure_storage_encrypt_key(unsigned char const* pu8Stora
 
 int32_t a_zvttvfapi_sys_write_emmc(unsigned char* pu8EmmcName, unsigned int u32Offset, unsigned int u32Length,
                                    unsigned char* pu8Data) {
-    FORCED_STATUS();
     return guarded([&] { return boardEmmc().write(text(pu8EmmcName), u32Offset, u32Length, pu8Data); });
 }
 
 int32_t a_zvttvfapi_sys_read_emmc(unsigned char* pu8EmmcName, unsigned int u32Offset, unsigned int u32Length,
                                   unsigned char* pu8Data) {
-    FORCED_STATUS();
     return guarded([&] { return boardEmmc().read(text(pu8EmmcName), u32Offset, u32Length, pu8Data); });
 }
 
 int32_t a_zvttvfapi_sys_get_customer_hash(unsigned int u32Size, unsigned char* pu8Hash,
                                           unsigned int* pu32LengthRead) {
-    FORCED_STATUS();
     return guarded([&] {
         if (pu8Hash == nullptr || pu32LengthRead == nullptr) {
             return kOutOfRange;
@@ -116,6 +109,5 @@ int32_t a_zvttvfapi_sys_get_customer_hash(unsigned int u32Size, unsigned char* p
 }
 
 int32_t a_zvttvfapi_sys_get_dataindex_path(unsigned char* pu8Path, unsigned int u32Size) {
-    FORCED_STATUS();
     return guarded([&] { return dataIndexPath(pu8Path, u32Size); });
 }

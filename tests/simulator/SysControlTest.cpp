@@ -1,4 +1,3 @@
-#include <dlfcn.h>
 #include <zlib.h>
 
 #include <chrono>
@@ -294,25 +293,4 @@ TEST_F(SysControlTest, TheBoardIsMadeNotReadyForAWhile) {
     EXPECT_EQ(a_zvttvfapi_common_get_fapi_status(), kOk);
     EXPECT_EQ(force("not-ready soon"), kOutOfRange);
     EXPECT_EQ(a_zvttvfapi_common_get_fapi_status(), kOk);
-}
-
-TEST_F(SysControlTest, EveryFunctionThatTheLibraryExportsCanBeForced) {
-    Dl_info library{};
-    ASSERT_NE(dladdr(reinterpret_cast<void*>(a_zvttvfapi_sys_sync_fs), &library), 0);
-    FILE* const symbols =
-            popen((std::string("nm -D --defined-only -C '") + library.dli_fname + "'").c_str(), "r");
-    ASSERT_NE(symbols, nullptr);
-    int count = 0;
-    char line[1024];
-    while (fgets(line, sizeof(line), symbols) != nullptr) {
-        const std::string text = line;
-        const size_t begin = text.find(" T a_zvttvfapi_");
-        if (begin != std::string::npos) {
-            const std::string name = text.substr(begin + 3, text.find('(') - begin - 3);
-            EXPECT_EQ(force(name + " clear"), kOk) << name << " lacks FORCED_STATUS()";
-            ++count;
-        }
-    }
-    EXPECT_EQ(pclose(symbols), 0);
-    EXPECT_GT(count, 60);
 }
