@@ -2,6 +2,7 @@
 
 #include "adapters/display/ZvtTvFApiDisplay.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "chiplayer/disp.h"
@@ -78,6 +79,18 @@ int32_t readRecord(int32_t (*function)(ChipRecord*), HidlRecord& stHidl) {
     const int32_t s32Ret = callChip(function, &stChip);
     convert(stChip, stHidl);
     return s32Ret;
+}
+
+// The library is not told how many entries came, and reads so many.
+constexpr uint16_t kGammaEntries = 256;
+
+// The client's first u16Count entries, zeros up to what the library reads. Null without memory.
+Scratch<uint16_t> gammaTable(const hidl_vec<uint16_t>& vecTable, uint16_t u16Count) {
+    auto pu16Table = Scratch<uint16_t>::zeroed(std::max(u16Count, kGammaEntries));
+    if (pu16Table) {
+        std::copy_n(vecTable.data(), u16Count, pu16Table.get());
+    }
+    return pu16Table;
 }
 
 }  // namespace
@@ -280,24 +293,21 @@ Return<int32_t> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_set_gamma_curve(const 
         FAPI_LOGE("Invalid Gamma Table Size.\n");
         return FAPI_INVALID_ARGUMENT;
     }
-    auto pu16Red = Scratch<uint16_t>::uncleared(u16RedSize);
+    auto pu16Red = gammaTable(vecRed, u16RedSize);
     if (!pu16Red) {
         FAPI_LOGE("Allocate pu16RedGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    auto pu16Green = Scratch<uint16_t>::uncleared(u16GreenSize);
+    auto pu16Green = gammaTable(vecGreen, u16GreenSize);
     if (!pu16Green) {
         FAPI_LOGE("Allocate pu16GreenGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    auto pu16Blue = Scratch<uint16_t>::uncleared(u16BlueSize);
+    auto pu16Blue = gammaTable(vecBlue, u16BlueSize);
     if (!pu16Blue) {
         FAPI_LOGE("Allocate pu16BlueGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    pu16Red.copyFrom(vecRed);
-    pu16Green.copyFrom(vecGreen);
-    pu16Blue.copyFrom(vecBlue);
     const int32_t s32Ret = callChip(a_zvttvfapi_disp_set_gamma_curve, pu16Red, pu16Green, pu16Blue);
     FAPI_LOG_OUTCOME("a_hidl_a_zvttvfapi_disp_set_gamma_curve", s32Ret);
     return s32Ret;
