@@ -10,6 +10,8 @@
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
+using ::android::Mutex;
+
 namespace {
 
 using ChipEventObject = ZvtTvFApiManager::ChipEventObject;
@@ -33,7 +35,7 @@ int relay(const char* name, EventModule module, Notification notify, uint32_t u3
     if (!first || !second || !third || !fourth) {
         return FAPI_FAIL;
     }
-    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const Mutex::Autolock lock(sCbMutex);
     FAPI_LOG(ANDROID_LOG_DEBUG, name, "u32EvtType = %d\n", static_cast<int>(u32EvtType));
     EventCount& count = sEventCounts[module];
     int s32Ret = FAPI_OK;
