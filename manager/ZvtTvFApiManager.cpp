@@ -121,7 +121,10 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
     try {
         (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
     } catch (const std::bad_alloc&) {
-        // No memory for the link is one way in which it fails, and no reason to refuse the client.
+        // No memory for the link is one way in which it fails, and no reason to refuse the client. The
+        // transport reports its own lack; this is the proxy's generated code, which is built without
+        // exceptions and lets go of nothing: its lock stays locked, which nobody takes again, as each
+        // registration has a proxy of its own that is linked once.
     }
     return FAPI_OK;
 }
