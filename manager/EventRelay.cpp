@@ -74,10 +74,10 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
         const ZvtTvFApiEventCommonObject& stObj4) {
     countCall();
     try {
-        const ChipEventObject first = toChipRecord(stObj1);
-        const ChipEventObject second = toChipRecord(stObj2);
-        const ChipEventObject third = toChipRecord(stObj3);
-        const ChipEventObject fourth = toChipRecord(stObj4);
+        const ChipEventObject first = toTwin(stObj1);
+        const ChipEventObject second = toTwin(stObj2);
+        const ChipEventObject third = toTwin(stObj3);
+        const ChipEventObject fourth = toTwin(stObj4);
         for (const auto& route : kRoutes) {
             if ((u32EvtType & route.u32Mask) != 0) {
                 return route.handler(u32EvtType, first, second, third, fourth);

@@ -3,7 +3,6 @@
 #include "adapters/display/ZvtTvFApiDisplay.h"
 
 #include <algorithm>
-#include <cstddef>
 
 #include "chiplayer/disp.h"
 #include "service/frame/Call.h"
@@ -41,45 +40,13 @@ FAPI_TWIN_VALUE(ZvtTvFApiPqType, MOTION);
 FAPI_TWIN_VALUE(ZvtTvFApiPqType, GAMMA);
 FAPI_TWIN_VALUE(ZvtTvFApiPqType, UNKNOWN);
 
+FAPI_TWIN(ZvtTvFApiDispHsyModelRange, s32HueMin, s32HueMax, s32SaturationMin, s32SaturationMax, s32LumaMin,
+          s32LumaMax);
+FAPI_TWIN(ZvtTvFApiDispTconInfo, u32Version, u32Checksum, u16PanelId, au8PanelName);
+FAPI_TWIN_FLAG(ZvtTvFApiDispTconInfo, bEnabled, u8Enabled);
+FAPI_TWIN(ZvtTvFApiDispExtFrcDeviceInfo, u32FwVersion, u16ChipId, u8Revision, u8State);
+
 namespace {
-
-void convert(const fapi_core::ZvtTvFApiDispHsyModelRange& stChip, ZvtTvFApiDispHsyModelRange& stHidl) {
-    stHidl.s32HueMin = stChip.s32HueMin;
-    stHidl.s32HueMax = stChip.s32HueMax;
-    stHidl.s32SaturationMin = stChip.s32SaturationMin;
-    stHidl.s32SaturationMax = stChip.s32SaturationMax;
-    stHidl.s32LumaMin = stChip.s32LumaMin;
-    stHidl.s32LumaMax = stChip.s32LumaMax;
-}
-
-void convert(const fapi_core::ZvtTvFApiDispTconInfo& stChip, ZvtTvFApiDispTconInfo& stHidl) {
-    stHidl.u32Version = stChip.u32Version;
-    stHidl.u32Checksum = stChip.u32Checksum;
-    stHidl.u16PanelId = stChip.u16PanelId;
-    stHidl.au8PanelName = stChip.au8PanelName;
-    stHidl.bEnabled = stChip.u8Enabled != 0;
-}
-
-using FrcInfo = ZvtTvFApiDispExtFrcDeviceInfo;
-static_assert(sizeof(FrcInfo) == sizeof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo));
-static_assert(offsetof(FrcInfo, u16ChipId) == offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u16ChipId));
-static_assert(offsetof(FrcInfo, u8Revision) ==
-              offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u8Revision));
-static_assert(offsetof(FrcInfo, u8State) == offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u8State));
-
-void convert(const fapi_core::ZvtTvFApiDispExtFrcDeviceInfo& stChip, FrcInfo& stHidl) {
-    copyToTwin(stChip, stHidl);
-}
-
-// Has the library fill a zeroed record and converts it, whatever the status.
-template <typename ChipRecord, typename HidlRecord>
-int32_t readRecord(int32_t (*function)(ChipRecord*), HidlRecord& stHidl) {
-    ChipRecord stChip;
-    clearBytes(stChip);
-    const int32_t s32Ret = callChip(function, &stChip);
-    convert(stChip, stHidl);
-    return s32Ret;
-}
 
 // The library is not told how many entries came, and reads so many.
 constexpr uint16_t kGammaEntries = 256;
@@ -140,7 +107,10 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_pq_range(
         _hidl_cb(stRange, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_pq_range, stRange);
+    fapi_core::ZvtTvFApiDispHsyModelRange stChipRange;
+    clearBytes(stChipRange);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_pq_range, &stChipRange);
+    copyTwin(stChipRange, stRange);
     _hidl_cb(stRange, s32Ret);
     FAPI_LOGE("a_zvttvfapi_disp_get_pq_range %d", s32Ret);
     return Void();
@@ -154,7 +124,11 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_tcon_info(
         _hidl_cb(stInfo, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_tcon_info, stInfo);
+    fapi_core::ZvtTvFApiDispTconInfo stChipInfo;
+    clearBytes(stChipInfo);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_tcon_info, &stChipInfo);
+    copyTwin(stChipInfo, stInfo);
+    stInfo.bEnabled = stChipInfo.u8Enabled != 0;
     _hidl_cb(stInfo, s32Ret);
     FAPI_LOGE("a_hidl_a_zvttvfapi_disp_get_tcon_info %d", s32Ret);
     return Void();
@@ -224,7 +198,10 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_frc_device_info(
         _hidl_cb(stInfo, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_frc_device_info, stInfo);
+    fapi_core::ZvtTvFApiDispExtFrcDeviceInfo stChipInfo;
+    clearBytes(stChipInfo);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_frc_device_info, &stChipInfo);
+    copyTwin(stChipInfo, stInfo);
     _hidl_cb(stInfo, s32Ret);
     FAPI_LOGE("a_zvttvfapi_disp_get_frc_device_info %d", s32Ret);
     return Void();
