@@ -485,7 +485,7 @@ Return<int32_t> ZvtTvFApiPeripheral::a_hidl_zvttvfapi_prphrl_switch_to_ttys1(boo
     if (!fapiReady()) {
         return FAPI_NOT_READY;
     }
-    callChip(a_zvttvfapi_prphrl_switch_to_ttys1, bEnable);
+    (void)callChip(a_zvttvfapi_prphrl_switch_to_ttys1, bEnable);
     return FAPI_OK;
 }
 
