@@ -187,9 +187,9 @@ int32_t a_zvttvfapi_disp_get_frc_connect_status();
 
 /**
  * Sets the gamma curve: for each 8-bit input level of a colour, the panel's level, 0 to 1023. The library
- * reads 256 entries of each table, whose lengths it is not told: each table has as many as the client gave
- * for it, counted modulo 65,536, which is at least one and not always 256. The tables are the service's, for
- * the call; the library may write to them.
+ * reads 256 entries of each table, whose lengths it is not told: each table has the client's entries, their
+ * number taken modulo 65,536 and at least one, and zeros up to 256 if they are fewer. The tables are the
+ * service's, for the call; the library may write to them.
  */
 int32_t a_zvttvfapi_disp_set_gamma_curve(unsigned short* pu16Red, unsigned short* pu16Green,
                                          unsigned short* pu16Blue);

@@ -57,7 +57,8 @@ function(hidl_package target)
     add_library(${target} STATIC ${sources})
     target_include_directories(${target} SYSTEM PUBLIC ${out})
     # Generated code is not ours to mend: no warnings, and no sanitizer (a minute of build time for nothing).
-    target_compile_options(${target} PRIVATE -w -fno-sanitize=all)
+    # Without exceptions, as on the device: one that passes through it runs no destructor there.
+    target_compile_options(${target} PRIVATE -w -fno-sanitize=all -fno-exceptions)
     set_target_properties(${target} PROPERTIES
         POSITION_INDEPENDENT_CODE ON
         HIDL_PACKAGE "${arg_PACKAGE}"

@@ -2,7 +2,7 @@
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
-std::mutex sCbMutex;
+::android::Mutex sCbMutex;
 std::unordered_map<uint64_t, ::android::sp<IZvtTvFApiCallbackManager>> sCbList;
 std::unordered_map<uint64_t, pid_t> sCbPids;
 std::atomic<uint64_t> sNextCookie{0};

@@ -20,12 +20,10 @@ HidlEventRecord::HidlEventRecord(const fapi_core::ZvtTvFApiEventCommonObject& st
     }
 }
 
-fapi_core::ZvtTvFApiEventCommonObject toChipRecord(const ZvtTvFApiEventCommonObject& stHidl) {
-    fapi_core::ZvtTvFApiEventCommonObject stChip;
+void ChipTwin<ZvtTvFApiEventCommonObject>::copy(const ZvtTvFApiEventCommonObject& stHidl, type& stChip) {
     stChip.u32Value = stHidl.u32Value;
     stChip.strValue.assign(stHidl.strValue.c_str(), stHidl.strValue.size());
     stChip.vecValue.assign(stHidl.vecValue.begin(), stHidl.vecValue.end());
-    return stChip;
 }
 
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "chiplayer/types.h"
+#include "service/frame/Convert.h"
 #include "service/frame/Scratch.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
@@ -28,8 +29,12 @@ class HidlEventRecord {
     ZvtTvFApiEventCommonObject mHidl{};
 };
 
-/// The chip-layer form of a record that a client posts: the whole text, NULs included, and the bytes. Throws
+/// The record that a client posts, for toTwin(): the whole text, NULs included, and the bytes. Throws
 /// std::bad_alloc.
-fapi_core::ZvtTvFApiEventCommonObject toChipRecord(const ZvtTvFApiEventCommonObject& stHidl);
+template <>
+struct ChipTwin<ZvtTvFApiEventCommonObject> {
+    using type = fapi_core::ZvtTvFApiEventCommonObject;
+    static void copy(const ZvtTvFApiEventCommonObject& stHidl, type& stChip);
+};
 
 }  // namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation

@@ -10,6 +10,8 @@
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
+using ::android::Mutex;
+
 namespace {
 
 using ChipEventObject = ZvtTvFApiManager::ChipEventObject;
@@ -33,7 +35,7 @@ int relay(const char* name, EventModule module, Notification notify, uint32_t u3
     if (!first || !second || !third || !fourth) {
         return FAPI_FAIL;
     }
-    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const Mutex::Autolock lock(sCbMutex);
     FAPI_LOG(ANDROID_LOG_DEBUG, name, "u32EvtType = %d\n", static_cast<int>(u32EvtType));
     EventCount& count = sEventCounts[module];
     int s32Ret = FAPI_OK;
@@ -72,10 +74,10 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_post_event(
         const ZvtTvFApiEventCommonObject& stObj4) {
     countCall();
     try {
-        const ChipEventObject first = toChipRecord(stObj1);
-        const ChipEventObject second = toChipRecord(stObj2);
-        const ChipEventObject third = toChipRecord(stObj3);
-        const ChipEventObject fourth = toChipRecord(stObj4);
+        const ChipEventObject first = toTwin(stObj1);
+        const ChipEventObject second = toTwin(stObj2);
+        const ChipEventObject third = toTwin(stObj3);
+        const ChipEventObject fourth = toTwin(stObj4);
         for (const auto& route : kRoutes) {
             if ((u32EvtType & route.u32Mask) != 0) {
                 return route.handler(u32EvtType, first, second, third, fourth);

@@ -3,13 +3,14 @@
 #include <cinttypes>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 
 #include "manager/ClientRegistry.h"
 #include "manager/ZvtTvFApiManager.h"
 #include "service/frame/StatePage.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+using ::android::Mutex;
 
 namespace {
 
@@ -31,7 +32,7 @@ struct Snapshot {
 
 /// Takes no memory.
 Snapshot snapshotOfRegistry() {
-    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const Mutex::Autolock lock(sCbMutex);
     Snapshot snapshot;
     snapshot.events = sEventCounts;
     snapshot.clients = sCbList.size();

@@ -14,6 +14,7 @@
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
+using ::android::Mutex;
 using ::android::hardware::IPCThreadState;
 
 // Handlers come before the modules that call them: an event raised by a module's initialisation is not lost.
@@ -103,7 +104,7 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
         return FAPI_INVALID_ARGUMENT;
     }
     const pid_t pid = IPCThreadState::self()->getCallingPid();
-    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const Mutex::Autolock lock(sCbMutex);
     const uint64_t u64Cookie = sNextCookie;
     try {
         sCbList[u64Cookie] = callback;
@@ -120,7 +121,10 @@ Return<int32_t> ZvtTvFApiManager::a_hidl_a_zvttvfapi_mngr_set_callback(
     try {
         (void)callback->linkToDeath(mDeathRecipient, u64Cookie).isOk();
     } catch (const std::bad_alloc&) {
-        // No memory for the link is one way in which it fails, and no reason to refuse the client.
+        // No memory for the link is one way in which it fails, and no reason to refuse the client. The
+        // transport reports its own lack; this is the proxy's generated code, which is built without
+        // exceptions and lets go of nothing: its lock stays locked, which nobody takes again, as each
+        // registration has a proxy of its own that is linked once.
     }
     return FAPI_OK;
 }

@@ -1,7 +1,5 @@
 // Module disp: the panel's settings, the frame-rate converter beside it, and pictures of what it shows.
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -42,14 +40,6 @@ Module& self() {
 /** The records of a_zvttvfapi_disp_set_picture_param_struct, by type: each is six 32-bit numbers. */
 enum RecordType { kPictureRecord, kWhitePointRecord, kPqRecord, kRecordTypes };
 constexpr size_t kRecordNumbers = 6;
-
-/**
- * The tables come without their lengths. They are blocks of the heap, and the heap knows its blocks': a table
- * that is too short is refused, rather than read beyond its end.
- */
-bool holdsGammaTable(unsigned short* table) {
-    return table != nullptr && malloc_usable_size(table) >= kGammaEntries * sizeof(*table);
-}
 
 Settings::Values gammaValues(const unsigned short* table) {
     return Settings::Values(table, table + kGammaEntries);
@@ -284,7 +274,7 @@ int32_t a_zvttvfapi_disp_get_frc_connect_status() {
 int32_t a_zvttvfapi_disp_set_gamma_curve(unsigned short* pu16Red, unsigned short* pu16Green,
                                          unsigned short* pu16Blue) {
     return guarded([=]() -> int32_t {
-        if (!holdsGammaTable(pu16Red) || !holdsGammaTable(pu16Green) || !holdsGammaTable(pu16Blue)) {
+        if (pu16Red == nullptr || pu16Green == nullptr || pu16Blue == nullptr) {
             return kOutOfRange;
         }
         return panel().change({{Setting::GammaRed, gammaValues(pu16Red)},

@@ -3,12 +3,10 @@
 #include "adapters/audio/ZvtTvFApiAudio.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "chiplayer/aud.h"
 #include "service/frame/Call.h"
 #include "service/frame/Log.h"
-#include "service/frame/Record.h"
 #include "service/frame/Scratch.h"
 #include "service/frame/Twin.h"
 
@@ -32,31 +30,9 @@ FAPI_TWIN_VALUE(ZvtTvFApiAudioOutPathEnum, BLUETOOTH);
 FAPI_TWIN_VALUE(ZvtTvFApiAudioOutPathEnum, SUBWOOFER);
 FAPI_TWIN_VALUE(ZvtTvFApiAudioOutPathEnum, UNKNOWN);
 
-FAPI_TWIN_SIZE(ZvtTvFApiAudPeqBand_t);
-FAPI_TWIN_FIELD(ZvtTvFApiAudPeqBand_t, u32Frequency);
-FAPI_TWIN_FIELD(ZvtTvFApiAudPeqBand_t, s16Gain);
-FAPI_TWIN_FIELD(ZvtTvFApiAudPeqBand_t, u16Q);
-
-FAPI_TWIN_SIZE(ZvtTvFApiAudBasicSoundParam_t);
-FAPI_TWIN_FIELD(ZvtTvFApiAudBasicSoundParam_t, u32Level);
-FAPI_TWIN_FIELD(ZvtTvFApiAudBasicSoundParam_t, u16GeqBandCount);
-FAPI_TWIN_FIELD(ZvtTvFApiAudBasicSoundParam_t, au32GeqLevel);
-FAPI_TWIN_FIELD(ZvtTvFApiAudBasicSoundParam_t, u16PeqBandCount);
-FAPI_TWIN_FIELD(ZvtTvFApiAudBasicSoundParam_t, astPeqBand);
-
-namespace {
-
-// Field by field: what a client has left in the padding stays behind.
-void convert(const ZvtTvFApiAudBasicSoundParam_t& stHidl, fapi_core::ZvtTvFApiAudBasicSoundParam_t& stChip) {
-    clearBytes(stChip);
-    stChip.u32Level = stHidl.u32Level;
-    stChip.u16GeqBandCount = stHidl.u16GeqBandCount;
-    std::memcpy(stChip.au32GeqLevel, stHidl.au32GeqLevel.data(), sizeof(stChip.au32GeqLevel));
-    stChip.u16PeqBandCount = stHidl.u16PeqBandCount;
-    std::memcpy(stChip.astPeqBand, stHidl.astPeqBand.data(), sizeof(stChip.astPeqBand));
-}
-
-}  // namespace
+FAPI_TWIN(ZvtTvFApiAudPeqBand_t, u32Frequency, s16Gain, u16Q);
+FAPI_TWIN(ZvtTvFApiAudBasicSoundParam_t, u32Level, u16GeqBandCount, au32GeqLevel, u16PeqBandCount,
+          astPeqBand);
 
 // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiAudio follow.
 
@@ -226,7 +202,7 @@ Return<int32_t> ZvtTvFApiAudio::a_hidl_zvttvfapi_aud_basic_snd_set_param(
     FAPI_LOGD("a_hidl_zvttvfapi_aud_basic_snd_set_param()...\n");
     FAPI_LOGD("[%s(%d)]Type = [%u]\n", __func__, __LINE__, s32Type);
     fapi_core::ZvtTvFApiAudBasicSoundParam_t stChipParam;
-    convert(stParam, stChipParam);
+    copyTwin(stParam, stChipParam);
     const int32_t s32Ret = callChip(a_zvttvfapi_aud_basic_snd_set_param,
                                     static_cast<e_zvttvfapi_aud_basic_snd_type>(s32Type), &stChipParam);
     FAPI_LOG_OUTCOME("a_zvttvfapi_aud_basic_snd_set_param", s32Ret);

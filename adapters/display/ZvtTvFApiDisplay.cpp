@@ -2,7 +2,7 @@
 
 #include "adapters/display/ZvtTvFApiDisplay.h"
 
-#include <cstddef>
+#include <algorithm>
 
 #include "chiplayer/disp.h"
 #include "service/frame/Call.h"
@@ -40,44 +40,24 @@ FAPI_TWIN_VALUE(ZvtTvFApiPqType, MOTION);
 FAPI_TWIN_VALUE(ZvtTvFApiPqType, GAMMA);
 FAPI_TWIN_VALUE(ZvtTvFApiPqType, UNKNOWN);
 
+FAPI_TWIN(ZvtTvFApiDispHsyModelRange, s32HueMin, s32HueMax, s32SaturationMin, s32SaturationMax, s32LumaMin,
+          s32LumaMax);
+FAPI_TWIN(ZvtTvFApiDispTconInfo, u32Version, u32Checksum, u16PanelId, au8PanelName);
+FAPI_TWIN_FLAG(ZvtTvFApiDispTconInfo, bEnabled, u8Enabled);
+FAPI_TWIN(ZvtTvFApiDispExtFrcDeviceInfo, u32FwVersion, u16ChipId, u8Revision, u8State);
+
 namespace {
 
-void convert(const fapi_core::ZvtTvFApiDispHsyModelRange& stChip, ZvtTvFApiDispHsyModelRange& stHidl) {
-    stHidl.s32HueMin = stChip.s32HueMin;
-    stHidl.s32HueMax = stChip.s32HueMax;
-    stHidl.s32SaturationMin = stChip.s32SaturationMin;
-    stHidl.s32SaturationMax = stChip.s32SaturationMax;
-    stHidl.s32LumaMin = stChip.s32LumaMin;
-    stHidl.s32LumaMax = stChip.s32LumaMax;
-}
+// The library is not told how many entries came, and reads so many.
+constexpr uint16_t kGammaEntries = 256;
 
-void convert(const fapi_core::ZvtTvFApiDispTconInfo& stChip, ZvtTvFApiDispTconInfo& stHidl) {
-    stHidl.u32Version = stChip.u32Version;
-    stHidl.u32Checksum = stChip.u32Checksum;
-    stHidl.u16PanelId = stChip.u16PanelId;
-    stHidl.au8PanelName = stChip.au8PanelName;
-    stHidl.bEnabled = stChip.u8Enabled != 0;
-}
-
-using FrcInfo = ZvtTvFApiDispExtFrcDeviceInfo;
-static_assert(sizeof(FrcInfo) == sizeof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo));
-static_assert(offsetof(FrcInfo, u16ChipId) == offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u16ChipId));
-static_assert(offsetof(FrcInfo, u8Revision) ==
-              offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u8Revision));
-static_assert(offsetof(FrcInfo, u8State) == offsetof(fapi_core::ZvtTvFApiDispExtFrcDeviceInfo, u8State));
-
-void convert(const fapi_core::ZvtTvFApiDispExtFrcDeviceInfo& stChip, FrcInfo& stHidl) {
-    copyToTwin(stChip, stHidl);
-}
-
-// Has the library fill a zeroed record and converts it, whatever the status.
-template <typename ChipRecord, typename HidlRecord>
-int32_t readRecord(int32_t (*function)(ChipRecord*), HidlRecord& stHidl) {
-    ChipRecord stChip;
-    clearBytes(stChip);
-    const int32_t s32Ret = callChip(function, &stChip);
-    convert(stChip, stHidl);
-    return s32Ret;
+// The client's first u16Count entries, zeros up to what the library reads. Null without memory.
+Scratch<uint16_t> gammaTable(const hidl_vec<uint16_t>& vecTable, uint16_t u16Count) {
+    auto pu16Table = Scratch<uint16_t>::zeroed(std::max(u16Count, kGammaEntries));
+    if (pu16Table) {
+        std::copy_n(vecTable.data(), u16Count, pu16Table.get());
+    }
+    return pu16Table;
 }
 
 }  // namespace
@@ -127,7 +107,10 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_pq_range(
         _hidl_cb(stRange, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_pq_range, stRange);
+    fapi_core::ZvtTvFApiDispHsyModelRange stChipRange;
+    clearBytes(stChipRange);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_pq_range, &stChipRange);
+    copyTwin(stChipRange, stRange);
     _hidl_cb(stRange, s32Ret);
     FAPI_LOGE("a_zvttvfapi_disp_get_pq_range %d", s32Ret);
     return Void();
@@ -141,7 +124,11 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_tcon_info(
         _hidl_cb(stInfo, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_tcon_info, stInfo);
+    fapi_core::ZvtTvFApiDispTconInfo stChipInfo;
+    clearBytes(stChipInfo);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_tcon_info, &stChipInfo);
+    copyTwin(stChipInfo, stInfo);
+    stInfo.bEnabled = stChipInfo.u8Enabled != 0;
     _hidl_cb(stInfo, s32Ret);
     FAPI_LOGE("a_hidl_a_zvttvfapi_disp_get_tcon_info %d", s32Ret);
     return Void();
@@ -211,7 +198,10 @@ Return<void> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_get_frc_device_info(
         _hidl_cb(stInfo, FAPI_NOT_READY);
         return Void();
     }
-    const int32_t s32Ret = readRecord(a_zvttvfapi_disp_get_frc_device_info, stInfo);
+    fapi_core::ZvtTvFApiDispExtFrcDeviceInfo stChipInfo;
+    clearBytes(stChipInfo);
+    const int32_t s32Ret = callChip(a_zvttvfapi_disp_get_frc_device_info, &stChipInfo);
+    copyTwin(stChipInfo, stInfo);
     _hidl_cb(stInfo, s32Ret);
     FAPI_LOGE("a_zvttvfapi_disp_get_frc_device_info %d", s32Ret);
     return Void();
@@ -280,24 +270,21 @@ Return<int32_t> ZvtTvFApiDisplay::a_hidl_a_zvttvfapi_disp_set_gamma_curve(const 
         FAPI_LOGE("Invalid Gamma Table Size.\n");
         return FAPI_INVALID_ARGUMENT;
     }
-    auto pu16Red = Scratch<uint16_t>::uncleared(u16RedSize);
+    auto pu16Red = gammaTable(vecRed, u16RedSize);
     if (!pu16Red) {
         FAPI_LOGE("Allocate pu16RedGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    auto pu16Green = Scratch<uint16_t>::uncleared(u16GreenSize);
+    auto pu16Green = gammaTable(vecGreen, u16GreenSize);
     if (!pu16Green) {
         FAPI_LOGE("Allocate pu16GreenGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    auto pu16Blue = Scratch<uint16_t>::uncleared(u16BlueSize);
+    auto pu16Blue = gammaTable(vecBlue, u16BlueSize);
     if (!pu16Blue) {
         FAPI_LOGE("Allocate pu16BlueGammaData failed.\n");
         return FAPI_NO_MEMORY;
     }
-    pu16Red.copyFrom(vecRed);
-    pu16Green.copyFrom(vecGreen);
-    pu16Blue.copyFrom(vecBlue);
     const int32_t s32Ret = callChip(a_zvttvfapi_disp_set_gamma_curve, pu16Red, pu16Green, pu16Blue);
     FAPI_LOG_OUTCOME("a_hidl_a_zvttvfapi_disp_set_gamma_curve", s32Ret);
     return s32Ret;

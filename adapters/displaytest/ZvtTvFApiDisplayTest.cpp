@@ -2,13 +2,22 @@
 
 #include "adapters/displaytest/ZvtTvFApiDisplayTest.h"
 
-#include "adapters/displaytest/PatternRecords.h"
 #include "chiplayer/disptst.h"
 #include "service/frame/Call.h"
 #include "service/frame/Log.h"
 #include "service/frame/Scratch.h"
+#include "service/frame/Twin.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
+
+FAPI_TWIN(ZvtTvFApiDispTstColor, u32Red, u32Green, u32Blue, u8Alpha);
+FAPI_TWIN(ZvtTvFApiDispTstPattern, stForeground, u32X, u32Y, u32Width, u32Height, u32Columns, u32Rows,
+          u16LineWidth, u8Vertical, u8Invert, stBackground, stLine, u32Duration);
+FAPI_TWIN(ZvtTvFApiGOPPatternLine_t, u32StartX, u32StartY, u32EndX, u32EndY, u32Color);
+FAPI_TWIN(ZvtTvFApiGOPPatternRect_t, u32X, u32Y, u32Width, u32Height, u32FillColor, u32BorderColor, u8Fill,
+          u8BorderWidth, u8CornerRadius, u8Blend);
+FAPI_TWIN(ZvtTvFApiGOPPatternAttr_t, u8Alpha, u16X, u16Y, u16Width, u16Height, u16LineWidth, u32BackColor);
+FAPI_TWIN(ZvtTvFApiColor, u16Red, u16Green, u16Blue);
 
 // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiDisplayTest follow.
 
@@ -23,7 +32,7 @@ Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_set_burning_mod
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_test_pattern(
         uint32_t u32Pattern, const ZvtTvFApiDispTstPattern& stPattern) {
-    return forward(a_zvttvfapi_disptst_gen_test_pattern, u32Pattern, chipRecord(stPattern));
+    return forward(a_zvttvfapi_disptst_gen_test_pattern, u32Pattern, stPattern);
 }
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(
@@ -59,12 +68,12 @@ Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_set_pq_on_off(b
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line(
         const ZvtTvFApiGOPPatternLine_t& stLine) {
-    return forward(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line, chipRecord(stLine));
+    return forward(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_line, stLine);
 }
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(
         const ZvtTvFApiGOPPatternRect_t& stRect) {
-    return forward(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect, chipRecord(stRect));
+    return forward(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect, stRect);
 }
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_gop_test_pattern_draw_bitmap(
@@ -78,7 +87,7 @@ Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gen_gop_test_pa
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_a_zvttvfapi_disptst_gop_pattern_set_attr(
         const ZvtTvFApiGOPPatternAttr_t& stAttr) {
-    return forward(a_zvttvfapi_disptst_gop_pattern_set_attr, chipRecord(stAttr));
+    return forward(a_zvttvfapi_disptst_gop_pattern_set_attr, stAttr);
 }
 
 Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_zvttvfapi_disptst_set_burning_mode_adv(
@@ -102,7 +111,7 @@ Return<int32_t> ZvtTvFApiDisplayTest::a_hidl_zvttvfapi_disptst_set_burning_mode_
         return FAPI_NO_MEMORY;
     }
     for (size_t i = 0; i < u8Count; ++i) {
-        pstColors[i] = chipRecord(vecColors[i]);
+        pstColors[i] = toTwin(vecColors[i]);
     }
     pstParam[0].pColorTable = pstColors.get();
     pstParam[0].u8ColorCount = u8Count;

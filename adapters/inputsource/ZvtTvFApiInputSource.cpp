@@ -12,27 +12,11 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::hardware::Void;
 
-FAPI_TWIN_SIZE(ZvtTvFApiAdcPhase_t);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcPhase_t, u32RedPhase);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcPhase_t, u32GreenPhase);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcPhase_t, u32BluePhase);
-
-FAPI_TWIN_SIZE(ZvtTvFApiAdcGainOffset_t);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32RedGain);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32GreenGain);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32BlueGain);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32RedOffset);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32GreenOffset);
-FAPI_TWIN_FIELD(ZvtTvFApiAdcGainOffset_t, u32BlueOffset);
-
-FAPI_TWIN_SIZE(ZvtTvFApiVideoTiming);
-FAPI_TWIN_FIELD(ZvtTvFApiVideoTiming, u16HActive);
-FAPI_TWIN_FIELD(ZvtTvFApiVideoTiming, u16HTotal);
-FAPI_TWIN_FIELD(ZvtTvFApiVideoTiming, u16VActive);
-FAPI_TWIN_FIELD(ZvtTvFApiVideoTiming, u16VTotal);
-FAPI_TWIN_FIELD(ZvtTvFApiVideoTiming, u32FrameRate);
-static_assert(offsetof(ZvtTvFApiVideoTiming, bInterlaced) ==
-              offsetof(fapi_core::ZvtTvFApiVideoTiming, u8Interlaced));
+FAPI_TWIN(ZvtTvFApiAdcPhase_t, u32RedPhase, u32GreenPhase, u32BluePhase);
+FAPI_TWIN(ZvtTvFApiAdcGainOffset_t, u32RedGain, u32GreenGain, u32BlueGain, u32RedOffset, u32GreenOffset,
+          u32BlueOffset);
+FAPI_TWIN(ZvtTvFApiVideoTiming, u16HActive, u16HTotal, u16VActive, u16VTotal, u32FrameRate);
+FAPI_TWIN_FLAG(ZvtTvFApiVideoTiming, bInterlaced, u8Interlaced);
 
 // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInputSource follow.
 
@@ -120,7 +104,7 @@ Return<void> ZvtTvFApiInputSource::a_hidl_zvttvfapi_inpsrc_get_adc_phase(
     fapi_core::ZvtTvFApiAdcPhase_t stChipPhase;
     clearBytes(stChipPhase);
     const int32_t s32Ret = callChip(a_zvttvfapi_inpsrc_get_adc_phase, u32Source, &stChipPhase);
-    copyToTwin(stChipPhase, stPhase);
+    copyTwin(stChipPhase, stPhase);
     FAPI_LOGE("ZvtTvFApiInputsource get adc phase s32Ret %d", s32Ret);
     _hidl_cb(stPhase, s32Ret);
     return Void();
@@ -137,7 +121,7 @@ Return<void> ZvtTvFApiInputSource::a_hidl_zvttvfapi_inpsrc_get_adc_gain_offset(
     fapi_core::ZvtTvFApiAdcGainOffset_t stChipGainOffset;
     clearBytes(stChipGainOffset);
     const int32_t s32Ret = callChip(a_zvttvfapi_inpsrc_get_adc_gain_offset, u32Source, &stChipGainOffset);
-    copyToTwin(stChipGainOffset, stGainOffset);
+    copyTwin(stChipGainOffset, stGainOffset);
     FAPI_LOGE("ZvtTvFApiIntputSource get adc gain offset s32Ret %d", s32Ret);
     _hidl_cb(stGainOffset, s32Ret);
     return Void();
@@ -213,11 +197,7 @@ Return<void> ZvtTvFApiInputSource::a_hidl_zvttvfapi_inpsrc_get_input_timing(
     fapi_core::ZvtTvFApiVideoTiming stChipTiming;
     clearBytes(stChipTiming);
     const int32_t s32Ret = callChip(a_zvttvfapi_inpsrc_get_input_timing, stChipTiming);
-    stTiming.u16HActive = stChipTiming.u16HActive;
-    stTiming.u16HTotal = stChipTiming.u16HTotal;
-    stTiming.u16VActive = stChipTiming.u16VActive;
-    stTiming.u16VTotal = stChipTiming.u16VTotal;
-    stTiming.u32FrameRate = stChipTiming.u32FrameRate;
+    copyTwin(stChipTiming, stTiming);
     stTiming.bInterlaced = stChipTiming.u8Interlaced != 0;
     _hidl_cb(stTiming, s32Ret);
     FAPI_LOGE("a_zvttvfapi_inpsrc_get_input_timing %d", s32Ret);

@@ -47,7 +47,7 @@ FAPI_TWIN_VALUE(ZvtTvFApiPwmChannel, UNKNOWN);
 FAPI_TWIN_VALUE(ZvtTvFApiReloadHdcp, STATE);
 
 using ChipEdid = fapi_core::ZvtTvFApiHDMI_EDID_Data_t;
-static_assert(sizeof(ZvtTvFApiHDMI_EDID_Data_t) == sizeof(ChipEdid));
+FAPI_TWIN(ZvtTvFApiHDMI_EDID_Data_t, au8EdidData);
 
 // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiPeripheral follow.
 //
@@ -436,8 +436,8 @@ Return<void> ZvtTvFApiPeripheral::a_hidl_a_zvttvfapi_prphrl_get_hdmi_edid_data(
     FAPI_LOGD("a_hidl_zvttvfapi_prphrl_get_hdmi_edid_data s32Ret=%d", s32Ret);
     for (int i = 0; i < int(sizeof(stChipEdid.au8EdidData)); ++i) {
         FAPI_LOGD("Edid data[%d] = 0x%x\n", i, stChipEdid.au8EdidData[i]);
-        stEdid.au8EdidData[i] = stChipEdid.au8EdidData[i];
     }
+    copyTwin(stChipEdid, stEdid);
     _hidl_cb(stEdid, s32Ret);
     return Void();
 }
@@ -485,7 +485,7 @@ Return<int32_t> ZvtTvFApiPeripheral::a_hidl_zvttvfapi_prphrl_switch_to_ttys1(boo
     if (!fapiReady()) {
         return FAPI_NOT_READY;
     }
-    callChip(a_zvttvfapi_prphrl_switch_to_ttys1, bEnable);
+    (void)callChip(a_zvttvfapi_prphrl_switch_to_ttys1, bEnable);
     return FAPI_OK;
 }
 

@@ -7,7 +7,7 @@ namespace android::hardware {
 uint32_t Complaints::count(const Credentials& who) {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     Culprit& culprit = mCulprits[static_cast<size_t>(who.pid) % mCulprits.size()];
     if (now.tv_sec - culprit.lastSecond > kForgottenSeconds) {
         culprit = {};

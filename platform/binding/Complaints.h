@@ -4,7 +4,8 @@
 
 #include <array>
 #include <cstdint>
-#include <mutex>
+
+#include "platform/binding/CheckedLock.h"
 
 namespace android::hardware {
 
@@ -41,8 +42,8 @@ class Complaints {
         int64_t lastSecond = 0;
     };
 
-    std::mutex mLock;
-    std::array<Culprit, 64> mCulprits;  // by pid; those that meet here share a count
+    CheckedMutex mLock;
+    std::array<Culprit, 64> mCulprits GUARDED_BY(mLock);  // by pid; those that meet here share a count
 };
 
 }  // namespace android::hardware

@@ -4,6 +4,8 @@
 #include <hidl/Static.h>
 #include <log/log.h>
 
+#include <new>
+
 #include "platform/binding/Backend.h"
 
 using ::android::hidl::base::V1_0::IBase;
@@ -26,13 +28,9 @@ void hidl_binder_death_recipient::binderDied(const wp<IBinder>& /* who */) {
     }
 }
 
-sp<IBinder> getOrCreateCachedBinder(IBase* object) {
-    if (object->isRemote()) {
-        return details::remoteOf(object);
-    }
-    if (sp<BHwBinder> stub = details::gBnMap->get(object); stub != nullptr) {
-        return stub;
-    }
+namespace {
+
+sp<IBinder> makeStub(IBase* object) {
     std::string descriptor;
     const Return<void> asked =
             object->interfaceDescriptor([&](const hidl_string& answer) { descriptor = answer; });
@@ -45,6 +43,23 @@ sp<IBinder> getOrCreateCachedBinder(IBase* object) {
     // takes for its interface.
     const sp<IBinder> made = make(object);
     return details::gBnMap->getOrSet(object, made->localBinder());
+}
+
+}  // namespace
+
+sp<IBinder> getOrCreateCachedBinder(IBase* object) {
+    if (object->isRemote()) {
+        return details::remoteOf(object);
+    }
+    if (sp<BHwBinder> stub = details::gBnMap->get(object); stub != nullptr) {
+        return stub;
+    }
+    try {
+        return makeStub(object);
+    } catch (const std::bad_alloc&) {
+        ALOGE("no memory for the stub of an object");
+        return nullptr;
+    }
 }
 
 status_t readEmbeddedFromParcel(hidl_string& text, const Parcel& parcel, size_t parentHandle,

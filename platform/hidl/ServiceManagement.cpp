@@ -4,6 +4,7 @@
 #include <hidl/ServiceManagement.h>
 #include <log/log.h>
 
+#include <new>
 #include <vector>
 
 #include "platform/binding/Backend.h"
@@ -51,7 +52,11 @@ status_t addTo(Names& names, const sp<IBase>& service, const std::string& instan
 namespace details {
 
 status_t registerAsServiceInternal(const sp<IBase>& service, const std::string& instance) {
-    return addTo(Backend::self().names(), service, instance);
+    try {
+        return addTo(Backend::self().names(), service, instance);
+    } catch (const std::bad_alloc&) {
+        return NO_MEMORY;
+    }
 }
 
 sp<IBinder> getServiceBinder(const char* descriptor, const std::string& instance, bool retry, bool getStub) {
@@ -59,7 +64,12 @@ sp<IBinder> getServiceBinder(const char* descriptor, const std::string& instance
         ALOGE("%s/%s can not be loaded into this process", descriptor, instance.c_str());
         return nullptr;
     }
-    return Backend::self().names().get(descriptor, instance, retry);
+    try {
+        return Backend::self().names().get(descriptor, instance, retry);
+    } catch (const std::bad_alloc&) {
+        ALOGE("no memory to ask for %s/%s", descriptor, instance.c_str());
+        return nullptr;
+    }
 }
 
 }  // namespace details

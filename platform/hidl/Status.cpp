@@ -3,6 +3,8 @@
 #include <hidl/Status.h>
 #include <log/log.h>
 
+#include <new>
+
 #include "platform/binding/StatusText.h"
 
 namespace android::hardware {
@@ -22,7 +24,11 @@ Status Status::fromStatusT(status_t error) {
 void Status::setException(int32_t exception, const char* message) {
     mException = exception;
     mTransactionError = exception == EX_TRANSACTION_FAILED ? FAILED_TRANSACTION : OK;
-    mMessage = *message == '\0' ? nullptr : std::make_shared<const std::string>(message);
+    try {
+        mMessage = *message == '\0' ? nullptr : std::make_shared<const std::string>(message);
+    } catch (const std::bad_alloc&) {
+        mMessage = nullptr;  // the number says enough
+    }
 }
 
 std::string Status::description() const {

@@ -2,20 +2,21 @@
 
 #include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <system_error>
 #include <thread>
+
+#include "platform/binding/CheckedLock.h"
 
 namespace android::hardware::details {
 
 /** Shared with the thread, which may outlive the runner: a task may drop the last reference to it. */
 struct TaskRunner::Queue {
     const size_t limit;
-    std::mutex lock;  // guards the rest
+    CheckedMutex lock;
     std::condition_variable changed;
-    std::deque<std::function<void()>> tasks;
-    bool hasThread = false;
-    bool ends = false;
+    std::deque<std::function<void()>> tasks GUARDED_BY(lock);
+    bool hasThread GUARDED_BY(lock) = false;
+    bool ends GUARDED_BY(lock) = false;
 
     explicit Queue(size_t most) : limit(most) {}
 };
@@ -26,14 +27,14 @@ void TaskRunner::start(size_t limit) {
 
 TaskRunner::~TaskRunner() {
     if (mQueue != nullptr) {
-        const std::lock_guard lock(mQueue->lock);
+        const CheckedLock lock(mQueue->lock);
         mQueue->ends = true;
         mQueue->changed.notify_one();
     }
 }
 
 bool TaskRunner::push(const std::function<void()>& task) {
-    const std::lock_guard lock(mQueue->lock);
+    const CheckedLock lock(mQueue->lock);
     if (mQueue->tasks.size() >= mQueue->limit) {
         return false;
     }
@@ -51,9 +52,10 @@ bool TaskRunner::push(const std::function<void()>& task) {
 }
 
 void TaskRunner::run(const std::shared_ptr<Queue>& queue) {
-    std::unique_lock lock(queue->lock);
+    CheckedLock lock(queue->lock);
     while (true) {
-        queue->changed.wait(lock, [&] { return queue->ends || !queue->tasks.empty(); });
+        queue->changed.wait(lock,
+                            [&]() REQUIRES(queue->lock) { return queue->ends || !queue->tasks.empty(); });
         if (queue->tasks.empty()) {
             return;
         }

@@ -79,10 +79,13 @@ void sendResults(Peer& peer, const Parcel& results, Answer& answer) {
     }
     const Credentials who = peer.credentials();
     if (peer.transport().complaints().count(who) != 0) {
-        ALOGW("no reply to pid %d uid %u: %s", who.pid, who.uid,
+        // Without a text of its own, which would take memory: a method is on the stack, see runCall().
+        ALOGW("no reply to pid %d uid %u: %s (%d)", who.pid, who.uid,
               status == FAILED_TRANSACTION  ? "the results exceed one transaction"
               : status == INVALID_OPERATION ? "they have descriptors, and the call had none"
-                                            : statusText(status).c_str());
+              : status == NO_MEMORY         ? "no memory for the results"
+                                            : "they could not be sent",
+              status);
     }
     answer.sendStatus(status);
 }
@@ -291,6 +294,9 @@ void runCall(Peer& peer, Message message, Answer* answer, std::unique_ptr<Descri
             status = object->transact(head.code, data, &reply, answer == nullptr ? IBinder::FLAG_ONEWAY : 0u,
                                       onResults);
         } catch (const std::bad_alloc&) {
+            // What the generated code itself asked for, or a method that should have caught it. Built without
+            // exceptions, its frames are passed over and clean nothing up: what they held is lost. Where they
+            // have no unwind tables either, the process has ended instead.
             status = NO_MEMORY;
         }
         // A stub that answers with an exception status writes it without asking for the reply to be sent.

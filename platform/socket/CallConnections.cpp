@@ -11,8 +11,10 @@ namespace android::hardware {
 
 status_t CallConnections::borrow(Connect connect, void* context, Lease* lease) {
     {
-        std::unique_lock<std::mutex> lock(mLock);
-        mFree.wait(lock, [this] { return mEnded || !mIdle.empty() || mCount < kMaxCallConnections; });
+        CheckedLock lock(mLock);
+        mFree.wait(lock, [this]() REQUIRES(mLock) {
+            return mEnded || !mIdle.empty() || mCount < kMaxCallConnections;
+        });
         if (mEnded) {
             return DEAD_OBJECT;
         }
@@ -36,7 +38,7 @@ status_t CallConnections::borrow(Connect connect, void* context, Lease* lease) {
     } catch (const std::bad_alloc&) {
         status = NO_MEMORY;
     }
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (!fd.ok() || mEnded) {
         --mCount;
         mFree.notify_one();
@@ -51,7 +53,7 @@ status_t CallConnections::borrow(Connect connect, void* context, Lease* lease) {
 
 CallConnections::Lease::~Lease() {
     if (mOwner != nullptr) {
-        const std::lock_guard<std::mutex> lock(mOwner->mLock);
+        const CheckedLock lock(mOwner->mLock);
         mOwner->forget(mFd.get());
         --mOwner->mCount;
         mOwner->mFree.notify_one();
@@ -60,7 +62,7 @@ CallConnections::Lease::~Lease() {
 
 void CallConnections::Lease::giveBack(bool proven) {
     CallConnections& owner = *std::exchange(mOwner, nullptr);
-    const std::lock_guard<std::mutex> lock(owner.mLock);
+    const CheckedLock lock(owner.mLock);
     owner.forget(mFd.get());
     if (owner.mEnded) {
         --owner.mCount;
@@ -75,7 +77,7 @@ void CallConnections::forget(int fd) {
 }
 
 void CallConnections::end() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mEnded = true;
     mCount -= mIdle.size();
     mIdle.clear();
@@ -86,12 +88,12 @@ void CallConnections::end() {
 }
 
 size_t CallConnections::count() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mCount;
 }
 
 bool CallConnections::areDead() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mCount == mIdle.size() && std::all_of(mIdle.begin(), mIdle.end(), [](const Idle& idle) {
                uint8_t byte;
                return receiveSome(idle.fd.get(), &byte, 1, MSG_DONTWAIT | MSG_PEEK) >= 0 ||

@@ -2,9 +2,9 @@
 
 #include <condition_variable>
 #include <cstddef>
-#include <mutex>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/Socket.h"
 
 namespace android::hardware {
@@ -65,14 +65,14 @@ class CallConnections {
         bool proven;
     };
 
-    void forget(int fd);
+    void forget(int fd) REQUIRES(mLock);
 
-    std::mutex mLock;  // guards the rest
+    CheckedMutex mLock;
     std::condition_variable mFree;
-    std::vector<Idle> mIdle;
-    std::vector<int> mBusy;
-    size_t mCount = 0;  // idle, in use and being made
-    bool mEnded = false;
+    std::vector<Idle> mIdle GUARDED_BY(mLock);
+    std::vector<int> mBusy GUARDED_BY(mLock);
+    size_t mCount GUARDED_BY(mLock) = 0;  // idle, in use and being made
+    bool mEnded GUARDED_BY(mLock) = false;
 };
 
 }  // namespace android::hardware

@@ -25,7 +25,7 @@ Exports::Table::iterator Exports::entryOf(const sp<BHwBinder>& object) {
 }
 
 void Exports::pin(const sp<BHwBinder>& object, uint64_t* number, uint64_t* nonce) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto entry = entryOf(object);
     ++entry->second.pins;
     *number = entry->first;
@@ -34,7 +34,7 @@ void Exports::pin(const sp<BHwBinder>& object, uint64_t* number, uint64_t* nonce
 
 void Exports::unpin(uint64_t number) {
     sp<BHwBinder> last;
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto entry = mEntries.find(number);
     --entry->second.pins;
     last = dropIfUnused(entry);
@@ -48,7 +48,7 @@ void Exports::add(Table::iterator entry, Holds* holds) {
 }
 
 bool Exports::hold(const sp<BHwBinder>& object, Holds* holds, uint64_t* number, uint64_t* nonce) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (holds->closed) {
         return false;
     }
@@ -65,7 +65,7 @@ bool Exports::hold(const sp<BHwBinder>& object, Holds* holds, uint64_t* number, 
 }
 
 bool Exports::holdFor(uint64_t number, uint64_t nonce, Holds* holds) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto entry = mEntries.find(number);
     if (holds->closed || entry == mEntries.end() || entry->second.nonce != nonce) {
         return false;
@@ -90,7 +90,7 @@ sp<BHwBinder> Exports::dropIfUnused(Table::iterator entry) {
 
 void Exports::release(uint64_t number, uint64_t count, Holds* holds) {
     sp<BHwBinder> last;
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto entry = mEntries.find(number);
     if (count == 0 || holds->closed || entry == mEntries.end()) {
         return;
@@ -119,14 +119,14 @@ void Exports::release(uint64_t number, uint64_t count, Holds* holds) {
 void Exports::releaseAll(Holds* holds) {
     std::unordered_map<uint64_t, int64_t> balances;
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         holds->closed = true;
         balances.swap(holds->balances);
     }
     // One at a time, each released outside the lock: it takes no memory to remember them.
     for (const auto& [number, balance] : balances) {
         sp<BHwBinder> last;
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         const auto entry = mEntries.find(number);
         if (entry == mEntries.end()) {
             continue;
@@ -139,13 +139,13 @@ void Exports::releaseAll(Holds* holds) {
 }
 
 sp<BHwBinder> Exports::find(uint64_t number, uint64_t nonce) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto entry = mEntries.find(number);
     return entry != mEntries.end() && entry->second.nonce == nonce ? entry->second.object : nullptr;
 }
 
 size_t Exports::size() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mEntries.size();
 }
 

@@ -3,10 +3,10 @@
 #include <hwbinder/IBinder.h>
 
 #include <cstdint>
-#include <mutex>
 #include <unordered_map>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/Message.h"
 
 namespace android::hardware {
@@ -65,14 +65,14 @@ class Exports {
     };
     using Table = std::unordered_map<uint64_t, Entry>;
 
-    Table::iterator entryOf(const sp<BHwBinder>& object);
-    void add(Table::iterator entry, Holds* holds);
-    sp<BHwBinder> dropIfUnused(Table::iterator entry);
+    Table::iterator entryOf(const sp<BHwBinder>& object) REQUIRES(mLock);
+    void add(Table::iterator entry, Holds* holds) REQUIRES(mLock);
+    sp<BHwBinder> dropIfUnused(Table::iterator entry) REQUIRES(mLock);
 
-    std::mutex mLock;
-    Table mEntries;
-    std::unordered_map<BHwBinder*, uint64_t> mNumbers;
-    uint64_t mNextNumber = 1;  // never reused: a late call can not reach another object
+    CheckedMutex mLock;
+    Table mEntries GUARDED_BY(mLock);
+    std::unordered_map<BHwBinder*, uint64_t> mNumbers GUARDED_BY(mLock);
+    uint64_t mNextNumber GUARDED_BY(mLock) = 1;  // never reused: a late call can not reach another object
 };
 
 }  // namespace android::hardware

@@ -32,7 +32,7 @@ size_t sendBufferOf(int fd) {
 }  // namespace
 
 status_t OneWayChannel::open(UniqueFd fd, int epoll) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mState == State::Ended) {
         return DEAD_OBJECT;
     }
@@ -62,7 +62,7 @@ status_t OneWayChannel::send(Gather message) {
 
 /** @param lags set when the queue has grown enough to let others run before more is sent */
 status_t OneWayChannel::sendOrQueue(Gather message, bool* lags) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mState == State::Greeting && readWelcome()) {
         flush();
     }
@@ -94,7 +94,7 @@ status_t OneWayChannel::sendOrQueue(Gather message, bool* lags) {
     return OK;
 }
 
-/** The lock is held. Whether so many bytes more may wait for the peer. */
+/** Whether so many bytes more may wait for the peer. */
 bool OneWayChannel::fits(size_t bytes) {
     const size_t queued = mQueue.size() - mQueueStart;
     if (queued + bytes + mKernelMost <= kMaxOneWayBytes) {
@@ -111,11 +111,11 @@ bool OneWayChannel::fits(size_t bytes) {
 }
 
 bool OneWayChannel::hasRoomFor(size_t bytes) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return fits(bytes);
 }
 
-/** The lock is held. All the room that the queue may ever need is reserved at once; untouched, it costs
+/** All the room that the queue may ever need is reserved at once; untouched, it costs
  * nothing. */
 bool OneWayChannel::makeRoom(size_t bytes) {
     if (mQueue.capacity() - mQueue.size() >= bytes) {
@@ -138,7 +138,7 @@ void OneWayChannel::append(const Gather& rest) {
     }
 }
 
-/** The lock is held. True when the peer has welcomed us; then the connection is open. */
+/** True when the peer has welcomed us; then the connection is open. */
 bool OneWayChannel::readWelcome() {
     auto* bytes = reinterpret_cast<uint8_t*>(&mWelcome);
     const ssize_t got =
@@ -156,7 +156,7 @@ bool OneWayChannel::readWelcome() {
     return true;
 }
 
-/** The lock is held. Sends what is queued, as far as the socket takes it. False when the connection has
+/** Sends what is queued, as far as the socket takes it. False when the connection has
  * ended. */
 bool OneWayChannel::flush() {
     if (mQueue.size() > mQueueStart) {
@@ -180,7 +180,7 @@ bool OneWayChannel::flush() {
 }
 
 void OneWayChannel::awaitWelcome(int milliseconds) {
-    std::unique_lock<std::mutex> lock(mLock);
+    CheckedLock lock(mLock);
     if (mState == State::Greeting && !mAwaited) {
         mAwaited = !mAnswered.wait_for(lock, std::chrono::milliseconds(milliseconds),
                                        [this] { return mState != State::Greeting; });
@@ -188,7 +188,7 @@ void OneWayChannel::awaitWelcome(int milliseconds) {
 }
 
 OneWayChannel::Event OneWayChannel::update() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (!mFd.ok()) {
         return Event::None;
     }
@@ -209,7 +209,7 @@ OneWayChannel::Event OneWayChannel::update() {
 }
 
 void OneWayChannel::closeRefused() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     closeFd();
     if (mState == State::Greeting) {
         mState = State::Closed;
@@ -225,7 +225,7 @@ void OneWayChannel::watchForRoom(bool wanted) {
 }
 
 void OneWayChannel::end() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mState == State::Ended) {
         return;
     }
@@ -240,7 +240,7 @@ void OneWayChannel::end() {
 
 void OneWayChannel::close() {
     end();
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     closeFd();
 }
 
@@ -254,12 +254,12 @@ void OneWayChannel::closeFd() {
 }
 
 int OneWayChannel::fd() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mFd.get();
 }
 
 size_t OneWayChannel::queuedBytes() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mQueue.size() - mQueueStart;
 }
 

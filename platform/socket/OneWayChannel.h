@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/Socket.h"
 
 namespace android::hardware {
@@ -79,25 +80,26 @@ class OneWayChannel {
 
   private:
     status_t sendOrQueue(Gather message, bool* lags);
-    bool fits(size_t bytes);
-    bool makeRoom(size_t bytes);
-    void append(const Gather& rest);
-    bool readWelcome();
-    bool flush();
-    void watchForRoom(bool wanted);
-    void closeFd();
+    bool fits(size_t bytes) REQUIRES(mLock);
+    bool makeRoom(size_t bytes) REQUIRES(mLock);
+    void append(const Gather& rest) REQUIRES(mLock);
+    bool readWelcome() REQUIRES(mLock);
+    bool flush() REQUIRES(mLock);
+    void watchForRoom(bool wanted) REQUIRES(mLock);
+    void closeFd() REQUIRES(mLock);
 
-    std::mutex mLock;
-    std::condition_variable mAnswered;  // no longer Greeting
-    bool mAwaited = false;              // in vain
-    UniqueFd mFd;
-    int mEpoll = -1;
+    CheckedMutex mLock;
+    std::condition_variable mAnswered;        // no longer Greeting
+    bool mAwaited GUARDED_BY(mLock) = false;  // in vain
+    UniqueFd mFd GUARDED_BY(mLock);
+    int mEpoll GUARDED_BY(mLock) = -1;
     std::atomic<State> mState{State::Closed};  // changed under the lock
-    std::vector<uint8_t> mQueue;
-    size_t mQueueStart = 0;  // bytes of the queue that are out already
-    size_t mKernelMost = 0;  // what the kernel may hold of ours; 0 while there is no connection
-    MessageHeader mWelcome;  // as far as it has come
-    size_t mWelcomeHave = 0;
+    std::vector<uint8_t> mQueue GUARDED_BY(mLock);
+    size_t mQueueStart GUARDED_BY(mLock) = 0;  // bytes of the queue that are out already
+    size_t mKernelMost GUARDED_BY(mLock) =
+            0;  // what the kernel may hold of ours; 0 while there is no connection
+    MessageHeader mWelcome GUARDED_BY(mLock);  // as far as it has come
+    size_t mWelcomeHave GUARDED_BY(mLock) = 0;
 };
 
 }  // namespace android::hardware

@@ -52,7 +52,7 @@ Peer::~Peer() {
 
 const char* Peer::admit(const Credentials& credentials) {
     std::shared_ptr<Process> process = mTransport.processes().get(credentials);
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mKeptProcess != nullptr) {
         const Credentials& known = mKeptProcess->credentials();
         return known.pid == credentials.pid && known.uid == credentials.uid
@@ -447,7 +447,7 @@ void Peer::handedOver(uint64_t number, uint64_t nonce, const Endpoint& receiver)
 }
 
 const char* Peer::addInbound(int fd, bool control) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mState == State::Ended || (mState == State::Draining && mHeardOut)) {
         return "a peer that has ended does not come back";
     }
@@ -467,7 +467,7 @@ void Peer::removeInbound(int fd, bool control, bool welcomed) {
     bool last;
     bool draining;
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mInbound.erase(std::find(mInbound.begin(), mInbound.end(), fd));
         if (control) {
             mInboundControl = false;
@@ -506,7 +506,7 @@ void Peer::complain(const MessageHeader& head, status_t status) {
 
 void Peer::noteGone() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (mState != State::Alive) {
             return;
         }
@@ -520,7 +520,7 @@ void Peer::noteGone() {
 void Peer::heardOut() {
     bool done;
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mHeardOut = true;
         done = mInbound.empty();
     }
@@ -531,7 +531,7 @@ void Peer::heardOut() {
 
 bool Peer::isUnused() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (!mInbound.empty()) {
             return false;
         }
@@ -554,7 +554,7 @@ void Peer::drop(const char* rule) {
 
 void Peer::end() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (mState == State::Ended) {
             return;
         }

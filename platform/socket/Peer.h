@@ -7,6 +7,7 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/CallConnections.h"
 #include "platform/socket/Exports.h"
 #include "platform/socket/OneWayChannel.h"
@@ -145,12 +146,12 @@ class Peer final : public ObjectSource, public std::enable_shared_from_this<Peer
     std::mutex mControlOpening;  // nobody waits for a peer, or for code that is not ours, while holding it
     std::mutex mPaying;          // likewise
 
-    std::mutex mLock;                       // guards changes of what follows
+    CheckedMutex mLock;                     // guards changes of what follows
     std::shared_ptr<Process> mKeptProcess;  // set once
     std::atomic<Process*> mProcess{nullptr};
     std::atomic<State> mState{State::Alive};
-    std::vector<int> mInbound;  // descriptors
-    bool mInboundControl = false;
+    std::vector<int> mInbound GUARDED_BY(mLock);  // descriptors
+    bool mInboundControl GUARDED_BY(mLock) = false;
     std::atomic<bool> mHeardOut{false};
     std::atomic<bool> mWantsControl{false};
 };

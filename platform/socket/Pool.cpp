@@ -39,7 +39,7 @@ void Pool::stop() {
     mEnding = true;
     eventfd_write(mWake.get(), 1);
     {
-        std::unique_lock<std::mutex> lock(mLock);
+        CheckedLock lock(mLock);
         mThreadEnded.notify_all();
         mThreadEnded.wait(lock, [this] { return mThreads == 0; });
     }
@@ -49,13 +49,13 @@ void Pool::stop() {
 }
 
 void Pool::setMaxThreads(size_t maxThreads, bool callerWillJoin) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mMost = maxThreads;
     mMaxSpawned = maxThreads - (callerWillJoin && maxThreads > 0 ? 1 : 0);
 }
 
 void Pool::start() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mServing = true;
     // Connections that came before wait in the epoll instance; the first thread finds them.
     if (!mConnections.empty() || mFirstToBury != nullptr) {
@@ -65,7 +65,7 @@ void Pool::start() {
 
 void Pool::join() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mServing = true;
         ++mThreads;
     }
@@ -73,12 +73,11 @@ void Pool::join() {
     run(true);
 }
 
-/** The lock is held. */
 size_t Pool::mostSpawned() const {
     return mMaxSpawned + std::min(mWorkingOnDeaths, kMaxDeathThreads);
 }
 
-/** The lock is held. Keeps one thread free for the next connection, as far as the maximum allows. */
+/** Keeps one thread free for the next connection, as far as the maximum allows. */
 void Pool::spawnIfNeeded() {
     if (!mServing || mEnding || mIdle.load() > 0 || mSpawned >= mostSpawned()) {
         return;
@@ -104,13 +103,13 @@ void Pool::spawnIfNeeded() {
 }
 
 bool Pool::isReady() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     spawnIfNeeded();
     return mThreads > 0 || !mServing || mMaxSpawned == 0;
 }
 
 bool Pool::add(std::unique_ptr<Inbound>& connection) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mConnections.insert(connection.get());
     // The end of one that its maker has closed already is reported at once, whatever is asked for: under a
     // name that threads pass over, as the connection is the caller's until it is armed.
@@ -153,7 +152,7 @@ void Pool::unwatch(Inbound* connection) {
 
 void Pool::remove(Inbound* connection) {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mConnections.erase(connection);
     }
     delete connection;
@@ -188,7 +187,7 @@ void Pool::serve(Inbound* connection) {
 }
 
 bool Pool::bury(const std::shared_ptr<Peer>& peer) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mFirstToBury == nullptr) {
         mFirstToBury = peer;
     } else {
@@ -200,7 +199,7 @@ bool Pool::bury(const std::shared_ptr<Peer>& peer) {
     return mThreads > 0 || !mServing;
 }
 
-/** The lock is held. Has epoll wake one thread more for deaths, as long as there is work and so many may do
+/** Has epoll wake one thread more for deaths, as long as there is work and so many may do
  * it. */
 void Pool::armDeaths() {
     if (mDeathsArmed || mWorkingOnDeaths >= kMaxDeathThreads || (mFirstToBury == nullptr && mLinks.empty())) {
@@ -217,7 +216,7 @@ void Pool::armDeaths() {
  * taken out first, so that others go on with the rest if it blocks.
  */
 void Pool::buryAll() {
-    std::unique_lock<std::mutex> lock(mLock);
+    CheckedLock lock(mLock);
     while (mFirstToBury != nullptr || !mLinks.empty()) {
         DeathLinks links;
         std::shared_ptr<Peer> peer;
@@ -251,7 +250,7 @@ void Pool::buryAll() {
  * spawned in its place, one of the spawned has to end first: no more than the maximum serve at one time.
  */
 void Pool::countAgain(bool joined) {
-    std::unique_lock<std::mutex> lock(mLock);
+    CheckedLock lock(mLock);
     --mWorkingOnDeaths;
     armDeaths();
     mSurplus = mSpawned > mostSpawned();
@@ -259,7 +258,7 @@ void Pool::countAgain(bool joined) {
         eventfd_write(mLeave.get(), 1);
     }
     if (mSurplus && joined) {
-        mThreadEnded.wait(lock, [this] { return mEnding || mSpawned <= mostSpawned(); });
+        mThreadEnded.wait(lock, [this]() REQUIRES(mLock) { return mEnding || mSpawned <= mostSpawned(); });
     }
 }
 
@@ -268,7 +267,7 @@ bool Pool::isSurplus() {
     if (!mSurplus.load(std::memory_order_relaxed)) {
         return false;
     }
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const bool surplus = mSpawned > mostSpawned();
     mSpawned -= surplus ? 1 : 0;
     mSurplus = mSpawned > mostSpawned();
@@ -305,7 +304,7 @@ void Pool::run(bool joined) {
         }
         const bool isDeath = event.data.ptr == &mDeaths;
         if (mIdle.fetch_sub(1) == 1 || isDeath) {
-            const std::lock_guard<std::mutex> lock(mLock);
+            const CheckedLock lock(mLock);
             mWorkingOnDeaths += isDeath ? 1 : 0;
             mDeathsArmed = mDeathsArmed && !isDeath;
             spawnIfNeeded();
@@ -319,7 +318,7 @@ void Pool::run(bool joined) {
         ++mIdle;
     }
     --mIdle;
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mSpawned -= !joined && isCounted ? 1 : 0;
     --mThreads;
     mThreadEnded.notify_all();

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <unordered_set>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Proxy.h"
 #include "platform/socket/Socket.h"
 
@@ -28,7 +29,7 @@ class Pool {
     Pool();
 
     /** Ends all threads and connections; calls in progress are finished. Before its own end. */
-    void stop();
+    void stop() NO_THREAD_SAFETY_ANALYSIS;  // once no thread is left, it needs no lock
 
     /**
      * How many threads may serve at one time; 1 until it is called.
@@ -84,11 +85,11 @@ class Pool {
 
     void run(bool joined);
     void serve(Inbound* connection);
-    void armDeaths();
+    void armDeaths() REQUIRES(mLock);
     void countAgain(bool joined);
     bool isSurplus();
-    size_t mostSpawned() const;
-    void spawnIfNeeded();
+    size_t mostSpawned() const REQUIRES(mLock);
+    void spawnIfNeeded() REQUIRES(mLock);
     size_t shareOfOneProcess() const;
     void remove(Inbound* connection);
 
@@ -98,18 +99,18 @@ class Pool {
     UniqueFd mDeaths;  // an eventfd, always readable; armed for one thread at a time while there is work on
                        // deaths
 
-    std::mutex mLock;  // guards the rest but the atomics
+    CheckedMutex mLock;  // guards the rest but the atomics
     std::condition_variable mThreadEnded;
-    std::unordered_set<Inbound*> mConnections;
-    std::shared_ptr<Peer> mFirstToBury;  // linked through Peer::nextToBury
-    Peer* mLastToBury = nullptr;
-    DeathLinks mLinks;  // to be told
-    size_t mMaxSpawned = 1;
-    size_t mSpawned = 0;
-    size_t mWorkingOnDeaths = 0;
-    bool mDeathsArmed = false;
-    uint32_t mThreadsRefused = 0;  // by the system, since it gave one
-    bool mServing = false;
+    std::unordered_set<Inbound*> mConnections GUARDED_BY(mLock);
+    std::shared_ptr<Peer> mFirstToBury GUARDED_BY(mLock);  // linked through Peer::nextToBury
+    Peer* mLastToBury GUARDED_BY(mLock) = nullptr;
+    DeathLinks mLinks GUARDED_BY(mLock);  // to be told
+    size_t mMaxSpawned GUARDED_BY(mLock) = 1;
+    size_t mSpawned GUARDED_BY(mLock) = 0;
+    size_t mWorkingOnDeaths GUARDED_BY(mLock) = 0;
+    bool mDeathsArmed GUARDED_BY(mLock) = false;
+    uint32_t mThreadsRefused GUARDED_BY(mLock) = 0;  // by the system, since it gave one
+    bool mServing GUARDED_BY(mLock) = false;
 
     std::atomic<size_t> mMost{1};  // of all threads, the joining one included
     std::atomic<size_t> mIdle{0};

@@ -6,7 +6,7 @@
 namespace android::hardware {
 
 bool Process::addEndpoint() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mEndpoints >= kMaxEndpointsPerProcess) {
         return false;
     }
@@ -15,12 +15,12 @@ bool Process::addEndpoint() {
 }
 
 void Process::removeEndpoint() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     --mEndpoints;
 }
 
 bool Process::addConnection() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mConnections >= kMaxCallConnections) {
         return false;
     }
@@ -29,12 +29,12 @@ bool Process::addConnection() {
 }
 
 void Process::removeConnection() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     --mConnections;
 }
 
 bool Process::beginServing(Inbound* connection, size_t most) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mMost = most;
     if (connection->hasTurn || connection->isControl() || mServing < most) {
         mServing += connection->hasTurn ? 0 : 1;
@@ -52,7 +52,7 @@ bool Process::beginServing(Inbound* connection, size_t most) {
 }
 
 Inbound* Process::endServing() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     Inbound* const longest = mParkedFirst;
     if (longest == nullptr || mServing > mMost) {
         --mServing;
@@ -67,7 +67,7 @@ std::shared_ptr<Process> Processes::get(const Credentials& credentials) {
     if (credentials.pid == 0) {
         return std::make_shared<Process>(credentials);
     }
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mProcesses.find(credentials.pid);
     if (known != mProcesses.end()) {
         std::shared_ptr<Process> process = known->second.lock();

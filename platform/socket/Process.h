@@ -2,9 +2,9 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <unordered_map>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/Socket.h"
 
 namespace android::hardware {
@@ -46,14 +46,14 @@ class Process {
   private:
     const Credentials mCredentials;
 
-    std::mutex mLock;  // guards the rest
-    size_t mEndpoints = 0;
-    size_t mConnections = 0;
-    size_t mServing = 0;
-    size_t mMost = 1;  // of those, as far as they do not serve one-way messages
+    CheckedMutex mLock;
+    size_t mEndpoints GUARDED_BY(mLock) = 0;
+    size_t mConnections GUARDED_BY(mLock) = 0;
+    size_t mServing GUARDED_BY(mLock) = 0;
+    size_t mMost GUARDED_BY(mLock) = 1;  // of those, as far as they do not serve one-way messages
     std::atomic<Inbound*> mParkedFirst{
             nullptr};  // linked through Inbound::nextParked; changed under the lock
-    Inbound* mParkedLast = nullptr;
+    Inbound* mParkedLast GUARDED_BY(mLock) = nullptr;
 };
 
 /** The processes that we talk to. Any thread. */
@@ -66,8 +66,8 @@ class Processes {
     std::shared_ptr<Process> get(const Credentials& credentials);
 
   private:
-    std::mutex mLock;
-    std::unordered_map<pid_t, std::weak_ptr<Process>> mProcesses;
+    CheckedMutex mLock;
+    std::unordered_map<pid_t, std::weak_ptr<Process>> mProcesses GUARDED_BY(mLock);
 };
 
 }  // namespace android::hardware

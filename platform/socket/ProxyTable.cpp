@@ -26,7 +26,7 @@ status_t RemoteObject::watch() {
 
 sp<RemoteObject> ProxyTable::get(const std::shared_ptr<Peer>& peer, const ObjectName& name,
                                  uint64_t counted) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mEnded) {
         return nullptr;
     }
@@ -52,7 +52,7 @@ sp<RemoteObject> ProxyTable::get(const std::shared_ptr<Peer>& peer, const Object
 }
 
 void ProxyTable::owe(const ObjectName& name, uint64_t counted) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mEnded) {
         return;
     }
@@ -62,7 +62,7 @@ void ProxyTable::owe(const ObjectName& name, uint64_t counted) {
 }
 
 void ProxyTable::forget(RemoteObject* proxy) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mKnown.find(proxy->name());
     if (known == mKnown.end() || known->second.address != proxy) {
         return;
@@ -78,7 +78,7 @@ void ProxyTable::forget(RemoteObject* proxy) {
 }
 
 bool ProxyTable::nextOwed(ObjectName* name, uint32_t* count) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mOwed == 0) {
         return false;
     }
@@ -95,7 +95,7 @@ bool ProxyTable::nextOwed(ObjectName* name, uint32_t* count) {
 }
 
 void ProxyTable::paid(const ObjectName& name, uint32_t count) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mKnown.find(name);
     if (mEnded || known == mKnown.end()) {
         return;
@@ -108,7 +108,7 @@ void ProxyTable::paid(const ObjectName& name, uint32_t count) {
 }
 
 void ProxyTable::end(DeathLinks* links) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mEnded = true;
     for (auto& [name, known] : mKnown) {
         if (known.address != nullptr) {
@@ -121,7 +121,7 @@ void ProxyTable::end(DeathLinks* links) {
 }
 
 bool ProxyTable::empty() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mProxies == 0;
 }
 

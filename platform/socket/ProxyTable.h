@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <unordered_map>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Proxy.h"
 #include "platform/socket/Message.h"
 
@@ -81,12 +81,12 @@ class ProxyTable {
         size_t operator()(const ObjectName& name) const { return name.nonce; }  // random
     };
 
-    std::mutex mLock;  // guards the rest
-    std::unordered_map<ObjectName, Known, Hash> mKnown;
-    size_t mProxies = 0;  // entries that have one
-    size_t mOwed = 0;     // entries whose count is owed
-    ObjectName mOwedLast;
-    bool mEnded = false;
+    CheckedMutex mLock;
+    std::unordered_map<ObjectName, Known, Hash> mKnown GUARDED_BY(mLock);
+    size_t mProxies GUARDED_BY(mLock) = 0;  // entries that have one
+    size_t mOwed GUARDED_BY(mLock) = 0;     // entries whose count is owed
+    ObjectName mOwedLast GUARDED_BY(mLock);
+    bool mEnded GUARDED_BY(mLock) = false;
 };
 
 }  // namespace android::hardware

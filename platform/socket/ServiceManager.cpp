@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/binding/Backend.h"
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Interfaces.h"
 #include "platform/binding/StatusText.h"
 
@@ -60,7 +61,7 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
         } else if (status != NAME_NOT_FOUND) {
             return refuse(statusText(status));
         }
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         ALOGI_IF(status == NAME_NOT_FOUND && !mRunning, "waiting for %s/%s in %s", fqName.c_str(),
                  instance.c_str(), mRegistry.path().c_str());
         if (!mRunning && !start()) {
@@ -81,7 +82,7 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
     };
 
     /** With mLock held and no thread running. */
-    bool start() {
+    bool start() REQUIRES(mLock) {
         const status_t status = mWatch.start(mRegistry);
         if (status != OK) {
             return refuse(statusText(status));
@@ -104,7 +105,7 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
         std::list<Request> requests;  // the thread's own, so that no lock is held while it calls
         while (true) {
             {
-                const std::lock_guard lock(mLock);
+                const CheckedLock lock(mLock);
                 requests.splice(requests.end(), mAdded);
                 if (requests.empty()) {
                     mRunning = false;
@@ -161,9 +162,9 @@ class ServiceManager::Notifier : public std::enable_shared_from_this<Notifier> {
     Registry& mRegistry;
     Registry::Watch mWatch;  // set before the thread starts, then the thread's own
 
-    std::mutex mLock;  // guards the rest
-    std::list<Request> mAdded;
-    bool mRunning = false;
+    CheckedMutex mLock;
+    std::list<Request> mAdded GUARDED_BY(mLock);
+    bool mRunning GUARDED_BY(mLock) = false;
 };
 
 ServiceManager::ServiceManager(Registry& registry, Names& names)

@@ -115,7 +115,7 @@ status_t Transport::resolve(const ObjectReference& reference, sp<IBinder>* objec
 
 std::shared_ptr<Peer> Transport::peerAt(const Endpoint& endpoint) {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         const auto known = mPeers.find(endpoint);
         if (known != mPeers.end()) {
             return known->second;
@@ -124,7 +124,7 @@ std::shared_ptr<Peer> Transport::peerAt(const Endpoint& endpoint) {
     // A new process: often one that takes the place of one that we have not noticed to be gone.
     forgetDeadPeers();
     auto peer = std::make_shared<Peer>(*this, endpoint);
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mPeers.emplace(endpoint, std::move(peer)).first->second;
 }
 
@@ -135,7 +135,7 @@ void Transport::forEachPeer(Function function) {
     while (true) {
         std::shared_ptr<Peer> peer;
         {
-            const std::lock_guard<std::mutex> lock(mLock);
+            const CheckedLock lock(mLock);
             const auto next = mPeers.upper_bound(last);
             if (next == mPeers.end()) {
                 return;
@@ -157,7 +157,7 @@ void Transport::forgetDeadPeers() {
 
 void Transport::forget(const Peer& peer) {
     std::shared_ptr<Peer> last;  // released outside the lock
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mPeers.find(peer.endpoint());
     if (known != mPeers.end() && known->second.get() == &peer) {
         last = std::move(known->second);
@@ -167,7 +167,7 @@ void Transport::forget(const Peer& peer) {
 
 void Transport::forgetStranger(std::shared_ptr<Peer>&& peer) {
     std::shared_ptr<Peer> last;  // released outside the lock
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mPeers.find(peer->endpoint());
     peer.reset();
     // Whom another thread has, too, it may be connecting to at this moment.
@@ -178,7 +178,7 @@ void Transport::forgetStranger(std::shared_ptr<Peer>&& peer) {
 }
 
 size_t Transport::peerCount() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     return mPeers.size();
 }
 
@@ -187,14 +187,14 @@ size_t Transport::peerCount() {
 status_t Transport::serveOthers() {
     status_t status = listenOnce();
     if (status == OK) {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         status = startPlatformThread();
     }
     return status;
 }
 
 status_t Transport::listenOnce() {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mListening.ok()) {
         return OK;
     }
@@ -211,7 +211,6 @@ status_t Transport::listenOnce() {
     return OK;
 }
 
-/** The lock is held. */
 status_t Transport::startPlatformThread() {
     if (mPlatformThread.joinable()) {
         return OK;
@@ -227,7 +226,7 @@ status_t Transport::startPlatformThread() {
 }
 
 status_t Transport::whenReadable(int fd, std::function<void()> function) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     if (mOtherFd >= 0) {
         return fd == mOtherFd ? OK : ALREADY_EXISTS;
     }
@@ -243,7 +242,7 @@ status_t Transport::whenReadable(int fd, std::function<void()> function) {
 }
 
 status_t Transport::watchControl(const std::shared_ptr<Peer>& peer, UniqueFd fd) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     status_t status = startPlatformThread();
     if (status != OK) {
         return status;
@@ -311,7 +310,7 @@ void Transport::runPlatformThread() {
 void Transport::handle(int fd) {
     int listening;
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         listening = mListening.get();
     }
     if (fd == mWake.get()) {
@@ -337,7 +336,7 @@ void Transport::handle(int fd) {
     std::shared_ptr<Peer> peer;
     bool isOther;
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         isOther = fd == mOtherFd;
         const auto watched = mWatched.find(fd);
         peer = watched == mWatched.end() ? nullptr : watched->second;
@@ -356,7 +355,7 @@ void Transport::handle(int fd) {
         return;
     }
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mWatched.erase(fd);
     }
     if (event == OneWayChannel::Event::Refused) {
@@ -370,7 +369,7 @@ void Transport::handle(int fd) {
 
 void Transport::hearOut(Peer& peer) {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (mPlatformThread.joinable() && !mEnding) {
             mHasGone = true;
             wake();

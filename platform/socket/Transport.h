@@ -9,6 +9,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Complaints.h"
 #include "platform/socket/Exports.h"
 #include "platform/socket/Listener.h"
@@ -92,7 +93,7 @@ class Transport {
 
   private:
     status_t serveOthers();
-    status_t startPlatformThread();
+    status_t startPlatformThread() REQUIRES(mLock);
     void runPlatformThread();
     void handle(int fd);
     template <typename Function>
@@ -110,13 +111,14 @@ class Transport {
     UniqueFd mWake;   // an eventfd, readable when there is news for it
     Listener mListener;
 
-    std::mutex mLock;  // guards the rest but the atomics
-    UniqueFd mListening;
-    std::map<Endpoint, std::shared_ptr<Peer>> mPeers;
-    std::map<int, std::shared_ptr<Peer>> mWatched;  // by the descriptor of its control connection
-    int mOtherFd = -1;
+    CheckedMutex mLock;  // guards the rest but the atomics
+    UniqueFd mListening GUARDED_BY(mLock);
+    std::map<Endpoint, std::shared_ptr<Peer>> mPeers GUARDED_BY(mLock);
+    std::map<int, std::shared_ptr<Peer>> mWatched
+            GUARDED_BY(mLock);  // by the descriptor of its control connection
+    int mOtherFd GUARDED_BY(mLock) = -1;
     std::function<void()> mOther;  // set before its descriptor is watched, then the platform thread's
-    std::thread mPlatformThread;
+    std::thread mPlatformThread GUARDED_BY(mLock);
 
     std::atomic<bool> mHasGone{false};  // peers wait for being heard out
     std::atomic<bool> mRetries{false};

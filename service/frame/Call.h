@@ -10,7 +10,7 @@
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 /// Asks the chip-layer library whether it is ready, which it is unless it says FAPI_NOT_READY.
-inline bool chipLayerReady() {
+[[nodiscard]] inline bool chipLayerReady() {
     return a_zvttvfapi_common_get_fapi_status() != FAPI_NOT_READY;
 }
 
@@ -20,7 +20,7 @@ inline bool chipLayerReady() {
 ///
 ///     const int32_t s32Ret = callChip(a_zvttvfapi_aud_adv_set_volume, cell(s32First), cell(s32Second));
 template <typename Result, typename... Parameters, typename... Arguments>
-Result callChip(Result (*function)(Parameters...), Arguments&&... arguments) {
+[[nodiscard]] Result callChip(Result (*function)(Parameters...), Arguments&&... arguments) {
     static_assert(sizeof...(Parameters) == sizeof...(Arguments), "too many or too few arguments");
     return function(toChip<Parameters>(std::forward<Arguments>(arguments))...);
 }

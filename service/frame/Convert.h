@@ -10,25 +10,37 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 using ::android::hardware::hidl_string;
 
 /// Says which chip-layer enumeration a HIDL enumeration becomes, and up to which value: an adapter
-/// specialises it, beside the static_asserts that pin the two enumerations' values.
+/// specialises it, beside the static_asserts that pin the two enumerations' values. For a record FAPI_TWIN()
+/// does, or whoever converts its texts.
 ///
 ///     template <>
 ///     struct ChipTwin<ZvtTvFApiPwmAttr> {
 ///         using type = fapi_core::ZvtTvFApiPwmAttr;
 ///         static constexpr type last = static_cast<type>(3);  // what every value beyond 2 becomes
 ///     };
-template <typename HidlEnum>
+template <typename Hidl>
 struct ChipTwin;
 
 /// The chip-layer twin of a value: the same value below ChipTwin::last, and last for everything else. The
 /// comparison is unsigned, so that a negative value becomes last too.
-template <typename HidlEnum>
+template <typename HidlEnum, std::enable_if_t<std::is_enum_v<HidlEnum>, int> = 0>
 constexpr typename ChipTwin<HidlEnum>::type toTwin(HidlEnum value) {
     using Twin = typename ChipTwin<HidlEnum>::type;
     using Bits = std::make_unsigned_t<std::underlying_type_t<HidlEnum>>;
     static_assert(sizeof(Twin) == sizeof(HidlEnum), "the twins differ in width");
     const bool known = static_cast<Bits>(value) < static_cast<Bits>(ChipTwin<HidlEnum>::last);
     return known ? static_cast<Twin>(value) : ChipTwin<HidlEnum>::last;
+}
+
+/// The chip-layer form of a record. One that has padding is filled where it is declared, with copyTwin().
+template <typename HidlRecord, std::enable_if_t<std::is_class_v<HidlRecord>, int> = 0>
+typename ChipTwin<HidlRecord>::type toTwin(const HidlRecord& stHidl) {
+    using Twin = typename ChipTwin<HidlRecord>::type;
+    static_assert(std::has_unique_object_representations_v<Twin> || !std::is_trivially_copyable_v<Twin>,
+                  "what a copy makes of padding is the compiler's choice");
+    Twin stChip;
+    ChipTwin<HidlRecord>::copy(stHidl, stChip);
+    return stChip;
 }
 
 /// An argument cell: a copy of one argument, in the chip layer's width and unsigned (a bool as 8-bit 0 or 1),
@@ -133,7 +145,7 @@ inline constexpr bool isChipArgument = details::isConvertible<Parameter, Argumen
 ///   long as the text;
 /// - bool to unsigned char 0 or 1, or to bool;
 /// - an integer to an integer of the same width: the sign may change, the bits do not;
-/// - a HIDL enumeration with a ChipTwin to its twin, see toTwin();
+/// - a HIDL enumeration or record with a ChipTwin to its twin, see toTwin();
 /// - Cell, LentText, TextBuffer or Scratch to the pointer that the object stands for;
 /// - a pointer, reference or record of the parameter's own type to itself.
 ///

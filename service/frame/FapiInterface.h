@@ -34,7 +34,7 @@ class FapiInterface : public Interface {
   protected:
     /// The readiness guard at the head of a method: asks the chip-layer library once, and never remembers the
     /// answer. A method whose guard says false calls nothing else of the library.
-    static bool fapiReady() {
+    [[nodiscard]] static bool fapiReady() {
         countCall();
         return chipLayerReady();
     }
@@ -45,7 +45,7 @@ class FapiInterface : public Interface {
     ///
     ///     return forward(a_zvttvfapi_sys_set_emmc_env_var, strVarName, strVarValue);
     template <typename Result, typename... Parameters, typename... Arguments>
-    static int32_t forward(Result (*function)(Parameters...), Arguments&&... arguments) {
+    [[nodiscard]] static int32_t forward(Result (*function)(Parameters...), Arguments&&... arguments) {
         static_assert(std::is_same_v<Result, int32_t>, "the function's result is not a status");
         return fapiReady() ? callChip(function, std::forward<Arguments>(arguments)...) : FAPI_NOT_READY;
     }

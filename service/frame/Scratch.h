@@ -34,12 +34,12 @@ class Scratch {
 
     /// Every byte is zero. What is large comes as fresh pages of the kernel's, which cost nothing until they
     /// are touched: a client that asks for gigabytes does not make the service write them.
-    static Scratch zeroed(uint64_t count) {
+    [[nodiscard]] static Scratch zeroed(uint64_t count) {
         return Scratch(countable(count) ? std::calloc(atLeastOne(count), sizeof(T)) : nullptr, count);
     }
 
     /// Indeterminate content: only for bytes that nobody reads before they were written.
-    static Scratch uncleared(uint64_t count) {
+    [[nodiscard]] static Scratch uncleared(uint64_t count) {
         return Scratch(countable(count) ? std::malloc(atLeastOne(count) * sizeof(T)) : nullptr, count);
     }
 

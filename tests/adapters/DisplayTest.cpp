@@ -136,7 +136,7 @@ TEST_F(Display, AParameterRecordIsPassedOnlyInItsStatedSize) {
     }
 }
 
-TEST_F(Display, GammaTablesAreCountedIn16BitsAndEachRefusalHasItsMessage) {
+TEST_F(Display, GammaTablesAreCountedIn16BitsReach256EntriesAndEachRefusalHasItsMessage) {
     struct {
         size_t red, green, blue;
         int refused;  // the allocation of this number
@@ -150,9 +150,9 @@ TEST_F(Display, GammaTablesAreCountedIn16BitsAndEachRefusalHasItsMessage) {
             {0, 256, 256, 1, 0, -2, " E Invalid Gamma Table Size.\n", 0},
             {256, 65536, 256, 1, 0, -2, " E Invalid Gamma Table Size.\n", 0},
             {256, 256, 0, 1, 0, -2, " E Invalid Gamma Table Size.\n", 0},
-            {65546, 20, 30, 1, 0, -4, " E Allocate pu16RedGammaData failed.\n", 20},
-            {10, 65556, 30, 2, 0, -4, " E Allocate pu16GreenGammaData failed.\n", 40},
-            {10, 20, 65566, 3, 0, -4, " E Allocate pu16BlueGammaData failed.\n", 60},
+            {65536 + 300, 20, 30, 1, 0, -4, " E Allocate pu16RedGammaData failed.\n", 600},
+            {10, 65536 + 257, 30, 2, 0, -4, " E Allocate pu16GreenGammaData failed.\n", 514},
+            {10, 20, 65536 + 30, 3, 0, -4, " E Allocate pu16BlueGammaData failed.\n", 512},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.last);
@@ -165,7 +165,11 @@ TEST_F(Display, GammaTablesAreCountedIn16BitsAndEachRefusalHasItsMessage) {
         const auto vecRed = table(row.red, 100), vecGreen = table(row.green, 200),
                    vecBlue = table(row.blue, 300);
         const auto expectEntries = [](const unsigned short* entries, const hidl_vec<uint16_t>& source) {
-            EXPECT_TRUE(std::equal(entries, entries + uint16_t(source.size()), source.begin()));
+            const auto* const end = entries + uint16_t(source.size());
+            EXPECT_TRUE(std::equal(entries, end, source.begin()));
+            EXPECT_EQ(std::count(end, std::max(end, entries + 256), 0),
+                      std::max<long>(0, entries + 256 - end))
+                    << "the library reads so many";
         };
         chip.on(a_zvttvfapi_disp_set_gamma_curve,
                 [&](const unsigned short* red, const unsigned short* green, const unsigned short* blue) {

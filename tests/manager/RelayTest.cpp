@@ -6,13 +6,18 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <climits>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <future>
+#include <list>
 #include <new>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "manager/ClientDeathRecipient.h"
@@ -26,6 +31,7 @@
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 namespace {
 
+using ::android::Mutex;
 using ::android::hardware::hidl_string;
 using ::android::hardware::Status;
 using ::android::hardware::Void;
@@ -38,6 +44,12 @@ using Hidl = ZvtTvFApiEventCommonObject;
 /// A client in the service's own process: remembers what it was told, its links, and may fail or call back.
 class Client : public IZvtTvFApiCallbackManager {
   public:
+    ~Client() override {
+        if (onEnd) {
+            onEnd();
+        }
+    }
+
     struct Event {
         std::string method;
         uint32_t type;
@@ -91,6 +103,7 @@ class Client : public IZvtTvFApiCallbackManager {
     std::vector<uint64_t> cookies;
     std::vector<sp<hidl_death_recipient>> recipients;
     std::function<void(uint32_t)> onEvent;
+    std::function<void()> onEnd;
     bool fails = false;
     bool linkable = true;
     bool linksWithoutMemory = false;
@@ -114,6 +127,12 @@ class RelayTest : public testing::Test {
     }
     int32_t post(uint32_t type, const Hidl& first = {}) {
         return manager->a_hidl_a_zvttvfapi_mngr_post_event(type, first, {}, {}, {});
+    }
+
+    /// Whether an event reaches the clients while this waits for it.
+    bool delivers() {
+        deliveries.push_back(std::async(std::launch::async, [this] { post(0x10000); }));
+        return deliveries.back().wait_for(std::chrono::seconds(5)) == std::future_status::ready;
     }
 
     /// The lines that debug() writes.
@@ -141,6 +160,7 @@ class RelayTest : public testing::Test {
     DeviceLog log;
     const sp<ZvtTvFApiManager> manager = new ZvtTvFApiManager;
     const Chip empty;
+    std::list<std::future<void>> deliveries;
 };
 
 std::string line(char priority, const std::string& name, const std::string& text) {
@@ -204,8 +224,37 @@ TEST_F(RelayTest, ADeathRemovesItsOwnEntryAndLogsTheRemainingOnes) {
     EXPECT_THAT(second->events, IsEmpty());
     EXPECT_EQ(1u, first->events.size() * third->events.size());
     EXPECT_EQ(1, second->getStrongCount()) << "the registry has let go of it";
-    registered();
-    EXPECT_EQ(1u, sCbList.count(3)) << "a cookie is never used again";
+    EXPECT_THAT(registered()->cookies, ElementsAre(3)) << "a cookie is never used again";
+}
+
+TEST_F(RelayTest, NoEventWaitsForTheEndOfADeadClientOrForTheLogOfItsDeath) {
+    static std::vector<bool> sDelivered;
+    static std::function<void()> sTry;
+    sTry = [this] { sDelivered.push_back(delivers()); };
+    const sp<Client> staying = registered();
+    for (const bool withMemoryForTheLog : {false, true}) {
+        sp<Client> client = registered();
+        client->onEnd = sTry;
+        const sp<hidl_death_recipient> recipient = client->recipients[0];
+        const uint64_t cookie = client->cookies[0];
+        client.clear();
+        if (withMemoryForTheLog) {
+            __android_log_set_logger([](const __android_logger_data*, const char* text) {
+                if (std::strstr(text, "cblist 0") != nullptr) {
+                    sTry();
+                }
+            });
+            recipient->serviceDied(cookie, nullptr);
+            EXPECT_THAT(std::exchange(sDelivered, {}), ElementsAre(true, true));
+        } else {
+            log.takeLines();
+            const FailingAllocation failing(1);
+            recipient->serviceDied(cookie, nullptr);
+            EXPECT_EQ(sizeof(uint64_t), failing.refusedBytes());
+            EXPECT_EQ(log.takeLines().at(1), line('E', "serviceDied", "cblist 0\n"));
+            EXPECT_THAT(std::exchange(sDelivered, {}), ElementsAre(true));
+        }
+    }
 }
 
 TEST_F(RelayTest, EachHandlerCallsItsMethodWithTheEventUnchanged) {
@@ -290,7 +339,10 @@ TEST_F(RelayTest, ThePageTellsOfClientsAndEventsWithinItsBounds) {
     const sp<Client> clients[] = {registered(), registered(), registered()};
     const std::string pid = "pid " + std::to_string(getpid());
     clients[2]->fails = true;
-    sCbPids.erase(1);  // for lack of memory
+    {
+        const Mutex::Autolock lock(sCbMutex);
+        sCbPids.erase(1);  // for lack of memory
+    }
     EXPECT_EQ(-1, post(0x10000));
     EXPECT_EQ(-1, ZvtTvFApiManager::onTvEvent(0, empty, empty, empty, empty));
     clients[0]->recipients[0]->serviceDied(0, nullptr);
@@ -308,11 +360,14 @@ TEST_F(RelayTest, ThePageTellsOfClientsAndEventsWithinItsBounds) {
                 ElementsAre("clients: 2", "client 1: pid unknown", "client 2: " + pid));
 
     // Every number at its longest.
-    sEventCounts.fill({UINT64_MAX, UINT64_MAX});
     sNextCookie = UINT64_MAX - 1000;
-    for (int i = 0; i < 1000; ++i) {
-        sCbPids[sNextCookie] = INT_MAX;
-        sCbList[sNextCookie++] = clients[0];
+    {
+        const Mutex::Autolock lock(sCbMutex);
+        sEventCounts.fill({UINT64_MAX, UINT64_MAX});
+        for (int i = 0; i < 1000; ++i) {
+            sCbPids[sNextCookie] = INT_MAX;
+            sCbList[sNextCookie++] = clients[0];
+        }
     }
     lines = page();
     ASSERT_EQ(14u + 1 + 50 + 1, lines.size());
@@ -366,9 +421,11 @@ TEST_F(RelayTest, ModulesThatRaiseAtOnceAreDeliveredOneByOneInTheSameOrderForEve
             ZvtTvFApiManager::onPrphrlEvent, ZvtTvFApiManager::onInpSrcEvent,
             ZvtTvFApiManager::onAudEvent,    ZvtTvFApiManager::onInfoEvent};
     constexpr uint32_t kEach = 200;
-    const bool inMapOrder = sCbList.begin()->first == 0;
-    if (!inMapOrder) {
-        std::swap(clients[0]->onEvent, clients[1]->onEvent);
+    {
+        const Mutex::Autolock lock(sCbMutex);
+        if (sCbList.begin()->first != 0) {  // in the map's order
+            std::swap(clients[0]->onEvent, clients[1]->onEvent);
+        }
     }
     std::vector<std::thread> threads;
     for (uint32_t module = 0; module < 8; ++module) {

@@ -66,7 +66,8 @@ class hidl_binder_death_recipient : public IBinder::DeathRecipient {
  * The object to send for an interface: the remote one behind a proxy, or the stub of a local object, which is
  * made when it is first sent and lives as long as others hold it.
  *
- * @return null, with an error logged, when the object's interface has no generated stub in this process
+ * @return null, with an error logged, when the object's interface has no generated stub in this process, or
+ *     there is no memory for it
  */
 sp<IBinder> getOrCreateCachedBinder(::android::hidl::base::V1_0::IBase* object);
 
