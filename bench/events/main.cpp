@@ -47,7 +47,7 @@ double nanosecondsSince(Clock::time_point start) {
 }
 
 size_t clients() {
-    const std::lock_guard<std::mutex> lock(sCbMutex);
+    const ::android::AutoMutex lock(sCbMutex);
     return sCbList.size();
 }
 
