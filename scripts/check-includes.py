@@ -34,7 +34,7 @@ ROOMS = [
     ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     ("simulator/", ["simulator/", "chiplayer/"], ANY),
-    ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
+    ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/CheckedLock.h", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
     ("platform/parcel/", [], ("hwbinder/", "utils/")),

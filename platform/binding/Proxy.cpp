@@ -32,7 +32,7 @@ status_t Proxy::linkToDeath(const sp<DeathRecipient>& recipient) {
         link.push_back({recipient, this});
         mine = &link.front();
         {
-            const std::lock_guard<std::mutex> lock(mLock);
+            const CheckedLock lock(mLock);
             if (mDead) {
                 return DEAD_OBJECT;
             }
@@ -45,7 +45,7 @@ status_t Proxy::linkToDeath(const sp<DeathRecipient>& recipient) {
         return status;
     }
     DeathLinks unwatched;  // ends outside the lock
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto link =
             std::find_if(mLinks.begin(), mLinks.end(), [&](const DeathLink& each) { return &each == mine; });
     if (link == mLinks.end()) {
@@ -60,7 +60,7 @@ status_t Proxy::unlinkToDeath(const sp<DeathRecipient>& recipient) {
         return INVALID_OPERATION;
     }
     DeathLinks last;  // ends outside the lock
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto link = std::find_if(mLinks.rbegin(), mLinks.rend(),
                                    [&](const DeathLink& each) { return each.recipient == recipient; });
     if (link == mLinks.rend()) {
@@ -71,7 +71,7 @@ status_t Proxy::unlinkToDeath(const sp<DeathRecipient>& recipient) {
 }
 
 void Proxy::takeLinks(DeathLinks* links) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     mDead = true;
     links->splice(links->end(), mLinks);
 }

@@ -3,8 +3,8 @@
 #include <hwbinder/IBinder.h>
 
 #include <list>
-#include <mutex>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/UniqueFd.h"
 
 namespace android::hardware {
@@ -49,9 +49,9 @@ class Proxy : public IBinder {
     virtual status_t watch() = 0;
 
     const uint32_t mGeneration = processGeneration();
-    std::mutex mLock;  // guards the rest
-    DeathLinks mLinks;
-    bool mDead = false;
+    CheckedMutex mLock;
+    DeathLinks mLinks GUARDED_BY(mLock);
+    bool mDead GUARDED_BY(mLock) = false;
 };
 
 }  // namespace android::hardware

@@ -52,25 +52,25 @@ status_t explain(const char* what, const std::string& name, status_t status) {
 class KernelNames::Arrivals final : public IServiceNotification {
   public:
     Return<void> onRegistration(const hidl_string&, const hidl_string&, bool) override {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         ++mCount;
         mCame.notify_all();
         return Void();
     }
 
     uint64_t count() {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         return mCount;
     }
     void waitBeyond(uint64_t count) {
-        std::unique_lock<std::mutex> lock(mLock);
-        mCame.wait_for(lock, kAskAgain, [&] { return mCount > count; });
+        CheckedLock lock(mLock);
+        mCame.wait_for(lock, kAskAgain, [&]() REQUIRES(mLock) { return mCount > count; });
     }
 
   private:
-    std::mutex mLock;  // guards the rest
+    CheckedMutex mLock;
     std::condition_variable mCame;
-    uint64_t mCount = 0;
+    uint64_t mCount GUARDED_BY(mLock) = 0;
 };
 
 KernelNames::KernelNames(KernelTransport& transport) : mTransport(transport), mArrivals(new Arrivals) {}
@@ -127,7 +127,7 @@ sp<IBinder> KernelNames::get(const std::string& fqName, const std::string& insta
 /** Has the context manager tell us of a name. Where it does not, we ask by ourselves. */
 bool KernelNames::waitFor(const std::string& fqName, const std::string& instance) {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (!mWanted.insert(fqName + "/" + instance).second) {
             return true;
         }

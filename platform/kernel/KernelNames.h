@@ -2,10 +2,10 @@
 
 #include <android/hidl/manager/1.0/IServiceManager.h>
 
-#include <mutex>
 #include <set>
 
 #include "platform/binding/Backend.h"
+#include "platform/binding/CheckedLock.h"
 #include "platform/kernel/KernelTransport.h"
 
 namespace android::hardware {
@@ -29,8 +29,8 @@ class KernelNames final : public Names {
     KernelTransport& mTransport;
     const sp<Arrivals> mArrivals;
 
-    std::mutex mLock;               // guards the rest
-    std::set<std::string> mWanted;  // names whose registration we are told of
+    CheckedMutex mLock;
+    std::set<std::string> mWanted GUARDED_BY(mLock);  // names whose registration we are told of
 };
 
 /** The stub of an object of this process. */

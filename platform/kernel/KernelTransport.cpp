@@ -23,7 +23,7 @@ KernelTransport::KernelTransport(std::unique_ptr<Driver> driver)
 void KernelTransport::setMaxThreads(size_t maxThreads, bool callerWillJoin) {
     // The first thread comes by itself, through start() or join(); the driver asks for the others.
     const size_t asked = std::clamp<size_t>(maxThreads, 1, UINT32_MAX) - 1;
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const status_t status = mDriver->setMaxThreads(static_cast<uint32_t>(asked));
     ALOGE_IF(status != OK, "the driver does not take a number of threads: %s", statusText(status).c_str());
     mCallerWillJoin = callerWillJoin;
@@ -31,7 +31,7 @@ void KernelTransport::setMaxThreads(size_t maxThreads, bool callerWillJoin) {
 
 void KernelTransport::start() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (mStarted || mCallerWillJoin) {
             return;
         }
@@ -41,7 +41,7 @@ void KernelTransport::start() {
         startThread(false);
     } catch (const std::exception& error) {  // for lack of threads or memory
         ALOGE("no thread for calls: %s", error.what());
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         mStarted = false;
     }
 }
@@ -98,7 +98,7 @@ status_t KernelTransport::resolve(const flat_binder_object& form, sp<IBinder>* o
 
 sp<BHwBinder> KernelTransport::find(binder_uintptr_t address, binder_uintptr_t cookie) {
     if (address == 0) {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         return mManager;
     }
     return LocalObject::find(address, cookie);
@@ -112,7 +112,7 @@ void KernelTransport::count(uint32_t command, const binder_ptr_cookie& object) {
 
 sp<IBinder> KernelTransport::manager() {
     {
-        const std::lock_guard<std::mutex> lock(mLock);
+        const CheckedLock lock(mLock);
         if (mManager != nullptr) {
             return mManager;
         }
@@ -121,7 +121,7 @@ sp<IBinder> KernelTransport::manager() {
 }
 
 status_t KernelTransport::becomeManager(const sp<BHwBinder>& object) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const status_t status = mDriver->becomeContextManager();
     if (status == OK) {
         mManager = object;

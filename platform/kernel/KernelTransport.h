@@ -2,9 +2,9 @@
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <string>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Complaints.h"
 #include "platform/kernel/Driver.h"
 #include "platform/kernel/Objects.h"
@@ -64,10 +64,10 @@ class KernelTransport final : public ObjectTranslator {
     Complaints mComplaints;
     std::atomic<bool> mOwed{false};
 
-    std::mutex mLock;  // guards the rest
-    bool mCallerWillJoin = false;
-    bool mStarted = false;
-    sp<BHwBinder> mManager;  // set once, before anybody can call it
+    CheckedMutex mLock;
+    bool mCallerWillJoin GUARDED_BY(mLock) = false;
+    bool mStarted GUARDED_BY(mLock) = false;
+    sp<BHwBinder> mManager GUARDED_BY(mLock);  // set once, before anybody can call it
 };
 
 }  // namespace android::hardware

@@ -53,7 +53,7 @@ void Handles::write(uint32_t command, uint32_t handle) {
 }
 
 sp<KernelProxy> Handles::get(KernelTransport& transport, uint32_t handle) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     Known& known = mKnown[handle];
     sp<KernelProxy> proxy = known.address == nullptr ? nullptr : known.proxy.promote();
     if (proxy != nullptr) {
@@ -79,7 +79,7 @@ sp<KernelProxy> Handles::get(KernelTransport& transport, uint32_t handle) {
 
 void Handles::forget(KernelProxy* proxy) {
     const uint32_t handle = proxy->handle();
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mKnown.find(handle);
     if (known != mKnown.end() && known->second.address == proxy) {
         unask(known);
@@ -95,7 +95,7 @@ status_t Handles::watch(KernelProxy* proxy) {
     if (status != OK || proxy->handle() != 0 || !isGone(proxy)) {
         return status;
     }
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mKnown.find(0);
     if (known != mKnown.end() && known->second.address == proxy) {
         unask(known);
@@ -106,7 +106,7 @@ status_t Handles::watch(KernelProxy* proxy) {
 /** Asks for the notice, once. */
 status_t Handles::ask(KernelProxy* proxy) {
     const uint32_t handle = proxy->handle();
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto known = mKnown.find(handle);
     if (known == mKnown.end() || known->second.address != proxy || known->second.isDead) {
         return DEAD_OBJECT;
@@ -140,7 +140,7 @@ void Handles::unask(std::unordered_map<uint32_t, Known>::iterator known) {
 }
 
 void Handles::takeLinks(binder_uintptr_t cookie, DeathLinks* links) {
-    const std::lock_guard<std::mutex> lock(mLock);
+    const CheckedLock lock(mLock);
     const auto watched = mWatched.find(cookie);
     if (watched == mWatched.end()) {
         return;  // the last who wanted to know has gone

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <unordered_map>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Proxy.h"
 #include "platform/kernel/Driver.h"
 #include "platform/kernel/Transaction.h"
@@ -63,16 +63,16 @@ class Handles {
         bool isDead = false;          // that has been told: it is told once, whatever proxy it has by then
     };
 
-    void write(uint32_t command, uint32_t handle);
+    void write(uint32_t command, uint32_t handle) REQUIRES(mLock);
     status_t ask(KernelProxy* proxy);
-    void unask(std::unordered_map<uint32_t, Known>::iterator known);
+    void unask(std::unordered_map<uint32_t, Known>::iterator known) REQUIRES(mLock);
 
     Driver& mDriver;
-    std::mutex mLock;  // guards the rest
-    std::unordered_map<uint32_t, Known> mKnown;
+    CheckedMutex mLock;
+    std::unordered_map<uint32_t, Known> mKnown GUARDED_BY(mLock);
     // A number of its own for each request: an old one's notice may come when its handle has a new meaning.
-    std::unordered_map<binder_uintptr_t, uint32_t> mWatched;
-    binder_uintptr_t mLastCookie = 0;
+    std::unordered_map<binder_uintptr_t, uint32_t> mWatched GUARDED_BY(mLock);
+    binder_uintptr_t mLastCookie GUARDED_BY(mLock) = 0;
 };
 
 /**

@@ -318,7 +318,7 @@ status_t Registry::take(std::string_view fqName, std::string_view instance,
         return BAD_VALUE;
     }
     // All the while, so that no deletion is noticed between the file's making and its entry.
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     const auto [held, isNew] = mHeld.try_emplace(file);
     if (!isNew) {
         return ALREADY_EXISTS;
@@ -332,7 +332,7 @@ status_t Registry::take(std::string_view fqName, std::string_view instance,
 }
 
 void Registry::release(std::string_view fqName, std::string_view instance) {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     const auto held = mHeld.find(fileOf(fqName, instance));
     if (held == mHeld.end()) {
         return;
@@ -456,7 +456,7 @@ void Registry::Events::drain() {
 }
 
 status_t Registry::changes(int* fd) {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     if (!mChanges.ok()) {
         const status_t status = mEvents.follow(*this, Missing::Made, kFilesChange);
         if (status != OK) {
@@ -482,7 +482,7 @@ status_t Registry::changes(int* fd) {
 }
 
 void Registry::restore() noexcept {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     if (!mChanges.ok()) {
         return;
     }
@@ -564,7 +564,7 @@ status_t Registry::putBack(const std::string& file, Held* name) {
 
 status_t Registry::Watch::start(Registry& registry) {
     Waiting& shared = registry.mWaiting;
-    const std::lock_guard lock(shared.lock);
+    const CheckedLock lock(shared.lock);
     if (!shared.polled) {
         if (!shared.wake.ok()) {
             shared.wake = UniqueFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
@@ -590,7 +590,7 @@ bool Registry::Watch::wait(int milliseconds) {
     using std::chrono::steady_clock;
     Waiting& shared = mRegistry->mWaiting;
     const auto deadline = steady_clock::now() + std::chrono::milliseconds(std::max(milliseconds, 0));
-    std::unique_lock lock(shared.lock);
+    CheckedLock lock(shared.lock);
     bool late = false;
     while (shared.changes == mSeen && !late) {
         if (!shared.polled) {
@@ -636,7 +636,7 @@ bool Registry::pollOnce(int milliseconds) {
 }
 
 void Registry::wakeWatches() {
-    const std::lock_guard lock(mWaiting.lock);
+    const CheckedLock lock(mWaiting.lock);
     ++mWaiting.changes;
     if (mWaiting.polled) {
         eventfd_write(mWaiting.wake.get(), 1);

@@ -6,11 +6,11 @@
 #include <atomic>
 #include <condition_variable>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/socket/Message.h"
 #include "platform/socket/Socket.h"
 
@@ -151,12 +151,13 @@ class Registry {
 
     /** What threads that wait share: one of them polls, the others wait for that one. */
     struct Waiting {
-        std::mutex lock;  // guards the rest; the polling thread alone uses the events while it polls
+        CheckedMutex lock;
         std::condition_variable changed;
+        uint64_t changes GUARDED_BY(lock) = 0;
+        bool polled GUARDED_BY(lock) = false;
+        // Used under the lock too, but while one polls by that one alone, without it.
         Events events;
         UniqueFd wake;  // an eventfd
-        uint64_t changes = 0;
-        bool polled = false;
         bool following = false;
     };
 
@@ -167,8 +168,8 @@ class Registry {
     static uint64_t checksumOf(const Record& record, const std::string& file);
     bool leadsTo(const std::string& file, int fd) const;
     status_t occupy(const std::string& file, Record* record, UniqueFd* result);
-    status_t putBack(const std::string& file, Held* name);
-    bool restoreAll();
+    status_t putBack(const std::string& file, Held* name) REQUIRES(mLock);
+    bool restoreAll() REQUIRES(mLock);
     void restoreLater();
     bool pollOnce(int milliseconds);
 
@@ -176,9 +177,9 @@ class Registry {
     std::atomic<uid_t> mOwner;     // of the directory when it was last seen; ours before
     std::atomic<int> mRefusal{0};  // why the directory was last refused, an errno: each reason is logged once
 
-    std::mutex mLock;                   // guards the rest but mWaiting
-    std::map<std::string, Held> mHeld;  // by file name
-    Events mEvents;
+    CheckedMutex mLock;
+    std::map<std::string, Held> mHeld GUARDED_BY(mLock);  // by file name
+    Events mEvents GUARDED_BY(mLock);
     UniqueFd mRetry;    // a timer
     UniqueFd mChanges;  // an epoll instance with both
 

@@ -18,6 +18,7 @@
 using ::android::sp;
 using ::android::wp;
 using ::android::hardware::Backend;
+using ::android::hardware::CheckedLock;
 using ::android::hardware::hidl_death_recipient;
 using ::android::hardware::hidl_string;
 using ::android::hardware::hidl_vec;
@@ -87,7 +88,7 @@ struct Names::Mourner : hidl_death_recipient {
 Names::Names() : mMourner(new Mourner(*this)) {}
 
 Return<sp<IBase>> Names::get(const hidl_string& fqName, const hidl_string& name) {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     const auto found = mServices.find({fqName, name});
     return found == mServices.end() ? nullptr : found->second.object;
 }
@@ -96,7 +97,7 @@ Return<sp<IBase>> Names::get(const hidl_string& fqName, const hidl_string& name)
 class Names::Asking {
   public:
     Asking(Names& names, int32_t pid) : mNames(names), mPid(pid) {
-        const std::lock_guard lock(mNames.mLock);
+        const CheckedLock lock(mNames.mLock);
         std::vector<int32_t>& all = mNames.mAsking;
         mMay = all.size() < kMostAsked &&
                static_cast<size_t>(std::count(all.begin(), all.end(), pid)) < kMostAskedOfOne;
@@ -105,7 +106,7 @@ class Names::Asking {
         }
     }
     ~Asking() {
-        const std::lock_guard lock(mNames.mLock);
+        const CheckedLock lock(mNames.mLock);
         if (mMay) {
             mNames.mAsking.erase(std::find(mNames.mAsking.begin(), mNames.mAsking.end(), mPid));
         }
@@ -151,7 +152,7 @@ bool Names::addAsked(const std::string& name, const Object& service, int32_t pid
     }
     Service added{service, pid, architectureOf(pid), 0};
     {
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         added.cookie = ++mLastCookie;
     }
     std::vector<Wish> told;
@@ -169,7 +170,7 @@ bool Names::addAsked(const std::string& name, const Object& service, int32_t pid
         // Its notice is on the way.
         uint64_t cookie = 0;
         {
-            const std::lock_guard lock(mLock);
+            const CheckedLock lock(mLock);
             for (const auto& [key, each] : mServices) {
                 cookie = each.object == holder ? each.cookie : cookie;
             }
@@ -200,7 +201,7 @@ bool Names::addAsked(const std::string& name, const Object& service, int32_t pid
  */
 bool Names::take(const std::vector<Key>& keys, const Service& service, std::vector<Wish>* told,
                  Object* holder, int32_t* holderPid) {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     for (const Key& key : keys) {
         if (const auto held = mServices.find(key); held != mServices.end()) {
             *holder = held->second.object;
@@ -235,7 +236,7 @@ bool Names::take(const std::vector<Key>& keys, const Service& service, std::vect
 void Names::forget(uint64_t cookie) {
     std::vector<Object> objects;  // end outside the lock, as do notifications
     std::vector<Wish> wishes;
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     for (auto service = mServices.begin(); service != mServices.end();) {
         if (service->second.cookie == cookie) {
             objects.push_back(service->second.object);
@@ -272,14 +273,14 @@ bool Names::refuse(const std::string& name, const std::string& why) {
 }
 
 Return<Names::Transport> Names::getTransport(const hidl_string& fqName, const hidl_string& name) {
-    const std::lock_guard lock(mLock);
+    const CheckedLock lock(mLock);
     return mServices.count({fqName, name}) != 0 ? Transport::HWBINDER : Transport::EMPTY;
 }
 
 Return<void> Names::list(list_cb _hidl_cb) {
     std::vector<hidl_string> names;
     {
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         for (const auto& [key, service] : mServices) {
             names.emplace_back(key.first + "/" + key.second);
         }
@@ -292,7 +293,7 @@ Return<void> Names::list(list_cb _hidl_cb) {
 Return<void> Names::listByInterface(const hidl_string& fqName, listByInterface_cb _hidl_cb) {
     std::vector<hidl_string> instances;
     {
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         for (auto each = mServices.lower_bound({fqName, ""});
              each != mServices.end() && fqName == each->first.first; ++each) {
             instances.emplace_back(each->first.second);
@@ -311,7 +312,7 @@ Return<bool> Names::registerForNotifications(const hidl_string& fqName, const hi
     Wish wish{{fqName, name}, callback, callingPid(), 0};
     std::vector<Key> there;
     {
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         wish.cookie = ++mLastCookie;
         const auto ofOne = std::count_if(mWishes.begin(), mWishes.end(),
                                          [&](const Wish& each) { return each.pid == wish.pid; });
@@ -339,7 +340,7 @@ Return<bool> Names::registerForNotifications(const hidl_string& fqName, const hi
 Return<void> Names::debugDump(debugDump_cb _hidl_cb) {
     std::vector<InstanceDebugInfo> info;
     {
-        const std::lock_guard lock(mLock);
+        const CheckedLock lock(mLock);
         for (const auto& [key, service] : mServices) {
             InstanceDebugInfo each;
             each.interfaceName = key.first;

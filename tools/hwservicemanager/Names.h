@@ -5,11 +5,11 @@
 
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/binding/CheckedLock.h"
 #include "platform/binding/Complaints.h"
 
 /**
@@ -104,9 +104,9 @@ class Names final : public ::android::hidl::manager::V1_0::IServiceManager {
     const ::android::sp<Mourner> mMourner;
     ::android::hardware::Complaints mComplaints;
 
-    std::mutex mLock;  // guards the rest
-    std::map<Key, Service> mServices;
-    std::vector<Wish> mWishes;
-    std::vector<int32_t> mAsking;  // who has a registration under way
-    uint64_t mLastCookie = 0;
+    ::android::hardware::CheckedMutex mLock;
+    std::map<Key, Service> mServices GUARDED_BY(mLock);
+    std::vector<Wish> mWishes GUARDED_BY(mLock);
+    std::vector<int32_t> mAsking GUARDED_BY(mLock);  // who has a registration under way
+    uint64_t mLastCookie GUARDED_BY(mLock) = 0;
 };
