@@ -21,6 +21,14 @@ ROOTS = ("-r", f"{PACKAGE}:interface", "-r", "android.hidl.base:platform/hal/bas
 LIBRARIES = {"libcutils": "<cutils/", "cli11-headers": "<CLI/", "nlohmann-json-headers": "<nlohmann/"}
 # Whose clients may link the interface's library; see docs/device.md. The compiler writes the first.
 IMAGES = ("    product_specific: true,\n", "    system_ext_specific: true,\n", "")
+# Modules of the platform, and the one of the chip layer's two that the guide leaves to its reader. What else a module
+# names is declared here, or shown in the guide.
+OF_OTHERS = {"libc++", "libcutils", "libcutils_headers", "libhidlbase", "liblog", "libutils",
+             "vendor.zentrovi.tv.zvttvfapicustom@1.0-impl"}
+NEEDED = {"zvttvfactory-defaults": ["-fexceptions", "libhidlbase", "liblog", "libutils", f"{PACKAGE}@1.0"],
+          EXECUTABLE: ["zvttvfactory-adapters", "zvttvfactory-frame", "zvttvfactory-manager",
+                       "-Wl,--export-dynamic-symbol=u8TvFactoryDebug"],
+          "fapictl": ["fapictl-table"], "fapictl-table": ["fapictl-generator"]}
 
 
 def strings_of(blueprint, key):
@@ -52,9 +60,20 @@ def build_disagreements(root):
     """What is wrong with the modules of the build files and of the guide."""
     found = []
     files = sorted(path for path in root.rglob("Android.bp") if "build" not in path.relative_to(root).parts)
-    for file in files + [root / "docs/device.md"]:
+    files.append(root / "docs/device.md")
+    declared = {name: body for file in files for _, _, body in modules(file.read_text()) for name in strings_of(body, "name")}
+    for name, needed in NEEDED.items():
+        texts = re.findall(r'"([^"]*)"', declared.get(name, ""))
+        found += [f"{name} is without {each}" for each in needed if each not in texts]
+    for file in files:
         for _, kind, body in modules(file.read_text()):
             where = f"{file.relative_to(root)}, {kind} {' '.join(strings_of(body, 'name'))}"
+            for key in ("defaults", "header_libs", "static_libs", "shared_libs", "generated_sources", "tools"):
+                found += [f"{where}: nobody declares {name}" for name in strings_of(body, key)
+                          if name not in declared and name not in OF_OTHERS]
+            if file.name == "Android.bp":
+                found += [f"{where}: there is no {name}" for name in strings_of(body, "srcs")
+                          if not name.startswith(":") and not list(file.parent.glob(name))]
             if kind.startswith("cc_") and "zvttvfactory-defaults" not in strings_of(body, "defaults"):
                 if strings_of(body, "compile_multilib") != ["64"]:
                     found.append(f"{where}: it is built for 32 bits, too, where records have other layouts")
@@ -184,6 +203,13 @@ def check_itself(root):
         ("tools/fapictl/Android.bp", '        "cli11-headers",\n', ""),
         ("tools/fapictl/Android.bp", '    shared_libs: ["libcutils"],\n', ""),
         ("tools/fapictl/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
+        ("tools/fapictl/Android.bp", '    generated_sources: ["fapictl-table"],\n', ""),
+        ("tools/fapictl/Android.bp", 'srcs: ["generate.py"]', 'srcs: ["generator.py"]'),
+        ("Android.bp", '    cppflags: ["-fexceptions"],\n', ""),
+        ("Android.bp", '        "libhidlbase",\n', ""),
+        ("service/Android.bp", '        "zvttvfactory-frame",\n', ""),
+        ("service/Android.bp", 'srcs: ["main.cpp"]', 'srcs: ["service.cpp"]'),
+        ("service/Android.bp", "u8TvFactoryDebug", "u8TvFactoryLog"),
         ("docs/device.md", 'name: "cli11-headers"', 'name: "cli11"'),
         ("interface/Android.bp", "use_current: true", "use_current: false"),
         ("interface/1.0/Android.bp", "product_specific", "soc_specific"),

@@ -32,8 +32,12 @@ namespace {
 
 sp<IBinder> makeStub(IBase* object) {
     std::string descriptor;
-    const Return<void> asked =
-            object->interfaceDescriptor([&](const hidl_string& answer) { descriptor = answer; });
+    const Return<void> asked = object->interfaceDescriptor([&](const hidl_string& answer) {
+        try {
+            descriptor = answer;
+        } catch (const std::bad_alloc&) {  // who calls this knows no exceptions; no stub has that name
+        }
+    });
     const auto make = details::getBnConstructorMap().get(descriptor);
     if (!asked.isOk() || make == nullptr) {
         ALOGE("no stub for objects of \"%s\" in this process", descriptor.c_str());

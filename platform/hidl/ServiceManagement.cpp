@@ -30,13 +30,21 @@ status_t addTo(Names& names, const sp<IBase>& service, const std::string& instan
         return UNEXPECTED_NULL;
     }
     std::vector<std::string> interfaces;
+    bool lacksMemory = false;
     const Return<void> asked = service->interfaceChain([&](const hidl_vec<hidl_string>& chain) {
-        for (const hidl_string& name : chain) {
-            if (name != IBase::descriptor) {
-                interfaces.emplace_back(name);
+        try {
+            for (const hidl_string& name : chain) {
+                if (name != IBase::descriptor) {
+                    interfaces.emplace_back(name);
+                }
             }
+        } catch (const std::bad_alloc&) {  // who calls this knows no exceptions
+            lacksMemory = true;
         }
     });
+    if (lacksMemory) {
+        return NO_MEMORY;
+    }
     const sp<IBinder> object = getOrCreateCachedBinder(service.get());
     if (!asked.isOk() || interfaces.empty() || object == nullptr) {
         ALOGE("an object without an interface of its own can not be registered as %s", instance.c_str());

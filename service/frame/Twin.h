@@ -24,17 +24,20 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 ///
 ///     FAPI_TWIN(ZvtTvFApiColor, u16Red, u16Green, u16Blue);
 ///     copyTwin(stColor, stChipColor);
-#define FAPI_TWIN(Record, ...)                                                              \
-    static_assert(sizeof(Record) == sizeof(fapi_core::Record), "the twins differ in size"); \
-    FAPI_TWIN_EACH(FAPI_TWIN_PIN, Record, __VA_ARGS__)                                      \
-    template <>                                                                             \
-    struct ChipTwin<Record> {                                                               \
-        using type = fapi_core::Record;                                                     \
-        template <typename From, typename To>                                               \
-        static void copy(const From& stFrom, To& stTo) {                                    \
-            clearBytes(stTo);                                                               \
-            FAPI_TWIN_EACH(FAPI_TWIN_COPY, Record, __VA_ARGS__)                             \
-        }                                                                                   \
+#define FAPI_TWIN(Record, ...)                                                                       \
+    static_assert(sizeof(Record) == sizeof(fapi_core::Record), "the twins differ in size");          \
+    static_assert(!std::has_unique_object_representations_v<Record> ||                               \
+                          sizeof(Record) == (0 FAPI_TWIN_EACH(FAPI_TWIN_SIZE, Record, __VA_ARGS__)), \
+                  "a field is missing");                                                             \
+    FAPI_TWIN_EACH(FAPI_TWIN_PIN, Record, __VA_ARGS__)                                               \
+    template <>                                                                                      \
+    struct ChipTwin<Record> {                                                                        \
+        using type = fapi_core::Record;                                                              \
+        template <typename From, typename To>                                                        \
+        static void copy(const From& stFrom, To& stTo) {                                             \
+            clearBytes(stTo);                                                                        \
+            FAPI_TWIN_EACH(FAPI_TWIN_COPY, Record, __VA_ARGS__)                                      \
+        }                                                                                            \
     }
 
 /// Pins a flag, which is a bool to clients and a byte to the library: whoever converts the record says that
@@ -48,6 +51,7 @@ namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
     static_assert(offsetof(Record, field) == offsetof(fapi_core::Record, field) &&   \
                           sizeof(Record::field) == sizeof(fapi_core::Record::field), \
                   "the twins differ in layout");
+#define FAPI_TWIN_SIZE(Record, field) +sizeof(Record::field)
 #define FAPI_TWIN_COPY(Record, field) details::copyField(stFrom.field, stTo.field);
 
 // do_ for each of up to 13 fields.
