@@ -5,7 +5,6 @@
 #include <cutils/native_handle.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,7 +14,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
-#include <optional>
 
 #include "service/frame/Log.h"
 
@@ -110,22 +108,19 @@ int writeAll(int fd, const char* bytes, size_t size) {
     if (fstat(fd, &status) != 0) {
         return errno;
     }
-    const bool isPipe = S_ISFIFO(status.st_mode);
-    if (!isPipe && !S_ISSOCK(status.st_mode)) {
+    if (!S_ISFIFO(status.st_mode)) {
         return EINVAL;  // a write to it might wait for whoever gave it
     }
-    std::optional<OwnPipe> own;
-    if (isPipe && !own.emplace().fill(bytes, size)) {
+    OwnPipe own;
+    if (!own.fill(bytes, size)) {
         return errno;
     }
     while (size > 0) {
         if (!waitForRoom(fd, end)) {
             return errno;
         }
-        const ssize_t written =
-                isPipe ? own->pass(fd, size) : send(fd, bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL);
+        const ssize_t written = own.pass(fd, size);
         if (written > 0) {
-            bytes += written;
             size -= static_cast<size_t>(written);
         } else if (written < 0 && !isOnlyDelayed(errno)) {
             return errno;

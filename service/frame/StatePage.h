@@ -25,7 +25,7 @@ class StatePage {
     /// bounds the list.
     void line(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// Writes the page to the handle's first descriptor, a pipe or a socket, which stays the handle's;
+    /// Writes the page to the handle's first descriptor, a pipe, which stays the handle's;
     /// without one, nothing. A reader that has gone costs nothing, one that does not read costs this thread a
     /// second: either is an error line, and so is a descriptor of another kind.
     void writeTo(const ::android::hardware::hidl_handle& handle) const;
