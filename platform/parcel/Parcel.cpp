@@ -203,7 +203,9 @@ status_t Parcel::readNullableStrongBinder(sp<IBinder>* object) const {
     return null > 0 ? OK : status;
 }
 
-status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
+/** @param writeBytes writes the handle's bytes as a buffer, of the size that it is given */
+template <typename WriteBytes>
+status_t Parcel::writeHandle(const native_handle_t* handle, const WriteBytes& writeBytes) {
     size_t size = 0;
     if (handle != nullptr && !sizeOf(*handle, &size)) {
         return fail(BAD_VALUE);
@@ -213,23 +215,20 @@ status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
         return status;
     }
     size_t number = 0;
-    status = writeBuffer(handle, size, &number);
+    status = writeBytes(size, &number);
     return status == OK ? writeDescriptors(*handle) : status;
+}
+
+status_t Parcel::writeNativeHandleNoDup(const native_handle_t* handle) {
+    return writeHandle(handle,
+                       [&](size_t size, size_t* number) { return writeBuffer(handle, size, number); });
 }
 
 status_t Parcel::writeEmbeddedNativeHandle(const native_handle_t* handle, size_t parentHandle,
                                            size_t parentOffset) {
-    size_t size = 0;
-    if (handle != nullptr && !sizeOf(*handle, &size)) {
-        return fail(BAD_VALUE);
-    }
-    status_t status = writeUint64(size);
-    if (status != OK || handle == nullptr) {
-        return status;
-    }
-    size_t number = 0;
-    status = writeEmbeddedBuffer(handle, size, &number, parentHandle, parentOffset);
-    return status == OK ? writeDescriptors(*handle) : status;
+    return writeHandle(handle, [&](size_t size, size_t* number) {
+        return writeEmbeddedBuffer(handle, size, number, parentHandle, parentOffset);
+    });
 }
 
 status_t Parcel::writeDescriptors(const native_handle_t& handle) {

@@ -248,6 +248,8 @@ class Parcel {
     bool isNextHere() const;
     status_t takePiece(size_t size, uint32_t parent, size_t parentOffset, size_t* handle,
                        uint8_t** data) const;
+    template <typename WriteBytes>
+    status_t writeHandle(const native_handle_t* handle, const WriteBytes& writeBytes);
     status_t writeDescriptors(const native_handle_t& handle);
     status_t readNativeHandleSize(size_t* size) const;
     status_t takeDescriptors(size_t size, const native_handle_t& handle) const;
