@@ -21,6 +21,8 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -1134,39 +1136,25 @@ TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::map<std::string, std::function<int()>> roles{
+            {"server", [] { return playServer("default", false, 4); }},
+            {"poor-server", [] { return playServer("default", true, 4); }},
+            {"large-server", [] { return playServer("default", false, 10); }},
+            {"keeper", [] { return playServer("keeper", false, 2); }},
+            {"listener1", [] { return playListener(1); }},
+            {"listener2", [] { return playListener(2); }},
+            {"giver", playGiver},
+            {"poster", playPoster},
+            {"hog", playHog},
+            {"looper", playLooper},
+            {"registrar", playRegistrar},
+            {"caller", playCaller},
+            {"mute", playMute},
+            {"stranger", playStranger},
+    };
     const std::string role = argc > 1 ? argv[1] : "";
-    if (role == "--role=server" || role == "--role=poor-server" || role == "--role=large-server") {
-        return playServer("default", role == "--role=poor-server", role == "--role=large-server" ? 10 : 4);
-    }
-    if (role == "--role=keeper") {
-        return playServer("keeper", false, 2);
-    }
-    if (role == "--role=giver") {
-        return playGiver();
-    }
-    if (role == "--role=poster") {
-        return playPoster();
-    }
-    if (role == "--role=hog") {
-        return playHog();
-    }
-    if (role == "--role=looper") {
-        return playLooper();
-    }
-    if (role == "--role=listener1" || role == "--role=listener2") {
-        return playListener(role == "--role=listener2" ? 2 : 1);
-    }
-    if (role == "--role=registrar") {
-        return playRegistrar();
-    }
-    if (role == "--role=caller") {
-        return playCaller();
-    }
-    if (role == "--role=mute") {
-        return playMute();
-    }
-    if (role == "--role=stranger") {
-        return playStranger();
+    if (role.rfind("--role=", 0) == 0) {
+        return roles.at(role.substr(7))();
     }
     testing::InitGoogleTest(&argc, argv);
     // A registry of our own; the tests share it, as a process opens it once.
