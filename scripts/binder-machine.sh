@@ -71,7 +71,7 @@ fetch_kernel() {
     if [[ -n $package && -f $work/kernel/$package ]]; then
         return
     fi
-    new=$(mktemp -d "$work/kernel-XXXXXX")
+    new=$(mktemp -d -p "$work")
     (
         cd "$new"
         if ! download "$package"; then
