@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "simulator/board/Board.h"
-#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/IniParser.h"
 #include "simulator/storage/IniText.h"
 

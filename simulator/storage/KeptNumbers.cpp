@@ -1,10 +1,10 @@
 #include "simulator/storage/KeptNumbers.h"
 
-#include <charconv>
 #include <sstream>
 
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 
@@ -40,9 +40,7 @@ std::optional<std::vector<int64_t>> parseNumbers(const std::string& text, const 
     std::vector<int64_t> values;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        const char* const end = word.data() + word.size();
-        const auto [rest, error] = std::from_chars(word.data(), end, values.emplace_back());
-        if (error != std::errc() || rest != end) {
+        if (!readNumber(word, &values.emplace_back())) {
             return std::nullopt;
         }
     }

@@ -12,8 +12,8 @@
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Identity.h"
-#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/Sandbox.h"
 
 namespace simulator {
