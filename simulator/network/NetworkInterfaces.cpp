@@ -7,10 +7,10 @@
 #include <iterator>
 #include <optional>
 
-#include "simulator/board/Identity.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
 #include "simulator/storage/Emmc.h"
+#include "simulator/storage/Identity.h"
 
 namespace simulator {
 namespace {

@@ -74,7 +74,7 @@ class Reader {
 
   private:
     const char* const mFile;
-    IniStore::Contents mContents;
+    IniContents mContents;
     int32_t mStatus;
     bool mUnreadable;
 };

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "simulator/board/Board.h"
-#include "simulator/board/Identity.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/Identity.h"
 #include "simulator/storage/Ips.h"
 
 namespace simulator {

@@ -54,7 +54,7 @@ KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> g
 
 int32_t KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    IniStore::Contents contents;
+    IniContents contents;
     const int32_t status = mStore.read(mFile, &contents);
     auto values = std::make_shared<std::vector<Values>>();
     for (const Group& group : mGroups) {
