@@ -220,8 +220,7 @@ TEST(HostileProcessTest, IsRefusedAndHarmsNobody) {
     ONLY_ON_BINDER();
     const std::string log = testing::TempDir() + "/hostile.log";
     const ChildProcess server({"/proc/self/exe", "--role=server"}, log);
-    char word = 0;
-    ASSERT_TRUE(read(server.output(), &word, 1) == 1 && word == 'r');
+    ASSERT_EQ('r', server.word());
     const sp<IProbe> innocent = IProbe::getService();
     RawProcess hostile;
     const uint32_t probe = hostile.find(IProbe::descriptor);

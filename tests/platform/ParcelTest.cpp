@@ -31,59 +31,6 @@ status_t readVec(const Parcel& parcel, const hidl_vec<T>** vec, size_t* child) {
                         : readEmbeddedFromParcel(const_cast<hidl_vec<T>&>(**vec), parcel, handle, 0, child);
 }
 
-TEST(Parcel, WhatIsWrittenIsReadBackInItsOrder) {
-    const hidl_string text = "of several words";
-    const hidl_vec<hidl_vec<hidl_string>> nested{{"a", ""}, {}, {std::string(5000, 'b')}};
-    Parcel out;
-    size_t handle = 0;
-    size_t child = 0;
-    EXPECT_TRUE(out.writeInterfaceToken("a@1.0::IA") == OK && out.writeInt8(-8) == OK &&
-                out.writeUint64(UINT64_MAX) == OK && out.writeDouble(0.5) == OK && out.writeBool(true) == OK);
-    EXPECT_EQ(out.writeBuffer(&text, sizeof(text), &handle), OK);
-    EXPECT_EQ(writeEmbeddedToParcel(text, &out, handle, 0), OK);
-    EXPECT_EQ(out.writeStrongBinder(nullptr), OK);
-    EXPECT_EQ(out.writeBuffer(&nested, sizeof(nested), &handle), OK);
-    EXPECT_EQ(writeEmbeddedToParcel(nested, &out, handle, 0, &child), OK);
-    for (size_t i = 0; i < nested.size(); ++i) {
-        size_t grandchild = 0;
-        EXPECT_EQ(writeEmbeddedToParcel(nested[i], &out, child, i * sizeof(nested[i]), &grandchild), OK);
-        for (size_t j = 0; j < nested[i].size(); ++j) {
-            EXPECT_EQ(writeEmbeddedToParcel(nested[i][j], &out, grandchild, j * sizeof(text)), OK);
-        }
-    }
-
-    Encoder encoder;
-    ASSERT_EQ(encoder.encode({}, out, nullptr), OK);
-    Parcel in;
-    receive(bytesOf(encoder.gather()), &in);
-    int8_t s8 = 0;
-    uint64_t u64 = 0;
-    double real = 0;
-    bool flag = false;
-    EXPECT_TRUE(in.enforceInterface("a@1.0::IA"));
-    EXPECT_TRUE(in.readInt8(&s8) == OK && in.readUint64(&u64) == OK && in.readDouble(&real) == OK &&
-                in.readBool(&flag) == OK);
-    EXPECT_TRUE(s8 == -8 && u64 == UINT64_MAX && real == 0.5 && flag);
-    const hidl_string* gotText = nullptr;
-    ASSERT_EQ(readText(in, &gotText), OK);
-    EXPECT_EQ(*gotText, text);
-    sp<IBinder> object;
-    EXPECT_EQ(in.readNullableStrongBinder(&object), OK);
-    EXPECT_EQ(object, nullptr);
-    const hidl_vec<hidl_vec<hidl_string>>* gotNested = nullptr;
-    ASSERT_EQ(readVec(in, &gotNested, &child), OK);
-    for (size_t i = 0; i < gotNested->size(); ++i) {
-        auto& row = const_cast<hidl_vec<hidl_string>&>((*gotNested)[i]);
-        size_t grandchild = 0;
-        ASSERT_EQ(readEmbeddedFromParcel(row, in, child, i * sizeof(row), &grandchild), OK);
-        for (size_t j = 0; j < row.size(); ++j) {
-            ASSERT_EQ(readEmbeddedFromParcel(row[j], in, grandchild, j * sizeof(text)), OK);
-        }
-    }
-    EXPECT_EQ(*gotNested, nested);
-    EXPECT_EQ(in.readInt8(&s8), NOT_ENOUGH_DATA);
-}
-
 TEST(Parcel, ATextThatIsNotWhatItsRecordSaysIsRefused) {
     const std::string four("four\0", 5);
     struct Case {

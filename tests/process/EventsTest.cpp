@@ -271,6 +271,5 @@ int main(int argc, char** argv) {
         return playWatcher();
     }
     testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder folder;
     return RUN_ALL_TESTS();
 }

@@ -164,9 +164,3 @@ TEST_F(ServiceTest, ManyProcessesCallAtOnceAndTheServiceKeepsToItsThreads) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder folder;
-    return RUN_ALL_TESTS();
-}
