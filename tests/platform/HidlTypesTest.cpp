@@ -93,16 +93,6 @@ TEST(HidlVec, CopiesAreDeep) {
     EXPECT_TRUE(standard.size() == 2 && standard[0] == "c" && copy != texts);
 }
 
-TEST(HidlArray, LiesAsThePlainArrayDoes) {
-    const uint16_t plain[2][3] = {{1, 2, 3}, {4, 5, 6}};
-    hidl_array<uint16_t, 2, 3> grid(plain);
-    EXPECT_EQ(sizeof(grid), sizeof(plain));
-    EXPECT_EQ(grid[1][0], 4);
-    grid[1][2] = 7;
-    EXPECT_EQ(grid.data()[5], 7);
-    EXPECT_NE(grid, (hidl_array<uint16_t, 2, 3>(plain)));
-}
-
 TEST(HidlEnum, ARangeGivesEveryValueInDeclaredOrder) {
     std::vector<Colour> values;
     for (const Colour value : hidl_enum_range<Colour>()) {

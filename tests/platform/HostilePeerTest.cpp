@@ -5,6 +5,7 @@
 
 #include "tests/platform/MessageBuilder.h"
 #include "tests/platform/TransportFixture.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
 
 namespace android::hardware {
@@ -55,11 +56,13 @@ class Attacker {
 TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
     const auto call = [this](uint32_t code = 0) { return MessageBuilder().to(reference, code); };
     const int handle[] = {sizeof(native_handle_t), 1, 0, 0};
+    const int handles[] = {sizeof(native_handle_t), 2, 0, 0, 0};
     struct Case {
         const char* name;
         MessageKind connection;
         MessageBuilder message;
         const char* logged;
+        size_t descriptors = 0;  // that come along
     };
     const Case cases[] = {
             {"a head that is wrong", MessageKind::HelloCall,
@@ -68,6 +71,10 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
              "ends with its last buffer"},
             {"descriptors that do not come", MessageKind::HelloCall,
              call().record(handle, sizeof(handle)).descriptors(1), "as many descriptors as it says"},
+            {"a descriptor too few", MessageKind::HelloCall,
+             call().record(handles, sizeof(handles)).descriptors(2), "as many descriptors as it says", 1},
+            {"a descriptor too many", MessageKind::HelloCall,
+             call().record(handle, sizeof(handle)).descriptors(1), "as many descriptors as it says", 2},
             {"reply to nothing", MessageKind::HelloCall, MessageBuilder(MessageKind::Reply), "carries calls"},
             {"call where one-way messages go", MessageKind::HelloControl, call(), "no calls"},
     };
@@ -78,7 +85,14 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
         Attacker::send(other, call(kSelf).bytes());
         EXPECT_EQ(OK, Attacker::status(other)) << "it is in use";
         const UniqueFd fd = attacker.connect(test.connection);
-        Attacker::send(fd, test.message.bytes());
+        Bytes bytes = test.message.bytes();
+        if (test.descriptors > 0) {
+            Attacker::send(fd, MessageBuilder(MessageKind::Descriptors).bytes());
+            EXPECT_EQ(OK, Attacker::status(fd)) << "they may come";
+        }
+        const int along[] = {STDIN_FILENO, STDIN_FILENO};
+        iovec vector{bytes.data(), bytes.size()};
+        EXPECT_TRUE(sendAll(fd.get(), {&vector, 1, bytes.size(), along, test.descriptors}));
         EXPECT_TRUE(Attacker::isCut(fd)) << test.name;
         EXPECT_TRUE(Attacker::isCut(other)) << test.name << ": all its connections end";
         EXPECT_TRUE(log.contains(test.logged)) << test.name;
@@ -87,6 +101,19 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
     Transport client;
     EXPECT_EQ(OK, hardware::call(objectFor(client), kAdd, 1));
     EXPECT_TRUE(eventually([&] { return server.peerCount() == 1; })) << "nothing of the others is left";
+}
+
+TEST_F(TransportTest, AnEndpointIsOneProcessWithOneConnectionForOneWayMessages) {
+    Attacker attacker(server.endpoint());
+    const UniqueFd calls = attacker.connect(MessageKind::HelloCall);
+    const Bytes message = MessageBuilder().to(reference, kSelf).bytes();
+    Attacker::send(calls, message);
+    ASSERT_EQ(OK, Attacker::status(calls));
+    ChildProcess impostor([&] { return Attacker::isCut(attacker.connect(MessageKind::HelloCall)) ? 0 : 1; });
+    EXPECT_EQ(0, impostor.wait());
+    const UniqueFd control = attacker.connect(MessageKind::HelloControl);
+    EXPECT_EQ(OK, Attacker::status(control)) << "welcome";
+    EXPECT_TRUE(Attacker::isCut(attacker.connect(MessageKind::HelloControl)));
 }
 
 TEST_F(TransportTest, WhatDoesNotExistIsAnErrorReply) {

@@ -1,3 +1,4 @@
+#include <cutils/native_handle.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hwbinder/Parcel.h>
@@ -91,6 +92,39 @@ TEST(Parcel, ASequenceThatIsNotWhatItsRecordSaysIsRefused) {
     }
 }
 
+TEST(Parcel, ANativeHandleThatIsNotWhatItSaysIsRefused) {
+    struct Case {
+        const char* name;
+        std::vector<int> words;  // version, descriptors, integers, and these
+        uint32_t descriptors;
+        status_t expected;
+    };
+    constexpr int kVersion = sizeof(native_handle_t);
+    const Case cases[] = {
+            {"as it says", {kVersion, 1, 1, 0, 77}, 1, OK},
+            {"of another version", {kVersion + 1, 1, 1, 0, 77}, 1, BAD_VALUE},
+            {"longer", {kVersion, 1, 1, 0, 77, 78}, 1, BAD_VALUE},
+            {"shorter", {kVersion, 1, 2, 0, 77}, 1, BAD_VALUE},
+            {"more descriptors than come", {kVersion, 2, 0, 0, 0}, 1, BAD_VALUE},
+            {"fewer descriptors", {kVersion, 1, 1, 0, 0}, 2, BAD_VALUE},
+            {"fewer than none", {kVersion, -1, 3, 0, 0}, 0, BAD_VALUE},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        const size_t size = each.words.size() * sizeof(int);
+        Parcel parcel;
+        receive(MessageBuilder()
+                        .scalar<uint64_t>(size)
+                        .record(each.words.data(), size)
+                        .descriptors(each.descriptors)
+                        .bytes(),
+                &parcel);
+        const native_handle_t* handle = nullptr;
+        EXPECT_EQ(parcel.readNullableNativeHandleNoDup(&handle), each.expected);
+        EXPECT_EQ(handle != nullptr, each.expected == OK);
+    }
+}
+
 TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
     Parcel parcel;
     receive(MessageBuilder()
@@ -98,6 +132,7 @@ TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
                     .buffer(std::string("ok\0", 3), 0)
                     .reference(1, 1)
                     .buffer("12345678", 2)
+                    .buffer("more")
                     .bytes(),
             &parcel);
     const hidl_string* text = nullptr;
@@ -108,8 +143,12 @@ TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
     // Whatever a stub does with its arguments, no byte of the message is given to the allocator.
     const_cast<hidl_string*>(text)->clear();
     const_cast<hidl_vec<uint64_t>*>(numbers)->resize(0);
+    // What is no buffer has no number that could be a parent's.
+    const void* data = nullptr;
+    size_t handle = 0;
+    EXPECT_EQ(parcel.readEmbeddedBuffer(4, &handle, kNoParent, 0, &data), BAD_VALUE);
     // A second pass over the same bytes finds nothing that it may read.
-    EXPECT_EQ(readText(parcel, &text), NOT_ENOUGH_DATA);
+    EXPECT_EQ(readText(parcel, &text), BAD_VALUE);
 }
 
 TEST(Parcel, AnyByteFromAPeerMakesABooleanOfThisProcess) {
@@ -234,17 +273,22 @@ TEST(Parcel, ABuffersPlaceInItsParentIsCheckedWhenItIsWritten) {
         status_t expected;
     };
     for (const auto& [parent, offset, expected] :
-         {Case{0, 0, OK}, Case{0, 8, OK}, Case{0, 9, BAD_VALUE}, Case{0, SIZE_MAX - 7, BAD_VALUE},
-          Case{0, 4, BAD_VALUE}, Case{1, 0, BAD_VALUE}, Case{2, 0, BAD_VALUE}, Case{3, 0, BAD_VALUE}}) {
+         {Case{0, 0, OK}, Case{0, 8, OK}, Case{0, 9, BAD_VALUE}, Case{0, 16, BAD_VALUE},
+          Case{0, SIZE_MAX - 7, BAD_VALUE}, Case{0, 4, BAD_VALUE}, Case{1, 0, BAD_VALUE},
+          Case{2, 0, BAD_VALUE}, Case{4, 0, BAD_VALUE}, Case{5, 0, BAD_VALUE}}) {
+        NATIVE_HANDLE_DECLARE_STORAGE(storage, 8, 0);
         Parcel parcel;
         const char bytes[16] = {};
         size_t handle = 0;
         ASSERT_TRUE(parcel.writeBuffer(bytes, 16, &handle) == OK &&
-                    parcel.writeBuffer(bytes, 7, &handle) == OK && parcel.writeStrongBinder(nullptr) == OK);
+                    parcel.writeBuffer(bytes, 7, &handle) == OK && parcel.writeStrongBinder(nullptr) == OK &&
+                    parcel.writeNativeHandleNoDup(native_handle_init(storage, 8, 0)) == OK);
         EXPECT_EQ(parcel.writeEmbeddedBuffer(bytes, 16, &handle, parent, offset), expected)
                 << parent << " " << offset;
+        EXPECT_EQ(parcel.writeBuffer(bytes, kMaxTransactionBytes + 1, &handle), FAILED_TRANSACTION);
         Encoder encoder;
-        EXPECT_EQ(encoder.encode({}, parcel, nullptr), expected) << "nobody looked at the write";
+        EXPECT_EQ(encoder.encode({}, parcel, nullptr), expected == OK ? FAILED_TRANSACTION : expected)
+                << "the first failure, though nobody looked at it";
     }
 }
 

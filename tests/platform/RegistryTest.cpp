@@ -148,6 +148,7 @@ TEST_F(RegistryTest, NamesThatCouldLeaveTheirFolderOrItsListAreRefused) {
     const Case cases[] = {
             {interface, "default", OK},
             {interface, "with+plus and space", OK},
+            {"a.a@1.0::IFirst", "z", OK},
             {interface, std::string(NAME_MAX - 1 - interface.size(), 'x'), OK},
             {interface, std::string(NAME_MAX - interface.size(), 'x'), BAD_VALUE},
             {interface, "", BAD_VALUE},
@@ -166,10 +167,11 @@ TEST_F(RegistryTest, NamesThatCouldLeaveTheirFolderOrItsListAreRefused) {
     }
     std::vector<RegistryEntry> entries;
     EXPECT_EQ(own.list(&entries), OK);
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_TRUE(entries[0].instance == "default" && entries[0].fqName == interface &&
-                entries[0].pid == getpid());
-    EXPECT_EQ(entries[1].instance, "with+plus and space");
+    ASSERT_EQ(entries.size(), 4u);
+    EXPECT_EQ(entries[0].instance, "z") << "by interface, then by instance";
+    EXPECT_TRUE(entries[1].instance == "default" && entries[1].fqName == interface &&
+                entries[1].pid == getpid());
+    EXPECT_EQ(entries[2].instance, "with+plus and space");
 }
 
 TEST_F(RegistryTest, ProcessesInAndOutsideADesktopsSessionUseTheSameFolderUnlessToldAnother) {
@@ -423,10 +425,13 @@ TEST_F(RegistryTest, ADamagedRecordIsNoName) {
     ASSERT_EQ(own.take(kInterface, "default", reference(1)), OK);
     std::string good(std::filesystem::file_size(file()), '\0');
     std::ifstream(file()).read(good.data(), static_cast<std::streamsize>(good.size()));
-    const auto rewrite = [&](const std::string& bytes) {
-        std::filesystem::resize_file(file(), 0);
-        std::ofstream(file(), std::ios::in) << bytes;
+    const auto rewrite = [&](const std::string& bytes, const std::string& instance = "default") {
+        std::filesystem::resize_file(file(instance), 0);
+        std::ofstream(file(instance), std::ios::in) << bytes;
     };
+    ASSERT_EQ(own.take(kInterface, "other", reference(2)), OK);
+    rewrite(good, "other");
+    EXPECT_EQ(found("other"), 0u) << "it is another name's";
     for (size_t i = 0; i < good.size(); ++i) {
         std::string bad = good;
         bad[i] = static_cast<char>(bad[i] ^ 0x40);
@@ -472,6 +477,10 @@ TEST_F(RegistryTest, AWatchEndsForAnyRegistrationAfterItsStart) {
     for (std::thread& other : others) {
         other.join();
     }
+    while (watch.wait(0)) {
+    }
+    own.release(kInterface, "default");
+    EXPECT_TRUE(watch.wait(1000)) << "a name that is given up may be waited for";
 }
 
 /** Notes what it is told, and waits for it. */

@@ -108,7 +108,10 @@ TEST_F(ScarceTest, AnyAllocationMayFailAndTheNextAttemptWorks) {
             EXPECT_EQ((std::vector<status_t>{OK, OK, OK, OK, UNKNOWN_TRANSACTION, OK, OK, OK}), attempt())
                     << "allocation " << n;
             EXPECT_EQ(0, deaths->count) << "allocation " << n;
-            EXPECT_TRUE(eventually([&] { return client.transport.exports().size() == 1; })) << n;
+            EXPECT_TRUE(eventually([&] {
+                return client.transport.exports().size() == 1 && server.transport.exports().size() == 1;
+            })) << "allocation "
+                << n << ": what was not sent is nobody's";
         }
         EXPECT_TRUE(eventually([&] { return server.transport.peerCount() == 0; })) << "allocation " << n;
     }

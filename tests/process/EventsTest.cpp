@@ -6,7 +6,9 @@
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
+#include <thread>
 
 #include "tests/process/ServiceFixture.h"
 #include "tests/support/Descriptors.h"
@@ -179,6 +181,31 @@ TEST_F(EventsTest, TheToolShowsTheEventsOfACallWhileItRuns) {
     EXPECT_THAT(contentOf(mState + "/shown"), HasSubstr("0x00010001  value=50 text=\"/tuner.fw\""));
 }
 
+TEST_F(EventsTest, AWatchInTheBackgroundIsNotInterruptedAndOneThatIsStuckEndsAtTheSecondTime) {
+    const auto watch = [this](const std::string& before) {
+        const std::string errors = mState + "/watching" + before;
+        ChildProcess tool({"/bin/sh", "-c", before + "exec $ZVTTV_TEST_FAPICTL watch --json"}, errors);
+        EXPECT_TRUE(eventually([&] { return contentOf(errors).find("watching") != std::string::npos; }));
+        return tool;
+    };
+    ChildProcess background = watch("trap '' INT; ");
+    background.signal(SIGINT);
+    EXPECT_EQ(0, post(0x10000));
+    EXPECT_EQ('{', background.word());
+    background.signal(SIGTERM);
+    EXPECT_EQ(0, background.wait());
+
+    ChildProcess stuck = watch("");
+    for (int i = 0; i < 20; ++i) {  // twice what a pipe holds
+        post(0x10000, {1, std::string(6000, 'x'), {}});
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stuck.signal(SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stuck.signal(SIGINT);
+    EXPECT_EQ(-SIGINT, stuck.wait());
+}
+
 TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
     const ChildProcess first = watcher();
     ChildProcess second = watcher();
@@ -239,6 +266,8 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
         ordered = ordered && records[0].u32Value == received;
         ++received;
     });
+    watcher();  // the service has all that it keeps once a first client has come and gone
+    EXPECT_TRUE(eventually([] { return post(0x10000) == 0; }));
     ASSERT_TRUE(watch(survivor));
     EXPECT_NE(INT32_MIN, post(0x2000000));
     const size_t before = openDescriptors(service().pid());
