@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/MessageBuilder.h"
+
 namespace android::hardware {
 namespace {
 
@@ -141,11 +143,6 @@ TEST(Objects, ALocalObjectHasOneStubWhileAnybodyHoldsItAndANewOneLater) {
 }
 
 TEST(Objects, AnObjectOfAnotherInterfaceIsNoneOfTheOneAskedFor) {
-    class NoStub : public BHwBinder {
-        status_t onTransact(uint32_t, const Parcel&, Parcel*, uint32_t, TransactCallback) override {
-            return OK;
-        }
-    };
     using namespace zvttv::test::probe::V1_0;
     using namespace ::android::hidl::base::V1_0;
     const sp<IProbeListener> listener = new Listener;
@@ -156,7 +153,7 @@ TEST(Objects, AnObjectOfAnotherInterfaceIsNoneOfTheOneAskedFor) {
     EXPECT_EQ(asListener(stub), listener);
     EXPECT_EQ((fromBinder<IBase, BpHwBase, BnHwBase>(stub)), listener);
     EXPECT_EQ((fromBinder<IProbe, BpHwProbe, BnHwProbe>(stub)), nullptr);
-    EXPECT_EQ(asListener(new NoStub), nullptr);
+    EXPECT_EQ(asListener(new NoObject), nullptr);
     EXPECT_EQ(asListener(nullptr), nullptr);
     EXPECT_EQ(sp<IProbe>(IProbe::castFrom(sp<IBase>(listener))), nullptr);
     EXPECT_EQ(sp<IProbeListener>(IProbeListener::castFrom(sp<IBase>(listener))), listener);

@@ -33,21 +33,6 @@ TEST_F(TransportTest, MessagesUpToTheLimitPassAndLongerOnesFailForTheirCallAlone
             }
         }
     }
-    for (const auto& [size, expected] : {std::pair(5000, OK), std::pair(900 * 1024, OK),
-                                         std::pair(int(kMaxTransactionBytes), FAILED_TRANSACTION)}) {
-        const std::vector<uint8_t> argument(static_cast<size_t>(size), 7);
-        Parcel data;
-        Parcel reply;
-        data.writeInt32(size);
-        size_t handle = 0;
-        ASSERT_EQ(OK, data.writeBuffer(argument.data(), argument.size(), &handle));
-        ASSERT_EQ(expected, proxy->transact(kSum, data, &reply)) << size;
-        int32_t last = 0;
-        if (expected == OK) {
-            EXPECT_EQ(OK, reply.readInt32(&last));
-            EXPECT_EQ(7, last);
-        }
-    }
 }
 
 TEST_F(TransportTest, AStreamOfOneWayMessagesIsAwaitedInBatchesAndServedLikeAnyOther) {
