@@ -137,6 +137,10 @@ TEST_F(ScarceTest, AMessageThatThereIsNoMemoryForIsRefusedAndItsObjectsAreReleas
         return proxy->transact(flags == 0 ? kSum : kNote, data, &reply, flags);
     };
     ASSERT_EQ(OK, send(0));
+    sRefusedFrom = 150'000;
+    EXPECT_EQ(NO_MEMORY, send(IBinder::FLAG_ONEWAY)) << "no room for a queue";
+    sRefusedFrom = SIZE_MAX;
+    EXPECT_TRUE(eventually([&] { return alive == 0 && client.exports().size() == 0; })) << alive;
     ASSERT_EQ(OK, send(IBinder::FLAG_ONEWAY));
     ASSERT_TRUE(eventually([&] { return server.object->noted().size() == 1; }));
     sRefusedFrom = 150'000;
