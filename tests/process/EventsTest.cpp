@@ -187,10 +187,10 @@ TEST_F(EventsTest, AWatchInTheBackgroundIsNotInterruptedAndOneThatIsStuckEndsAtT
         post(0x10000, {1, std::string(6000, 'x'), {}});
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    stuck.signal(SIGINT);
+    stuck.signal(SIGTERM);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    stuck.signal(SIGINT);
-    EXPECT_EQ(-SIGINT, stuck.wait());
+    stuck.signal(SIGTERM);
+    EXPECT_EQ(-SIGTERM, stuck.wait());
 }
 
 TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
