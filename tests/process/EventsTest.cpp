@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <hidl/HidlTransportSupport.h>
+#include <sys/ioctl.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
 #include <atomic>
@@ -186,7 +187,10 @@ TEST_F(EventsTest, AWatchInTheBackgroundIsNotInterruptedAndOneThatIsStuckEndsAtT
     for (int i = 0; i < 20; ++i) {  // twice what a pipe holds
         post(0x10000, {1, std::string(6000, 'x'), {}});
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_TRUE(eventually([&] {
+        int written = 0;
+        return ioctl(stuck.output(), FIONREAD, &written) == 0 && written > 60'000;
+    }));
     stuck.signal(SIGTERM);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     stuck.signal(SIGTERM);
