@@ -64,6 +64,7 @@ TEST(HidlString, AForeignTextIsNeitherCopiedNorFreed) {
     EXPECT_EQ(text.c_str(), outside);
     hidl_string moved = std::move(text);
     EXPECT_EQ(moved.c_str(), outside);
+    EXPECT_TRUE(text.empty());
     EXPECT_DEATH(moved.setToExternal(outside, 3), "does not end with NUL");
 }
 

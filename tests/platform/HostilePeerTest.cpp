@@ -15,16 +15,17 @@ using Bytes = std::vector<uint8_t>;
 
 class Attacker {
   public:
-    explicit Attacker(const Endpoint& target) : mTarget(target) {}
+    explicit Attacker(const Endpoint& target, const Endpoint& self = randomEndpoint())
+        : mTarget(target), mSelf(self) {}
 
-    UniqueFd connect(MessageKind kind) {
+    UniqueFd connect(MessageKind kind, size_t trailing = 0) {
         Credentials credentials;
         UniqueFd fd = connectTo(mTarget, &credentials);
         EXPECT_TRUE(fd.ok());
         ObjectReference self{};
         std::memcpy(&self.object, mSelf.data(), 8);
         std::memcpy(&self.nonce, mSelf.data() + 8, 8);
-        send(fd, MessageBuilder(kind).to(self, 0).bytes());
+        send(fd, MessageBuilder(kind).to(self, 0).trailing(trailing).bytes());
         return fd;
     }
 
@@ -50,7 +51,7 @@ class Attacker {
 
   private:
     const Endpoint mTarget;
-    const Endpoint mSelf = randomEndpoint();
+    const Endpoint mSelf;
 };
 
 TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
@@ -114,6 +115,9 @@ TEST_F(TransportTest, AnEndpointIsOneProcessWithOneConnectionForOneWayMessages) 
     const UniqueFd control = attacker.connect(MessageKind::HelloControl);
     EXPECT_EQ(OK, Attacker::status(control)) << "welcome";
     EXPECT_TRUE(Attacker::isCut(attacker.connect(MessageKind::HelloControl)));
+    EXPECT_TRUE(Attacker::isCut(Attacker(server.endpoint()).connect(MessageKind::HelloCall, 8)));
+    EXPECT_TRUE(
+            Attacker::isCut(Attacker(server.endpoint(), server.endpoint()).connect(MessageKind::HelloCall)));
 }
 
 TEST_F(TransportTest, WhatDoesNotExistIsAnErrorReply) {

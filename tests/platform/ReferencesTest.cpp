@@ -45,8 +45,10 @@ TEST_F(TransportTest, EveryLinkReportsThePeersDeathOnce) {
         const sp<IBinder> proxy = objectFor(client);
         const sp<Probe> listener = new Probe;
         ASSERT_EQ(OK, pass(proxy, listener));
-        EXPECT_EQ(OK, object->kept->linkToDeath(deaths));
-        EXPECT_EQ(OK, object->kept->linkToDeath(deaths));
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(OK, object->kept->linkToDeath(deaths));
+        }
+        EXPECT_EQ(OK, object->kept->unlinkToDeath(deaths)) << "one of them";
         EXPECT_EQ(OK, object->kept->linkToDeath(withdrawn));
         EXPECT_EQ(OK, object->kept->unlinkToDeath(withdrawn));
         EXPECT_EQ(NAME_NOT_FOUND, object->kept->unlinkToDeath(withdrawn));

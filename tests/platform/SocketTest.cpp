@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/Descriptors.h"
+
 namespace android::hardware {
 namespace {
 
@@ -64,6 +66,17 @@ TEST(Socket, AllArrivesThoughSignalsInterruptAndWaitingUsesNoProcessor) {
     }
     often = {};
     setitimer(ITIMER_REAL, &often, nullptr);
+}
+
+TEST(Descriptors, AreClosedWhenMoreComeThanAMessageMayHave) {
+    const size_t before = openDescriptors(getpid());
+    Descriptors all;
+    for (size_t i = 0; i <= kMaxDescriptors; ++i) {
+        const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        all.add(&fd, 1);
+    }
+    EXPECT_EQ(openDescriptors(getpid()), before + kMaxDescriptors);
+    EXPECT_TRUE(all.isOverfull());
 }
 
 }  // namespace

@@ -115,9 +115,10 @@ TEST_F(Watch, ShowsWhatIsPostedWholeAndInOrderUntilTheCount) {
     watch({"--json", "--count", "300"});
     const std::string bytes = toHex(std::vector<uint8_t>(1000, 0x5a));
     for (int i = 0; i < 300; ++i) {
-        ASSERT_EQ(
-                post(0x20000u << i % 8, {"value=" + std::to_string(i), "-", "text=a, b bytes=" + bytes}).code,
-                Exit::Success);
+        ASSERT_EQ(post(0x20000u << i % 8,
+                       {"value=" + std::to_string(i), "-", R"(text="a, \x00b" bytes=)" + bytes})
+                          .code,
+                  Exit::Success);
     }
     ASSERT_EQ(join().code, Exit::Success) << join().err;
     EXPECT_EQ(join().err, "watching: press Ctrl-C to end\n");
@@ -132,7 +133,7 @@ TEST_F(Watch, ShowsWhatIsPostedWholeAndInOrderUntilTheCount) {
         EXPECT_EQ(event["type"], 0x20000u << number % 8);
         EXPECT_EQ(event["records"][0]["value"], number);
         EXPECT_EQ(event["records"][1].dump(), R"({"value":0,"text":"","bytes":""})");
-        EXPECT_EQ(event["records"][2]["text"], "a, b");
+        EXPECT_EQ(event["records"][2]["text"], std::string("a, \0b", 5));
         EXPECT_EQ(event["records"][2]["bytes"], bytes);
     }
     EXPECT_EQ(number, 300);
