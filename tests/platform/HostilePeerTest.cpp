@@ -77,6 +77,12 @@ TEST_F(TransportTest, ABrokenRuleCostsItsPeerTheConnectionAndIsLogged) {
             {"a descriptor too many", MessageKind::HelloCall,
              call().record(handle, sizeof(handle)).descriptors(1), "as many descriptors as it says", 2},
             {"reply to nothing", MessageKind::HelloCall, MessageBuilder(MessageKind::Reply), "carries calls"},
+            {"descriptors of a one-way message", MessageKind::HelloControl,
+             MessageBuilder(MessageKind::OneWay)
+                     .to(reference, kNote)
+                     .record(handle, sizeof(handle))
+                     .descriptors(1),
+             "descriptors come with calls"},
             {"call where one-way messages go", MessageKind::HelloControl, call(), "no calls"},
     };
     for (const Case& test : cases) {
