@@ -71,7 +71,7 @@ class Scene {
     Scene(const Adapter& adapter, const std::string& tag, const Case& one, bool ready, int32_t status)
         : mTag(tag), mPrefix("a_zvttvfapi_" + adapter.module + '_'), mCase(one) {
         chip.returnsOtherwise(status);
-        chip.returns(a_zvttvfapi_common_get_fapi_status, ready ? 0 : -5);
+        chip.returns("common_get_fapi_status", ready ? 0 : -5);
         chip.onCall([this](const std::string& call) {
             happens(call == "a_zvttvfapi_common_get_fapi_status()" ? "?"
                     : call.rfind(mPrefix, 0) == 0                  ? call.substr(mPrefix.size())

@@ -43,7 +43,7 @@ TEST(Memory, NoClientSeesWhatLayBetweenARecordsFields) {
         EXPECT_EQ(bytes, std::vector<uint8_t>(bytes.size()));
     };
     for (const int32_t readiness : {0, -5}) {
-        chip.returns(a_zvttvfapi_common_get_fapi_status, readiness);
+        chip.returns("common_get_fapi_status", readiness);
         soilStack();
         display->a_hidl_a_zvttvfapi_disp_get_tcon_info(expectZeros);
         soilStack();

@@ -39,7 +39,8 @@ FakeChipLayer::~FakeChipLayer() {
     sCurrent = nullptr;
 }
 
-FakeCall::FakeCall(const char* name) : mChip(current()), mText(std::string(name) + '(') {}
+FakeCall::FakeCall(const char* name)
+    : mChip(current()), mName(name + sizeof("a_zvttvfapi_") - 1), mText(std::string(name) + '(') {}
 
 FakeCall& FakeCall::text(const void* text) {
     return add('"' + shortened(static_cast<const char*>(text)) + '"');
@@ -75,13 +76,15 @@ void FakeCall::record() {
     mChip.mCalls.push_back(mText);
 }
 
-void FakeCall::writeOutputs() {
+int32_t FakeCall::answered() {
     for (const Output& output : mOutputs) {
         if (const auto written = mChip.mOutputs.extract(output.name)) {
             const std::string& bytes = written.mapped();
             std::memcpy(output.place, bytes.data(), std::min(bytes.size(), output.size));
         }
     }
+    const auto result = mChip.mResults.find(mName);
+    return result == mChip.mResults.end() ? mChip.mOtherwise : result->second;
 }
 
 // The fake functions, from the headers.

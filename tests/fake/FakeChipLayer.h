@@ -13,7 +13,7 @@
 /// its call and returns what the test has scripted for it, 0 by default. For one thread.
 ///
 ///     FakeChipLayer chip;
-///     chip.returns(a_zvttvfapi_common_get_fapi_status, -5);
+///     chip.returns("common_get_fapi_status", -5);
 ///     chip.writes({{"pu8Enable", "\1"}});
 ///     chip.returnsOtherwise(7);
 class FakeChipLayer {
@@ -29,13 +29,11 @@ class FakeChipLayer {
         mActions[keyOf(function)] = std::function<Function>(std::move(action));
     }
 
-    /// The same result from now on, no outputs.
-    template <typename Function>
-    void returns(Function* function, typename std::function<Function>::result_type result) {
-        on(function, [result](auto&&...) { return result; });
-    }
+    /// The result, from now on, of a function for which no action is scripted, by its name without
+    /// a_zvttvfapi_.
+    void returns(const std::string& function, int32_t result) { mResults[function] = result; }
 
-    /// The status of every function for which nothing is scripted, instead of 0.
+    /// The result of all others, instead of 0.
     void returnsOtherwise(int32_t status) { mOtherwise = status; }
 
     /// What such functions write into their outputs, by the parameters' names, each once: as many of the
@@ -61,6 +59,7 @@ class FakeChipLayer {
     }
 
     std::map<Key, std::any> mActions;
+    std::map<std::string, int32_t> mResults;
     std::map<std::string, std::string> mOutputs;
     std::function<void(const std::string&)> mObserver;
     std::vector<std::string> mCalls;
@@ -78,8 +77,10 @@ class FakeCall {
             return bytes(&value, sizeof(value));
         } else if constexpr (std::is_pointer_v<T>) {
             return add("*");
+        } else if constexpr (std::is_enum_v<T>) {
+            return add(std::to_string(static_cast<int64_t>(value)));
         } else {
-            return add(std::to_string(static_cast<NumberOf<T>>(value)));
+            return add(std::to_string(value));
         }
     }
     FakeCall& text(const void* text);
@@ -101,22 +102,10 @@ class FakeCall {
             return std::any_cast<std::function<Function>&>(action->second)(
                     std::forward<Arguments>(arguments)...);
         }
-        writeOutputs();
-        return static_cast<typename std::function<Function>::result_type>(mChip.mOtherwise);
+        return answered();
     }
 
   private:
-    template <typename T, bool = std::is_enum_v<T>>
-    struct Number {
-        using type = T;
-    };
-    template <typename T>
-    struct Number<T, true> {
-        using type = std::underlying_type_t<T>;
-    };
-    template <typename T>
-    using NumberOf = typename Number<T>::type;
-
     struct Output {
         const char* name;
         void* place;
@@ -126,9 +115,10 @@ class FakeCall {
     FakeCall& add(const std::string& argument);
     FakeCall& bytes(const void* bytes, size_t size);
     void record();
-    void writeOutputs();
+    int32_t answered();
 
     FakeChipLayer& mChip;
+    const std::string mName;
     std::string mText;
     std::vector<Output> mOutputs;
 };
