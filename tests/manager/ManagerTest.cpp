@@ -68,14 +68,18 @@ TEST(Manager, AStepTakesAllModulesInOrderAndItsResultIsTheBitsOfAll) {
         FakeChipLayer chip;
         DeviceLog log;
         const ::android::sp<ZvtTvFApiManager> manager = new ZvtTvFApiManager();
-        for (const bool alike : {true, false}) {
-            for (size_t i = 0; i < step.modules.size(); ++i) {
-                chip.returns(step.modules[i] + '_' + step.function, alike ? 1 : 1 << i);
-            }
-            chip.takeCalls();
-            EXPECT_EQ(int32_t{(manager.get()->*step.take)()}, alike ? 1 : 0xFF);
-            EXPECT_EQ(chip.takeCalls(), step.calls());
+        const auto take = [&] { return int32_t{(manager.get()->*step.take)()}; };
+        const auto nameOf = [&](size_t module) { return step.modules[module] + '_' + step.function; };
+        for (size_t i = 0; i < step.modules.size(); ++i) {
+            chip.returns(nameOf(i), 1);
+            EXPECT_EQ(take(), 1) << "this and all before it alike: " << nameOf(i);
         }
+        for (size_t i = 0; i < step.modules.size(); ++i) {
+            chip.returns(nameOf(i), 1 << i);
+        }
+        chip.takeCalls();
+        EXPECT_EQ(take(), 0xFF);
+        EXPECT_EQ(chip.takeCalls(), step.calls());
     }
 }
 
