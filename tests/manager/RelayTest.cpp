@@ -356,7 +356,10 @@ TEST_F(RelayTest, WithoutMemoryNobodyIsToldOrRegisteredAndTheAnswerSaysSo) {
         refused = failing.refusedBytes();
     }
     EXPECT_GT(nth, 3);
-    sCbList.clear();
+    {
+        const Mutex::Autolock lock(sCbMutex);
+        sCbList.clear();
+    }
     const sp<Client> client = registered();
     const std::vector<uint8_t> bytes(900 * 1024, 0x5A);
     EXPECT_EQ(0, raise(ZvtTvFApiManager::onAudEvent, 5, {0, "", bytes}));
