@@ -343,7 +343,8 @@ TEST_F(RelayTest, AModuleHasTheHandlerThatCallsItsMethodWithTheEventUnchangedBut
 }
 
 TEST_F(RelayTest, WithoutMemoryNobodyIsToldOrRegisteredAndTheAnswerSaysSo) {
-    u8TvFactoryDebug = 0;  // what takes the lines takes memory, too
+    u8TvFactoryDebug = 0;                                          // what takes the lines takes memory, too
+    ::android::hardware::IPCThreadState::self()->getCallingPid();  // a client's call finds the runtime made
     int nth = 0;
     for (size_t refused = 1; refused != 0;) {
         const sp<Client> client = new Client;

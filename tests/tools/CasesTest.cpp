@@ -8,6 +8,7 @@
 #include <map>
 
 #include "tests/cases/Method.h"
+#include "tests/support/Shortened.h"
 #include "tests/tools/Service.h"
 #include "tests/tools/Thing.h"
 #include "tools/fapictl/Arguments.h"
@@ -70,7 +71,7 @@ std::string event(const Words& words) {
     const std::vector<uint8_t>& bytes = fields["vecValue"].get_binary();
     const Event::Record second = {fields["u32Value"], fields["strValue"], bytes};
     const Event event = {time, "sys", 0x10001, {{{}, second, {}, {}}}};
-    return cases::shortened(eventLine(12, event) + '\n' + jsonText(eventJson(12, event), false));
+    return shortened(eventLine(12, event) + '\n' + jsonText(eventJson(12, event), false));
 }
 
 std::string joined(const Words& words) {
