@@ -2,6 +2,7 @@
 #include <functional>
 #include <thread>
 
+#include "tests/simulator/BoardProcess.h"
 #include "tests/simulator/PanelFixture.h"
 
 using namespace simulator;
@@ -349,7 +350,8 @@ TEST_F(PanelTest, ARestartKeepsTheSettingsAndLosesTheLayers) {
     show(1, pattern(0xFF0000));
     ASSERT_EQ(a_zvttvfapi_disptst_set_osd_layer_on_off(0, 1), 0);
     ASSERT_EQ(a_zvttvfapi_disptst_gen_gop_test_pattern_on(0, 0), 0);
-    ASSERT_EQ(restarted("capture after.png"), "0");
+    ASSERT_EQ(BoardProcess(state().path(), "/dev/null").ask("display capture_screen_to_usb after.png 0"),
+              "0");
     const Picture after(state() / "files/usb/after.png");
     // The blue of no input without its colour, inverted.
     EXPECT_EQ(after.at(0, 0), 0xF4F4F4U);
@@ -433,32 +435,10 @@ TEST_F(PanelTest, CapturesOnlyOntoTheUsbStorageAndReplacesWhatIsThere) {
     EXPECT_EQ(captured("/folder/x.png"), 0);
     EXPECT_EQ(Picture(state() / "files/usb/folder/x.png").at(0, 0), kNoInput);
     // A disk that takes no more leaves what was there, and nothing else.
-    EXPECT_NE(restarted("capture folder/x.png", "PROBE_FILE_LIMIT=1000"), "0");
+    EXPECT_NE(BoardProcess(state().path(), "/dev/null", {"PROBE_FILE_LIMIT=1000"})
+                      .ask("display capture_screen_to_usb folder/x.png 0"),
+              "0");
     EXPECT_EQ(Picture(state() / "files/usb/folder/x.png").at(0, 0), kNoInput);
     const std::filesystem::directory_iterator files(state() / "files/usb/folder");
     EXPECT_EQ(std::distance(begin(files), end(files)), 1);
-}
-
-TEST_F(PanelTest, IsDrawnOnSetAndCapturedByManyAtOnce) {
-    ASSERT_EQ(a_zvttvfapi_disptst_gen_gop_test_pattern_on(0, 0), 0);
-    std::vector<std::thread> threads;
-    for (unsigned n = 0; n < 4; ++n) {
-        threads.emplace_back([n] {
-            for (unsigned i = 0; i < 3; ++i) {
-                EXPECT_EQ(a_zvttvfapi_disptst_gen_gop_test_pattern_on(n == 0 ? 640 : 0, 0), 0);
-                EXPECT_EQ(a_zvttvfapi_disptst_gen_gop_test_pattern_draw_rect(
-                                  {n, n, 99, 99, ~0U, 0, 1, 0, 9, 1}),
-                          0);
-                EXPECT_EQ(a_zvttvfapi_disp_set_picture_param(n, i), 0);
-                const std::string name = std::to_string(n) + ".png";
-                EXPECT_EQ(a_zvttvfapi_disp_capture_screen_to_usb(bytes(name), 0), 0);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (const char* name : {"0.png", "1.png", "2.png", "3.png"}) {
-        Picture(state() / ("files/usb/" + std::string(name)));
-    }
 }

@@ -21,15 +21,7 @@ class SysFixture : public testing::Test {
         }
     }
 
-    static const TemporaryFolder& state() {
-        static const TemporaryFolder sState;
-        return sState;
-    }
-
-    /** What a board of this state says after a restart. */
-    static std::string restarted(const std::string& arguments, const std::string& environment = "") {
-        return probe("ZVTTV_STATE_DIR=" + state().path() + " " + environment, arguments);
-    }
+    static const TemporaryFolder& state() { return ownState(); }
 
     static const unsigned char* bytes(const std::string& text) {
         return reinterpret_cast<const unsigned char*>(text.c_str());
@@ -44,7 +36,4 @@ class SysFixture : public testing::Test {
         EXPECT_EQ(command(2, "sys"), simulator::kOk);
         return contentOf(state() / "state.txt");
     }
-
-  private:
-    static inline const int sChosen = setenv("ZVTTV_STATE_DIR", state().path().c_str(), 1);
 };
