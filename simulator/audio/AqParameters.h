@@ -4,8 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/KeptNumbers.h"
-#include "simulator/Sandbox.h"
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
 
@@ -44,7 +43,7 @@ class AqParameters {
     static constexpr size_t kMaxFileBytes = 64 * 1024;
 
     /** Takes the parameters of the copy. */
-    explicit AqParameters(const StateDirectory& state);
+    AqParameters();
 
     /** The same again: those of the factory without a copy, or when it is bad, which is said on standard
      * error. */
@@ -59,8 +58,7 @@ class AqParameters {
     std::string describe() const;
 
   private:
-    const StateDirectory& mState;
-    const Sandbox mSandbox;
+    StateFolder mFolder;
     // Held across a whole change.
     std::mutex mChanging;
     mutable std::mutex mMutex;

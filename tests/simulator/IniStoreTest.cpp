@@ -1,4 +1,4 @@
-#include "simulator/IniStore.h"
+#include "simulator/storage/IniStore.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/Emmc.h"
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 #include "tests/simulator/BoardProcess.h"
 #include "tests/simulator/Support.h"
 

@@ -1,4 +1,4 @@
-// What several threads, or several boards with one state folder, do at once.
+// What several threads do at once.
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "chiplayer/chiplayer.h"
-#include "simulator/Status.h"
-#include "tests/simulator/BoardProcess.h"
+#include "simulator/board/Status.h"
 #include "tests/simulator/Picture.h"
 #include "tests/simulator/Support.h"
 #include "tests/support/Eventually.h"
@@ -50,10 +49,9 @@ int count(unsigned type, Object, Object, Object, Object) {
 
 }  // namespace
 
-TEST(Parallel, WritesOfThreadsAndProcessesLoseNoneOfEachOther) {
+TEST(Parallel, WritesOfThreadsLoseNoneOfEachOther) {
     inThreads(8, [](unsigned number) {
         const std::string writer = std::to_string(number);
-        BoardProcess other(ownState().path(), "/dev/null");
         for (unsigned round = 0; round < 20; ++round) {
             const std::string key = writer + "-" + std::to_string(round);
             std::string digit = writer, area = "misc";
@@ -63,19 +61,14 @@ TEST(Parallel, WritesOfThreadsAndProcessesLoseNoneOfEachOther) {
                                                  8 * round + number, 1,
                                                  reinterpret_cast<unsigned char*>(digit.data())),
                       kOk);
-            EXPECT_EQ(other.ask("System set_emmc_env_var p" + key + " " + writer), "0");
-            EXPECT_EQ(other.ask("Information set_ini_para count p" + key + " " + writer), "0");
-            EXPECT_EQ(other.ask("System write_emmc misc " + std::to_string(160 + 8 * round + number) + " 3" +
-                                writer),
-                      "0");
         }
     });
     const std::string variables = contentOf(ownState() / "emmc/env.txt"),
                       counted = contentOf(ownState() / "ini/count.ini");
     const std::string area = contentOf(ownState() / "emmc/misc.bin");
-    for (unsigned i = 0; i < 320; ++i) {
+    for (unsigned i = 0; i < 160; ++i) {
         const std::string writer = std::to_string(i % 8);
-        const std::string key = (i < 160 ? "t" : "p") + writer + "-" + std::to_string(i % 160 / 8);
+        const std::string key = "t" + writer + "-" + std::to_string(i / 8);
         EXPECT_THAT(variables, HasSubstr(key + "=" + writer + "\n"));
         EXPECT_THAT(counted, HasSubstr(key + " = " + writer + "\n"));
         EXPECT_EQ(area[i], writer[0]) << i;
