@@ -1,10 +1,10 @@
 #include "tests/cases/Method.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <stdexcept>
 
+#include "tests/support/Shortened.h"
 #include "tools/fapictl/Arguments.h"
 #include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Names.h"
@@ -143,29 +143,6 @@ std::string show(const Json& value) {
 
 std::string showAll(const Json& results) {
     return showEach(results, " ");
-}
-
-std::string shortened(std::string_view text, size_t piece) {
-    constexpr size_t kLongestPeriod = 4, kFewest = 16;  // pieces
-    std::string all;
-    while (!text.empty()) {
-        size_t taken = std::min(piece, text.size());
-        std::string shown(text.substr(0, taken));
-        for (size_t period = piece; period <= std::min(kLongestPeriod * piece, text.size());
-             period += piece) {
-            size_t end = period;
-            while (text.substr(end, period) == text.substr(0, period)) {
-                end += period;
-            }
-            if (end >= kFewest * piece && end > taken) {
-                taken = end;
-                shown = '(' + std::string(text.substr(0, period)) + ")*" + std::to_string(end / period);
-            }
-        }
-        all += shown;
-        text.remove_prefix(taken);
-    }
-    return all;
 }
 
 }  // namespace cases

@@ -10,7 +10,7 @@
 namespace cases {
 
 /// The words between the blanks of a line. "Quotes" hold blanks, and \n \t \r \0 \xNN \" \\ as in C; (what is
-/// in brackets)*3 stands there as often. Both may be part of a word: strName="a b", ("x")*1023, (0102)*8ff.
+/// in brackets)*3 stands there as often. Both may be part of a word: strName="a b", ("x")*1023, (0102)*8"ff".
 /// Throws std::invalid_argument when a quote or bracket has no end, or an escape is none of these.
 std::vector<std::string> split(std::string_view line);
 
@@ -24,14 +24,11 @@ fapictl::Json call(const fapictl::sp<fapictl::IBase>& object, const fapictl::Met
                    const std::vector<std::string>& words);
 
 /// Numbers as they are, true, false, 'text' with escapes, <hexadecimal bytes>, [1,2],
-/// {field=value,field=value}. What repeats itself in texts and bytes is shortened as split() reads it:
-/// 'ab(x)*1023', <(0102)*8ff>.
+/// {field=value,field=value}. What repeats itself in texts and bytes is written once:
+/// 'ab(x)*1023', <(0102)*16 ff>.
 std::string show(const fapictl::Json& value);
 
 /// Several results, with blanks between them.
 std::string showAll(const fapictl::Json& results);
-
-/// A text or digits with the repetitions shortened, each piece of so many characters; what is shorter stays.
-std::string shortened(std::string_view text, size_t piece = 1);
 
 }  // namespace cases

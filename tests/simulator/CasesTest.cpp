@@ -245,7 +245,7 @@ class Section : public testing::Test {
         }
         if (verb == "events") {
             const long others = std::count(wanted.begin(), wanted.end(), ';');
-            return board().ask("events " + std::to_string(wanted.empty() ? 0 : others + 1));
+            return board().ask("events " + (!rest.empty() ? rest : std::to_string(wanted.empty() ? 0 : others + 1)));
         }
         if (verb == "order") {
             return board().ask("System send_cmd_to_factory_svc 0 " + fapictl::inQuotes(rest));

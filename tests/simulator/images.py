@@ -4,10 +4,12 @@
 images.py firmware TARGET PAYLOAD...   for the chip, version v1.2; payloads are a text or TEXT*COUNT
 images.py vexa VERSION PAYLOAD...      for the frame-rate converter
 images.py hdcp SIZE RECEIVER NUMBER    a key of so many bytes, its receiver's number (10 hexadecimal digits) at a place
-images.py edid FILE PLACE=VALUE...     the blocks of a file with bytes changed and checksums made right
+images.py edid SHOWN SIZE PLACE=VALUE...   what a call showed, with bytes changed; checksums are made right
+images.py spoilt SHOWN SIZE PLACE=VALUE... the same, but for the checksums
 images.py bmp NAME=VALUE...            two rows of two pixels, with other fields of the headers
 """
 
+import re
 import struct
 import sys
 import zlib
@@ -35,10 +37,16 @@ def hdcp(size, receiver, number):
     return key + struct.pack(">I", zlib.crc32(key))
 
 
-def edid(file, *changes):
-    data = bytearray(open(file, "rb").read())
+def spoilt(shown, size, *changes):
+    digits = re.sub(r"\((\w+)\)\*(\d+) ?", lambda part: part[1] * int(part[2]), re.search("<(.*)>", shown)[1])
+    data = bytearray.fromhex(digits)[:int(size)]
     for place, _, value in (change.partition("=") for change in changes):
         data[int(place)] = int(value, 0)
+    return data
+
+
+def edid(*arguments):
+    data = spoilt(*arguments)
     for block in range(0, len(data), 128):
         data[block + 127] = -sum(data[block:block + 127]) % 256
     return data

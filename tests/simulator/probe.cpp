@@ -40,6 +40,7 @@
 #include "adapters/system/ZvtTvFApiSystem.h"
 #include "chiplayer/chiplayer.h"
 #include "tests/cases/Method.h"
+#include "tests/support/Shortened.h"
 #include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Text.h"
@@ -73,7 +74,7 @@ std::string shown(const ZvtTvFApiEventCommonObject& record) {
     const std::string text = record.strValue;
     const std::string bytes(record.vecValue.begin(), record.vecValue.end());
     return std::to_string(static_cast<int32_t>(record.u32Value)) + (text.empty() ? "" : "," + text) +
-           (bytes.empty() ? "" : ":" + cases::shortened(fapictl::escaped(bytes)));
+           (bytes.empty() ? "" : ":" + shortened(fapictl::escaped(bytes)));
 }
 
 using Object = const ZvtTvFApiEventCommonObject&;
@@ -190,6 +191,7 @@ int main() {
             return 2;
         }
     }
+    _a_zvttvfapi_custom_init_debug_level();
     for (const char* step : {"reg_callback", "init"}) {
         for (const auto& module : kModules) {
             module.second.at(step)();
