@@ -9,7 +9,6 @@ images.py spoilt SHOWN SIZE PLACE=VALUE... the same, but for the checksums
 images.py bmp NAME=VALUE...            two rows of two pixels, with other fields of the headers
 """
 
-import re
 import struct
 import sys
 import zlib
@@ -38,6 +37,7 @@ def hdcp(size, receiver, number):
 
 
 def spoilt(shown, size, *changes):
+    import re  # which takes longer than all the rest
     digits = re.sub(r"\((\w+)\)\*(\d+) ?", lambda part: part[1] * int(part[2]), re.search("<(.*)>", shown)[1])
     data = bytearray.fromhex(digits)[:int(size)]
     for place, _, value in (change.partition("=") for change in changes):
