@@ -196,7 +196,7 @@ StateDirectory StateDirectory::fromEnvironment() {
     return StateDirectory("/tmp/zvttvfactory-" + std::to_string(geteuid()), true);
 }
 
-Opened StateDirectory::openRoot() const {
+Opened StateDirectory::openRoot(bool quietly) const {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0);
     Descriptor root(::open(mPath.c_str(), flags));
     if (!root && errno == ENOENT) {
@@ -210,10 +210,12 @@ Opened StateDirectory::openRoot() const {
     }
     struct stat status {};
     if (!root || fstat(root.get(), &status) != 0) {
-        return failed(mPath);
+        return quietly ? Opened{Descriptor(), statusOf(errno)} : failed(mPath);
     }
     if (mInSharedFolder && (status.st_uid != geteuid() || (status.st_mode & 077) != 0)) {
-        complainOnce(mPath, "it belongs to another user or is open to others");
+        if (!quietly) {
+            complainOnce(mPath, "it belongs to another user or is open to others");
+        }
         return {Descriptor(), kDenied};
     }
     return {std::move(root), kOk};
@@ -240,28 +242,30 @@ Opened StateDirectory::openFolder(const std::string& name) const {
     return folder ? Opened{std::move(folder), kOk} : failed(mPath + "/" + name);
 }
 
-void StateDirectory::claim() const {
-    Opened root = openRoot();
-    // Not at all for a folder that cannot be had: nothing is kept there.
+bool StateDirectory::claim() const {
+    static std::atomic<bool> sClaimed{false};
+    if (sClaimed) {
+        return true;
+    }
+    Opened root = openRoot(true);
     if (root.status != kOk) {
-        return;
+        return false;
     }
-    if (flock(root.file.get(), LOCK_EX | LOCK_NB) == 0) {
-        root.file.release();
-        return;
+    const int folder = root.file.get();
+    if (flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        const int holder = holderOf(folder);
+        const std::string process = holder == 0 ? "" : ", process " + std::to_string(holder) + ",";
+        fprintf(stderr,
+                "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this "
+                "one's "
+                "own\n",
+                process.c_str(), mPath.c_str());
+        exit(EXIT_FAILURE);
     }
-    if (errno != EWOULDBLOCK) {
-        fprintf(stderr, "board: %s cannot be locked, see that no other service uses it: %s\n", mPath.c_str(),
-                strerror(errno));
-        return;
-    }
-    const int holder = holderOf(root.file.get());
-    const std::string process = holder == 0 ? "" : " (process " + std::to_string(holder) + ")";
-    fprintf(stderr,
-            "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this one's "
-            "own\n",
-            process.c_str(), mPath.c_str());
-    exit(EXIT_FAILURE);
+    // Open until the process ends. Where folders cannot be locked, nobody is kept out.
+    root.file.release();
+    sClaimed = true;
+    return true;
 }
 
 FileStamp::FileStamp(const struct stat& status)

@@ -67,16 +67,17 @@ class StateDirectory {
 
     /**
      * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
-     * another one has it: two services would overwrite what the other has acknowledged.
+     * another one has it: two services would overwrite what the other has acknowledged. False, and nothing
+     * said, for a folder that cannot be had.
      */
-    void claim() const;
+    bool claim() const;
 
     /** Absolute. */
     const std::string& path() const { return mPath; }
 
   private:
     StateDirectory(const std::string& path, bool inSharedFolder);
-    Opened openRoot() const;
+    Opened openRoot(bool quietly = false) const;
 
     const std::string mPath;
     // Others may make a folder of our name first, so that its owner and mode are checked.

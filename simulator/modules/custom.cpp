@@ -109,6 +109,9 @@ std::string ipDefaults() {
 }
 
 int32_t prepareState() {
+    if (!boardState().claim()) {
+        return kIoError;
+    }
     StateFolder ini(boardState(), "ini");
     Identity identity;
     int32_t result = readIdentity(&identity);

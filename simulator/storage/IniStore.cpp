@@ -151,6 +151,14 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     return kOk;
 }
 
+std::vector<std::string> IniStore::Contents::faultLines() const {
+    std::vector<std::string> lines;
+    for (const auto& [number, fault] : faults) {
+        lines.push_back("line " + std::to_string(number) + ": " + fault);
+    }
+    return lines;
+}
+
 int32_t IniStore::read(const char* file, Contents* contents) const {
     const std::string name = fileName(file);
     std::string text;
@@ -171,10 +179,9 @@ int32_t IniStore::read(const char* file, Contents* contents) const {
         if (line.kind == IniLine::Parameter) {
             const std::string section(*line.section), key(line.key);
             const char* const value = ini.GetValue(section.c_str(), key.c_str(), "");
-            contents->parameters[section + ":" + key] = {value, number};
+            contents->parameters[section.empty() ? key : section + ":" + key] = {value, number};
         } else if (line.kind == IniLine::Junk) {
-            contents->faults.push_back("line " + std::to_string(number) +
-                                       " is neither a parameter nor a heading");
+            contents->faults[number] = "neither a parameter nor a heading";
         }
     }
     return kOk;

@@ -41,8 +41,8 @@ class IniStore {
 
     explicit IniStore(const StateDirectory& state, const char* folder = "ini");
 
-    /** The folder's name. */
-    const std::string& folder() const { return mFolder.name(); }
+    /** A file as messages call it. */
+    std::string pathOf(const char* file) const { return mFolder.name() + "/" + file + ".ini"; }
 
     ~IniStore();
     IniStore(const IniStore&) = delete;
@@ -60,9 +60,12 @@ class IniStore {
             std::string text;
             size_t line;
         };
-        std::map<std::string, Value> parameters;  // by "section:key"
-        /** "line 3: ..." for each line that means nothing. */
-        std::vector<std::string> faults;
+        std::map<std::string, Value> parameters;  // by "section:key", or "key"
+        /** What is wrong with lines, by their numbers; for a reader to add to. */
+        std::map<size_t, std::string> faults;
+
+        /** For tellFaults(): "line 3: ..." each. */
+        std::vector<std::string> faultLines() const;
     };
     /** Reads a file of the folder as a whole. kNotFound, kBadName, kBadFile, or why it cannot be read. */
     int32_t read(const char* file, Contents* contents) const;
