@@ -17,9 +17,8 @@
  * object. */
 class BoardProcess {
   public:
-    /** Its standard error goes behind what is in the file; the environment is NAME=VALUE each. */
-    BoardProcess(const std::string& state, const std::string& errors,
-                 const std::vector<std::string>& environment = {}) {
+    /** The environment is NAME=VALUE each. */
+    explicit BoardProcess(const std::string& state, const std::vector<std::string>& environment = {}) {
         std::vector<std::string> words = {"env", "-C", state, "-u", "HOME", "-u", "XDG_STATE_HOME"};
         words.push_back("ZVTTV_STATE_DIR=" + state);
         words.insert(words.end(), environment.begin(), environment.end());
@@ -31,22 +30,28 @@ class BoardProcess {
         arguments.push_back(nullptr);
         int ends[2];
         EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+        int errors[2];  // not a file, since a limit of the process's would count for it
+        EXPECT_EQ(pipe2(errors, O_CLOEXEC | O_NONBLOCK), 0);
+        EXPECT_GE(fcntl(errors[0], F_SETPIPE_SZ, 1 << 20), 1 << 20);
         mPid = fork();
         if (mPid == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             dup2(ends[1], STDIN_FILENO);
             dup2(ends[1], STDOUT_FILENO);
-            dup2(open(errors.c_str(), O_CREAT | O_WRONLY | O_APPEND, 0600), STDERR_FILENO);
+            dup2(errors[1], STDERR_FILENO);
             execvp(arguments[0], arguments.data());
             _exit(127);
         }
         close(ends[1]);
+        close(errors[1]);
         mFd = ends[0];
+        mErrors = errors[0];
     }
     ~BoardProcess() {
         kill(mPid, SIGKILL);
         finish();
         close(mFd);
+        close(mErrors);
     }
     BoardProcess(const BoardProcess&) = delete;
 
@@ -70,6 +75,17 @@ class BoardProcess {
         return "no answer";
     }
 
+    /** What it has said on its standard error since the last time; it must be asked for before it is a MiB.
+     */
+    std::string said() const {
+        std::string text;
+        char chunk[4096];
+        for (ssize_t got; (got = read(mErrors, chunk, sizeof(chunk))) > 0;) {
+            text.append(chunk, static_cast<size_t>(got));
+        }
+        return text;
+    }
+
     /** Lets it end by itself, as at the end of its orders. Returns its exit code, or minus the signal. */
     int finish() {
         shutdown(mFd, SHUT_WR);
@@ -83,6 +99,7 @@ class BoardProcess {
   private:
     pid_t mPid;
     int mFd;
+    int mErrors;
     int mEnd = 0;
     std::string mHeard;
 };

@@ -152,7 +152,7 @@ class Section : public testing::Test {
         }
         mTerminals.clear();
         if (mBoard != nullptr && mBoard->finish() != 0 && !mEnded) {
-            ADD_FAILURE() << mFile << ": the board's process ended badly\n" << contentOf(errors());
+            ADD_FAILURE() << mFile << ": the board's process ended badly\n" << heard();
         }
     }
 
@@ -166,7 +166,6 @@ class Section : public testing::Test {
     };
 
     std::string place(const Line& line) const { return mFile + ":" + std::to_string(line.number); }
-    std::string errors() const { return mFolder / "errors"; }
 
     std::string substituted(std::string text) const {
         for (auto name = mNames.rbegin(); name != mNames.rend();
@@ -220,6 +219,7 @@ class Section : public testing::Test {
     std::string answer(const std::string& verb, const std::string& rest, const std::string& query,
                        bool within, const std::string& wanted) {
         if (verb == "restart") {
+            heard();
             mBoard.reset();
             mEnvironment = cases::split(rest);
             return "0";
@@ -232,20 +232,16 @@ class Section : public testing::Test {
             return shell(rest);
         }
         if (verb == "says") {
-            std::string text;
-            eventually([&] {
-                text = contentOf(errors()).substr(mSaid);
-                return !within || text.find(wanted) != std::string::npos;
-            });
-            mSaid += text.size();
-            return trimmed(text);
+            eventually([&] { return heard().find(wanted) != std::string::npos || !within; });
+            return trimmed(std::exchange(mSaid, ""));
         }
         if (verb == "tty") {
             return hear(terminal(rest), within, wanted);
         }
         if (verb == "events") {
             const long others = std::count(wanted.begin(), wanted.end(), ';');
-            return board().ask("events " + (!rest.empty() ? rest : std::to_string(wanted.empty() ? 0 : others + 1)));
+            return board().ask("events " +
+                               (!rest.empty() ? rest : std::to_string(wanted.empty() ? 0 : others + 1)));
         }
         if (verb == "order") {
             return board().ask("System send_cmd_to_factory_svc 0 " + fapictl::inQuotes(rest));
@@ -258,16 +254,23 @@ class Section : public testing::Test {
             return picture(rest, wanted);
         }
         const std::string got = board().ask(query);
+        heard();
         mEnded = got.compare(0, 5, "exit ") == 0;
         return got;
     }
 
     BoardProcess& board() {
         if (mBoard == nullptr) {
-            mBoard = std::make_unique<BoardProcess>(mState.path(), errors(), mEnvironment);
+            mBoard = std::make_unique<BoardProcess>(mState.path(), mEnvironment);
             mEnded = false;
         }
         return *mBoard;
+    }
+
+    /** All of standard error that nobody has asked for. */
+    const std::string& heard() {
+        mSaid += mBoard == nullptr ? "" : mBoard->said();
+        return mSaid;
     }
 
     std::string shell(const std::string& command) const {
@@ -335,13 +338,13 @@ class Section : public testing::Test {
 
     const std::string mFile;
     const std::vector<Line> mLines;
-    const TemporaryFolder mFolder, mState;
+    const TemporaryFolder mState;
     std::vector<std::string> mEnvironment;
     std::map<std::string, std::string> mNames;
     std::map<std::string, Terminal> mTerminals;
     std::unique_ptr<BoardProcess> mBoard;  // made when it is first needed
     bool mEnded = false;                   // in the middle of a command
-    size_t mSaid = 0;
+    std::string mSaid;
 };
 
 /** "ThatIsATitle" for "That is a title". */

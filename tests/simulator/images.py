@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
-"""Writes to standard output the images that a board takes, and others that only their field makes wrong.
+"""images.py FILE KIND ARGUMENT... [, FILE KIND ARGUMENT...]...
 
-images.py firmware TARGET PAYLOAD...   for the chip, version v1.2; payloads are a text or TEXT*COUNT
-images.py vexa VERSION PAYLOAD...      for the frame-rate converter
-images.py hdcp SIZE RECEIVER NUMBER    a key of so many bytes, its receiver's number (10 hexadecimal digits) at a place
-images.py edid SHOWN SIZE PLACE=VALUE...   what a call showed, with bytes changed; checksums are made right
-images.py spoilt SHOWN SIZE PLACE=VALUE... the same, but for the checksums
-images.py bmp NAME=VALUE...            two rows of two pixels, with other fields of the headers
+Writes images that a board takes, and others that only the named field makes wrong. KIND ARGUMENT... is one of
+
+firmware TARGET PAYLOAD...       for the chip, version v1.2; payloads are a text or TEXT*COUNT
+vexa VERSION PAYLOAD...          for the frame-rate converter
+hdcp SIZE RECEIVER NUMBER        a key of so many bytes, its receiver's number (10 hexadecimal digits) at a place
+edid SHOWN SIZE PLACE=VALUE...   what a call showed, with bytes changed; checksums are made right
+spoilt SHOWN SIZE PLACE=VALUE... the same, but for the checksums
+bmp NAME=VALUE...                two rows of two pixels, with other fields of the headers
 """
 
 import struct
@@ -64,4 +66,9 @@ def bmp(*changes):
                        number["compression"]) + masks + bytes.fromhex(fields["pixels"])
 
 
-sys.stdout.buffer.write(globals()[sys.argv[1]](*sys.argv[2:]))
+words = sys.argv[1:]
+while words:
+    end = words.index(",") if "," in words else len(words)
+    with open(words[0], "wb") as file:
+        file.write(globals()[words[1]](*words[2:end]))
+    words = words[end + 1:]

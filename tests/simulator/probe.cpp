@@ -71,7 +71,7 @@ void hook(const char* name, const char* detail) {
 
 /** NUMBER[,TEXT][:BYTES] */
 std::string shown(const ZvtTvFApiEventCommonObject& record) {
-    const std::string text = record.strValue;
+    const std::string text = shortened(fapictl::escaped(std::string(record.strValue)));
     const std::string bytes(record.vecValue.begin(), record.vecValue.end());
     return std::to_string(static_cast<int32_t>(record.u32Value)) + (text.empty() ? "" : "," + text) +
            (bytes.empty() ? "" : ":" + shortened(fapictl::escaped(bytes)));
