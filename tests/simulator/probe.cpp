@@ -51,7 +51,8 @@ using fapi_core::ZvtTvFApiEventCommonObject;
 namespace {
 
 std::mutex sMutex;
-std::condition_variable sRaised;
+std::condition_variable sRaised, sReleased;
+unsigned sHeld = 0;                // guarded by sMutex; the type of event whose handler waits
 std::vector<std::string> sEvents;  // guarded by sMutex
 std::string sTrace;                // guarded by sMutex
 bool sFaults = false;              // set once, by the first command
@@ -94,9 +95,10 @@ int see(unsigned type, Object first, Object second, Object third, Object fourth)
         a_zvttvfapi_inpsrc_get_input_timing(timing);
         event += " seen " + std::to_string(timing.u16VActive);
     }
-    const std::lock_guard<std::mutex> lock(sMutex);
+    std::unique_lock<std::mutex> lock(sMutex);
     sEvents.push_back(event);
     sRaised.notify_all();
+    sReleased.wait(lock, [&] { return sHeld != type; });
     return type == 0x1ffff ? -1 : 0;
 }
 
@@ -144,6 +146,12 @@ std::string carryOut(const std::string& line) {
     }
     if (words[0] == "board") {
         return std::to_string(kBoard.at(words.at(1))());
+    }
+    if (words[0] == "hold") {
+        const std::lock_guard<std::mutex> lock(sMutex);
+        sHeld = static_cast<unsigned>(std::stoul(words.at(1), nullptr, 0));
+        sReleased.notify_all();
+        return "0";
     }
     if (words[0] == "events") {
         return eventsOnce(std::stoul(words.at(1)));
