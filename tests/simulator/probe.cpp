@@ -1,11 +1,12 @@
 // A board for the tests, set up as the service does it: a command a line on standard input, an answer a line
 // on standard output.
 //
-//   INTERFACE METHOD WORDS...                              the results of the service's method
-//   module NAME init|deinit|reg_callback|unreg_callback    the status
-//   board init|level|status                                what the library itself answers
-//   events N                                               what has been raised once it is N events; none is
-//   left LINE &                                                 nothing; `done` waits and has the answer
+//   INTERFACE METHOD WORDS...    the results of the service's method
+//   module NAME STEP             init, deinit, reg_callback, unreg_callback: the status
+//   board init|level|status      what the library itself answers
+//   events N                     what has been raised once it is N events; none is left
+//   hold TYPE                    handlers of that event wait until another is held
+//   LINE &                       nothing; `done` waits and has the answer
 //
 // Environment: PROBE_TRACE puts what is done to the disk before the answer; PROBE_DIE_AT=fsync|rename ends
 // the process instead of doing that; PROBE_FILE_LIMIT=<bytes> makes larger files fail; PROBE_UID gives up
