@@ -18,6 +18,8 @@ namespace simulator {
 namespace {
 
 constexpr mode_t kFolderMode = 0700;
+constexpr int kClaimPatienceMilliseconds = 500;
+constexpr int kClaimPauseMilliseconds = 10;
 
 std::string environment(const char* name) {
     const char* value = getenv(name);
@@ -196,7 +198,7 @@ StateDirectory StateDirectory::fromEnvironment() {
     return StateDirectory("/tmp/zvttvfactory-" + std::to_string(geteuid()), true);
 }
 
-Opened StateDirectory::openRoot(bool quietly) const {
+Opened StateDirectory::openRoot() const {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0);
     Descriptor root(::open(mPath.c_str(), flags));
     if (!root && errno == ENOENT) {
@@ -210,12 +212,10 @@ Opened StateDirectory::openRoot(bool quietly) const {
     }
     struct stat status {};
     if (!root || fstat(root.get(), &status) != 0) {
-        return quietly ? Opened{Descriptor(), statusOf(errno)} : failed(mPath);
+        return failed(mPath);
     }
     if (mInSharedFolder && (status.st_uid != geteuid() || (status.st_mode & 077) != 0)) {
-        if (!quietly) {
-            complainOnce(mPath, "it belongs to another user or is open to others");
-        }
+        complainOnce(mPath, "it belongs to another user or is open to others");
         return {Descriptor(), kDenied};
     }
     return {std::move(root), kOk};
@@ -242,17 +242,21 @@ Opened StateDirectory::openFolder(const std::string& name) const {
     return folder ? Opened{std::move(folder), kOk} : failed(mPath + "/" + name);
 }
 
-bool StateDirectory::claim() const {
-    static std::atomic<bool> sClaimed{false};
-    if (sClaimed) {
-        return true;
-    }
-    Opened root = openRoot(true);
+void StateDirectory::claim() const {
+    Opened root = openRoot();
     if (root.status != kOk) {
-        return false;
+        return;
     }
     const int folder = root.file.get();
-    if (flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    // One that is just being killed is waited for.
+    bool taken = true;
+    for (int waited = 0; taken && waited <= kClaimPatienceMilliseconds; waited += kClaimPauseMilliseconds) {
+        taken = flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (taken) {
+            usleep(kClaimPauseMilliseconds * 1000);
+        }
+    }
+    if (taken) {
         const int holder = holderOf(folder);
         const std::string process = holder == 0 ? "" : ", process " + std::to_string(holder) + ",";
         fprintf(stderr,
@@ -264,8 +268,6 @@ bool StateDirectory::claim() const {
     }
     // Open until the process ends. Where folders cannot be locked, nobody is kept out.
     root.file.release();
-    sClaimed = true;
-    return true;
 }
 
 FileStamp::FileStamp(const struct stat& status)

@@ -67,17 +67,16 @@ class StateDirectory {
 
     /**
      * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
-     * another one has it: two services would overwrite what the other has acknowledged. False, and nothing
-     * said, for a folder that cannot be had.
+     * another one has it: two services would overwrite what the other has acknowledged. Once.
      */
-    bool claim() const;
+    void claim() const;
 
     /** Absolute. */
     const std::string& path() const { return mPath; }
 
   private:
     StateDirectory(const std::string& path, bool inSharedFolder);
-    Opened openRoot(bool quietly = false) const;
+    Opened openRoot() const;
 
     const std::string mPath;
     // Others may make a folder of our name first, so that its owner and mode are checked.

@@ -2,10 +2,9 @@
 
 #include <zlib.h>
 
-#include <charconv>
-
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/IniStore.h"
 
 namespace simulator {
@@ -52,9 +51,7 @@ class Reader {
         if (!text(parameter, 32, &digits)) {
             return;
         }
-        const char* const end = digits.data() + digits.size();
-        const auto [rest, error] = std::from_chars(digits.data(), end, found);
-        if (error != std::errc() || rest != end || found < least || found > most) {
+        if (!readNumber(digits, &found) || found < least || found > most) {
             fault(parameter, "is not a number from " + std::to_string(least) + " to " + std::to_string(most));
             return;
         }
@@ -77,7 +74,7 @@ class Reader {
 
   private:
     const char* const mFile;
-    IniStore::Contents mContents;
+    IniContents mContents;
     int32_t mStatus;
     bool mUnreadable;
 };

@@ -19,7 +19,7 @@ std::atomic<uint32_t> sIps{0};
 
 uint32_t readIps() {
     uint32_t ips = kIpsRead;
-    IniStore::Contents contents;
+    IniContents contents;
     const int32_t status = boardIni().read("ip", &contents);
     for (unsigned id = 0; id < kIpCount; ++id) {
         bool enabled = kIps[id].fused;

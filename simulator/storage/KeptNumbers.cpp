@@ -1,10 +1,10 @@
 #include "simulator/storage/KeptNumbers.h"
 
-#include <charconv>
 #include <sstream>
 
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 
@@ -40,9 +40,7 @@ std::optional<std::vector<int64_t>> parseNumbers(const std::string& text, const 
     std::vector<int64_t> values;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        const char* const end = word.data() + word.size();
-        const auto [rest, error] = std::from_chars(word.data(), end, values.emplace_back());
-        if (error != std::errc() || rest != end) {
+        if (!readNumber(word, &values.emplace_back())) {
             return std::nullopt;
         }
     }
@@ -56,7 +54,7 @@ KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> g
 
 int32_t KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    IniStore::Contents contents;
+    IniContents contents;
     const int32_t status = mStore.read(mFile, &contents);
     auto values = std::make_shared<std::vector<Values>>();
     for (const Group& group : mGroups) {

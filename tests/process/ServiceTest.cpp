@@ -77,7 +77,8 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
                                                                      })
                         .isOk());
     EXPECT_EQ(0, status);
-    EXPECT_TRUE(std::filesystem::exists(mState + "/ini/pq.ini")) << "the custom library has been started";
+    EXPECT_TRUE(eventually([this] { return std::filesystem::exists(mState + "/ini/pq.ini"); }))
+            << "the custom library has been started";
 }
 
 TEST_F(ServiceTest, ASecondServiceOnABoardEndsAndSaysWhoseItIs) {
