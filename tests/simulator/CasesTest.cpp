@@ -26,8 +26,8 @@
 //     | none  | -101
 //
 // # begins a comment's line, and a line that ends in \ goes on with the next. $STATE is the state folder,
-// $MAKE the program images.py, $PID a number of this run. `module`, `board` and other words are commands of
-// the board's process, see probe.cpp.
+// $MAKE the program images.py, $PROBE the board's, $PID a number of this run. `module`, `board` and other
+// words are commands of the board's process, see probe.cpp.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -122,6 +122,7 @@ class Section : public testing::Test {
     void TestBody() override {
         mNames = {{"STATE", mState.path()},
                   {"MAKE", "python3 -IS " CASES "/../images.py"},
+                  {"PROBE", PROBE},
                   {"PID", std::to_string(getpid())}};
         for (size_t i = 0; i < mLines.size(); ++i) {
             if (mLines[i].text.compare(0, 6, "needs ") == 0) {

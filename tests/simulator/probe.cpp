@@ -56,6 +56,7 @@ std::condition_variable sRaised, sReleased;
 unsigned sHeld = 0;                // guarded by sMutex; the type of event whose handler waits
 std::vector<std::string> sEvents;  // guarded by sMutex
 std::string sTrace;                // guarded by sMutex
+int sLevel = 0;                    // as the service asks for it, once and first of all
 bool sFaults = false;              // set once, by the first command
 
 void hook(const char* name, const char* detail) {
@@ -118,7 +119,7 @@ const std::map<std::string, std::map<std::string, int32_t (*)()>> kModules = {
 #undef STEPS
 
 const std::map<std::string, int (*)()> kBoard = {{"init", _a_zvttvfapi_custom_init},
-                                                 {"level", _a_zvttvfapi_custom_init_debug_level},
+                                                 {"level", [] { return sLevel; }},
                                                  {"status", a_zvttvfapi_common_get_fapi_status}};
 
 std::string eventsOnce(size_t count) {
@@ -200,7 +201,7 @@ int main() {
             return 2;
         }
     }
-    _a_zvttvfapi_custom_init_debug_level();
+    sLevel = _a_zvttvfapi_custom_init_debug_level();
     for (const char* step : {"reg_callback", "init"}) {
         for (const auto& module : kModules) {
             module.second.at(step)();
