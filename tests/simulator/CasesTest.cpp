@@ -255,6 +255,9 @@ class Section : public testing::Test {
             return picture(rest, wanted);
         }
         const std::string got = board().ask(query);
+        if (got.compare(0, 15, "not understood:") == 0) {
+            throw std::invalid_argument(got);
+        }
         heard();
         mEnded = got.compare(0, 5, "exit ") == 0;
         return got;
