@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <hwbinder/IPCThreadState.h>
 
 #include <cutils/native_handle.h>
 #include <unistd.h>

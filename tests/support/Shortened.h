@@ -1,12 +1,13 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
 #include <string>
 #include <string_view>
 
 /**
- * A text, or digits of which so many make up one piece, with what repeats itself written once: (ab)*20. What
- * is shorter than sixteen pieces stays.
+ * A text, or digits of which so many make up one piece, with what repeats itself written once: (ab)*20, with
+ * a blank before another letter or digit. What is shorter than sixteen pieces stays.
  */
 inline std::string shortened(std::string_view text, size_t piece = 1) {
     constexpr size_t kLongestPeriod = 6, kFewest = 16;  // pieces
@@ -23,7 +24,8 @@ inline std::string shortened(std::string_view text, size_t piece = 1) {
             if (end >= kFewest * piece && end > taken) {
                 taken = end;
                 shown = '(' + std::string(text.substr(0, period)) + ")*" + std::to_string(end / period) +
-                        (end < text.size() ? " " : "");
+                        (end < text.size() && std::isalnum(static_cast<unsigned char>(text[end])) != 0 ? " "
+                                                                                                       : "");
             }
         }
         all += shown;
