@@ -30,7 +30,7 @@ bool readSigned(std::string_view text, Number* number) {
     const int64_t value = negative ? -int64_t{magnitude} : int64_t{magnitude};
     *number = static_cast<Number>(value);
     // A status of 0x80000000 or above is meant as its bits.
-    return good && (*number == value || (text.substr(0, 2) == "0x" && !negative));
+    return good && (*number == value || (text.size() > 1 && (text[1] | 0x20) == 'x' && !negative));
 }
 
 bool forceFromEnvironment() {

@@ -123,8 +123,8 @@ bool replaceOpened(int folder, const std::string& name, const std::string& text,
     // A left-over of a writer that died is in the way of nobody but the exclusive open.
     const std::string temporary = "." + name + ".tmp";
     unlinkat(folder, temporary.c_str(), 0);
-    const Descriptor file(openat(folder, temporary.c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode & 0777));
+    Descriptor file(openat(folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                           mode & 0777));
     if (!file) {
         return false;
     }
@@ -132,6 +132,7 @@ bool replaceOpened(int folder, const std::string& name, const std::string& text,
         renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
         const int error = errno;
         unlinkat(folder, temporary.c_str(), 0);
+        file = Descriptor();
         errno = error;
         return false;
     }
@@ -198,6 +199,35 @@ StateDirectory StateDirectory::fromEnvironment() {
     return StateDirectory("/tmp/zvttvfactory-" + std::to_string(geteuid()), true);
 }
 
+int32_t StateDirectory::hold(int folder, const struct stat& status) const {
+    const std::lock_guard<std::mutex> lock(mHolding);
+    if (!mClaimed || (mHeld && mDevice == status.st_dev && mInode == status.st_ino)) {
+        return kOk;
+    }
+    // A holder that is just being killed is waited for.
+    for (int waited = 0; flock(folder, LOCK_EX | LOCK_NB) != 0; waited += kClaimPauseMilliseconds) {
+        if (errno != EWOULDBLOCK && errno != EINTR) {
+            complainOnce(mPath, "it cannot be locked: see that no other service uses it");
+            break;
+        }
+        if (waited >= kClaimPatienceMilliseconds) {
+            const int holder = holderOf(folder);
+            const std::string process = holder == 0 ? "" : ", process " + std::to_string(holder) + ",";
+            fprintf(stderr,
+                    "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this "
+                    "one's own\n",
+                    process.c_str(), mPath.c_str());
+            return kBusy;
+        }
+        usleep(kClaimPauseMilliseconds * 1000);
+    }
+    // The lock stays with any descriptor of what was opened.
+    mHeld = Descriptor(fcntl(folder, F_DUPFD_CLOEXEC, 0));
+    mDevice = status.st_dev;
+    mInode = status.st_ino;
+    return kOk;
+}
+
 Opened StateDirectory::openRoot() const {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0);
     Descriptor root(::open(mPath.c_str(), flags));
@@ -218,10 +248,11 @@ Opened StateDirectory::openRoot() const {
         complainOnce(mPath, "it belongs to another user or is open to others");
         return {Descriptor(), kDenied};
     }
-    return {std::move(root), kOk};
+    const int32_t held = hold(root.get(), status);
+    return {held == kOk ? std::move(root) : Descriptor(), held};
 }
 
-Opened StateDirectory::openFolder(const std::string& name) const {
+Opened StateDirectory::openFolder(const std::string& name, bool make) const {
     Opened root = openRoot();
     if (root.status != kOk || name.empty()) {
         return root;
@@ -231,6 +262,9 @@ Opened StateDirectory::openFolder(const std::string& name) const {
                 openat(root.file.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     };
     Descriptor folder = open();
+    if (!folder && errno == ENOENT && !make) {
+        return {Descriptor(), kNotFound};
+    }
     if (!folder && errno == ENOENT) {
         // A new one is put on the disk: what is written into it may be acknowledged before anything else is.
         if (mkdirat(root.file.get(), name.c_str(), kFolderMode) == 0 ? fsync(root.file.get()) != 0
@@ -243,31 +277,13 @@ Opened StateDirectory::openFolder(const std::string& name) const {
 }
 
 void StateDirectory::claim() const {
-    Opened root = openRoot();
-    if (root.status != kOk) {
-        return;
+    {
+        const std::lock_guard<std::mutex> lock(mHolding);
+        mClaimed = true;
     }
-    const int folder = root.file.get();
-    // One that is just being killed is waited for.
-    bool taken = true;
-    for (int waited = 0; taken && waited <= kClaimPatienceMilliseconds; waited += kClaimPauseMilliseconds) {
-        taken = flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-        if (taken) {
-            usleep(kClaimPauseMilliseconds * 1000);
-        }
-    }
-    if (taken) {
-        const int holder = holderOf(folder);
-        const std::string process = holder == 0 ? "" : ", process " + std::to_string(holder) + ",";
-        fprintf(stderr,
-                "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this "
-                "one's "
-                "own\n",
-                process.c_str(), mPath.c_str());
+    if (openRoot().status == kBusy) {
         exit(EXIT_FAILURE);
     }
-    // Open until the process ends. Where folders cannot be locked, nobody is kept out.
-    root.file.release();
 }
 
 FileStamp::FileStamp(const struct stat& status)
@@ -287,53 +303,55 @@ bool FileStamp::operator==(const FileStamp& other) const {
 
 int32_t StateFolder::read(const std::string& file, size_t limit, std::string& content,
                           struct stat* status) const {
-    const Opened folder = open();
+    const Opened folder = mState.openFolder(mName, false);
     return folder.status == kOk ? readOpened(folder.file.get(), file, limit, content, status) : folder.status;
 }
 
-/** Needs mWriting. */
-int32_t StateFolder::write(const Opened& folder, const std::string& file, const std::string& content,
-                           mode_t mode) {
-    if (replaceOpened(folder.file.get(), file, content, mode)) {
-        return kOk;
-    }
-    const int error = errno;
-    fprintf(stderr, "board: %s/%s/%s cannot be written: %s\n", mState.path().c_str(), mName.c_str(),
-            file.c_str(), strerror(error));
-    return statusOf(error);
-}
-
 int32_t StateFolder::replace(const std::string& file, const std::string& content, mode_t mode) {
-    const std::lock_guard<std::mutex> writing(mWriting);
-    const Opened folder = open();
-    return folder.status == kOk ? write(folder, file, content, mode) : folder.status;
+    return write(file, [&](const Opened& folder) {
+        return replaceOpened(folder.file.get(), file, content, mode) ? kOk : statusOf(errno);
+    });
 }
 
 int32_t StateFolder::create(const std::string& file, const std::string& content, mode_t mode) {
-    const std::lock_guard<std::mutex> writing(mWriting);
-    const Opened folder = open();
-    struct stat status {};
-    if (folder.status != kOk || fstatat(folder.file.get(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
-        return folder.status;
-    }
-    return write(folder, file, content, mode);
+    return write(file, [&](const Opened& folder) {
+        struct stat status {};
+        const bool there = fstatat(folder.file.get(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+        return there || replaceOpened(folder.file.get(), file, content, mode) ? kOk : statusOf(errno);
+    });
 }
 
 int32_t StateFolder::change(const std::string& file, size_t limit, mode_t mode,
                             const std::function<int32_t(std::string& content)>& edit) {
+    int32_t edited = kOk;
+    const int32_t written = write(file, [&](const Opened& folder) {
+        std::string content;
+        struct stat status {};
+        const int32_t result = readOpened(folder.file.get(), file, limit, content, &status);
+        if (result != kOk && result != kNotFound) {
+            return result;
+        }
+        edited = edit(content);
+        return edited != kOk || replaceOpened(folder.file.get(), file, content,
+                                              result == kOk ? status.st_mode : mode)
+                       ? kOk
+                       : statusOf(errno);
+    });
+    return edited != kOk ? edited : written;
+}
+
+/** Calls body with the folder, one after the other. What fails is said. */
+int32_t StateFolder::write(const std::string& file, const std::function<int32_t(const Opened&)>& body) {
     const std::lock_guard<std::mutex> writing(mWriting);
+    errno = 0;
     const Opened folder = open();
-    if (folder.status != kOk) {
-        return folder.status;
+    const int32_t status = folder.status == kOk ? body(folder) : folder.status;
+    if (status != kOk) {
+        const std::string reason = errno != 0 ? strerror(errno) : "status " + std::to_string(status);
+        fprintf(stderr, "board: %s/%s%s%s cannot be written: %s\n", mState.path().c_str(), mName.c_str(),
+                mName.empty() ? "" : "/", file.c_str(), reason.c_str());
     }
-    std::string content;
-    struct stat status {};
-    const int32_t result = readOpened(folder.file.get(), file, limit, content, &status);
-    if (result != kOk && result != kNotFound) {
-        return result;
-    }
-    const int32_t edited = edit(content);
-    return edited == kOk ? write(folder, file, content, result == kOk ? status.st_mode : mode) : edited;
+    return status;
 }
 
 }  // namespace simulator

@@ -47,8 +47,8 @@ struct Opened {
 };
 
 /**
- * The folder that stands for the board's flash. It may be emptied while the board runs: nothing in it is kept
- * open. Any thread.
+ * The folder that stands for the board's flash. It may be emptied or removed while the board runs: nothing in
+ * it is kept open. Any thread.
  */
 class StateDirectory {
   public:
@@ -61,13 +61,15 @@ class StateDirectory {
      */
     static StateDirectory fromEnvironment();
 
-    /** Opens a folder in it, or itself for an empty name; made when missing. The first failure of the process
-     * is said on standard error. */
-    Opened openFolder(const std::string& name) const;
+    /** Opens a folder in it, or itself for an empty name; made when missing, unless it is not to be: then
+     * that is kNotFound. The first failure of the process is said on standard error. */
+    Opened openFolder(const std::string& name, bool make = true) const;
 
     /**
      * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
-     * another one has it: two services would overwrite what the other has acknowledged. Once.
+     * another one has it: two services would overwrite what the other has acknowledged. A folder that cannot
+     * be had yet, or is removed and made anew, is claimed when it is next opened: kBusy when another has it
+     * then.
      */
     void claim() const;
 
@@ -77,10 +79,18 @@ class StateDirectory {
   private:
     StateDirectory(const std::string& path, bool inSharedFolder);
     Opened openRoot() const;
+    int32_t hold(int folder, const struct stat& status) const;
 
     const std::string mPath;
     // Others may make a folder of our name first, so that its owner and mode are checked.
     const bool mInSharedFolder;
+
+    mutable std::mutex mHolding;
+    // All below guarded by mHolding: the folder that is locked.
+    mutable bool mClaimed = false;
+    mutable Descriptor mHeld;
+    mutable dev_t mDevice = 0;
+    mutable ino_t mInode = 0;
 };
 
 /** What tells that a file has not been written since: replaced files change mInode, edited ones a time. */
@@ -132,7 +142,7 @@ class StateFolder {
                    const std::function<int32_t(std::string& content)>& edit);
 
   private:
-    int32_t write(const Opened& folder, const std::string& file, const std::string& content, mode_t mode);
+    int32_t write(const std::string& file, const std::function<int32_t(const Opened&)>& body);
 
     const StateDirectory& mState;
     const std::string mName;

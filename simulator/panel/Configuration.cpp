@@ -52,15 +52,27 @@ class Reader {
             return;
         }
         if (!readNumber(digits, &found) || found < least || found > most) {
-            fault(parameter, "is not a number from " + std::to_string(least) + " to " + std::to_string(most));
+            fault(parameter, "is \"" + digits + "\", not a number from " + std::to_string(least) + " to " +
+                                     std::to_string(most));
             return;
         }
         *value = static_cast<T>(found);
     }
 
     void fault(const std::string& parameter, const std::string& what) {
-        mContents.faults[mContents.parameters[parameter].line] = parameter + " " + what;
+        const auto found = mContents.parameters.find(parameter);
+        mContents.faults[found == mContents.parameters.end() ? 0 : found->second.line] =
+                parameter + " " + what;
         mStatus = kBadFile;
+    }
+
+    /** Of a range that is read; either of them may be missing. */
+    void order(const std::string& least, const std::string& most, int64_t low, int64_t high) {
+        if (mStatus == kOk && low > high) {
+            fault(mContents.parameters.count(least) != 0 ? least : most,
+                  "makes the least more than the most: " + std::to_string(low) + " and " +
+                          std::to_string(high));
+        }
     }
 
     /** What was wrong is said. A line that means nothing does no harm. */
@@ -108,9 +120,7 @@ int32_t loadDriverParameters(DriverParameters* parameters) {
     ini.number("backlight:pwm_min", 0, 100, &found.pwmMin);
     ini.number("backlight:pwm_max", 0, 100, &found.pwmMax);
     ini.number("frc:present", 0, 1, &found.frcPresent);
-    if (found.pwmMin > found.pwmMax) {
-        ini.fault("backlight:pwm_min", "is more than pwm_max");
-    }
+    ini.order("backlight:pwm_min", "backlight:pwm_max", found.pwmMin, found.pwmMax);
     const int32_t status = ini.end();
     *parameters = status == kOk ? found : *parameters;
     return status;
@@ -122,11 +132,10 @@ int32_t loadPqData(PqData* data) {
     const char* const axes[] = {"hue", "saturation", "luma"};
     for (unsigned i = 0; i < std::size(axes); ++i) {
         const std::string least = std::string("range:") + axes[i] + "_min";
+        const std::string most = std::string("range:") + axes[i] + "_max";
         ini.number(least, -kMaxRange, kMaxRange, &found.range[i][0]);
-        ini.number(std::string("range:") + axes[i] + "_max", -kMaxRange, kMaxRange, &found.range[i][1]);
-        if (found.range[i][0] > found.range[i][1]) {
-            ini.fault(least, "is more than its max");
-        }
+        ini.number(most, -kMaxRange, kMaxRange, &found.range[i][1]);
+        ini.order(least, most, found.range[i][0], found.range[i][1]);
     }
     for (unsigned type = 0; type < kPqTypes; ++type) {
         for (unsigned window = 0; window < kWindows; ++window) {

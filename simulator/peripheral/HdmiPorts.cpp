@@ -91,8 +91,10 @@ int HdmiPorts::chosenVersion(unsigned port) const {
     const int32_t status = boardIni().get(kIniFile, versionParameter(port).c_str(), value, sizeof(value));
     const bool good = status == kOk && strlen(value) == 1 && isVersion(value[0] - '0');
     tellFaults("ini/prphrl.ini, " + versionParameter(port),
-               good || status == kNotFound ? std::vector<std::string>()
-                                           : std::vector<std::string>{"it is not 0 or 1, and taken as 1"});
+               good || status == kNotFound
+                       ? std::vector<std::string>()
+                       : std::vector<std::string>{"it is not 0 or 1 (status " + std::to_string(status) +
+                                                  "), and taken as 1"});
     return good ? value[0] - '0' : kDefaultVersion;
 }
 

@@ -2,15 +2,13 @@
 
 #include <string>
 
-#include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Identity.h"
+#include "simulator/storage/IniStore.h"
 #include "simulator/storage/Ips.h"
 
 namespace simulator {
 namespace {
-
-constexpr mode_t kFileMode = 0644;
 
 /** The configuration that a set leaves the factory with. */
 struct DefaultFile {
@@ -105,12 +103,12 @@ std::string ipDefaults() {
 }  // namespace
 
 int32_t deliver() {
-    StateFolder ini(boardState(), "ini");
     Identity identity;
     int32_t result = readIdentity(&identity);
     const std::string ips = ipDefaults();
     for (const DefaultFile& file : {kPanel, kPq, kTuner, DefaultFile{"ip.ini", ips.c_str()}}) {
-        const int32_t created = ini.create(file.name, file.text, kFileMode);
+        // By the way that clients' parameters take: one of them may be setting the first.
+        const int32_t created = boardIni().create(file.name, file.text);
         result = result == kOk ? created : result;
     }
     return result;

@@ -21,6 +21,7 @@ namespace {
 constexpr mode_t kFileMode = 0644;
 constexpr mode_t kFolderMode = 0755;
 constexpr unsigned kModeBits = 07777;
+constexpr size_t kPiece = 64 * 1024;
 
 struct WriteMode {
     const char* text;
@@ -119,13 +120,20 @@ int32_t load(const char* path, size_t limit, std::string* content) {
     if (static_cast<uintmax_t>(status.st_size) > limit) {
         return kTooLong;
     }
-    // A byte more than it has, to see it grow.
-    content->resize(static_cast<size_t>(status.st_size) + 1);
-    size_t count = 0;
-    const int32_t result = readAt(opened.file.get(), reinterpret_cast<unsigned char*>(content->data()),
-                                  content->size(), 0, &count);
-    content->resize(count);
-    return result == kOk && count > limit ? kTooLong : result;
+    // It may grow while it is read.
+    content->clear();
+    int32_t result = kOk;
+    for (bool more = true; result == kOk && more && content->size() <= limit;) {
+        const size_t done = content->size();
+        const size_t wanted = done == 0 ? static_cast<size_t>(status.st_size) + 1 : kPiece;
+        content->resize(done + wanted);
+        size_t count = 0;
+        result = readAt(opened.file.get(), reinterpret_cast<unsigned char*>(content->data()) + done, wanted,
+                        done, &count);
+        content->resize(done + count);
+        more = count == wanted;
+    }
+    return result == kOk && content->size() > limit ? kTooLong : result;
 }
 
 int32_t write(const char* path, const unsigned char* data, size_t length, const char* modeText) {

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
@@ -45,7 +46,16 @@ int32_t readIdentity(Identity* identity) {
     }
     IniContents contents;
     status = contents.read(content);
-    *identity = {contents.get("model", ""), contents.get("serial", ""), contents.get("customer", "")};
+    for (const auto& [name, field] : {std::pair("model", &identity->model),
+                                      {"serial", &identity->serial},
+                                      {"customer", &identity->customer}}) {
+        // Under whatever heading an engineer has put it.
+        for (const auto& [parameter, value] : contents.parameters) {
+            if (parameter.substr(parameter.find(':') + 1) == name) {
+                *field = value.text;
+            }
+        }
+    }
     return status != kOk ? status : identity->serial.empty() ? kBadFile : kOk;
 }
 

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <optional>
@@ -68,9 +69,7 @@ bool parse(const std::string& text, CSimpleIniCaseA& ini) {
 }  // namespace
 
 int32_t IniContents::read(const std::string& text) {
-    CSimpleIniCaseA ini;
-    ini.SetQuotes();
-    if (!parse(text, ini)) {
+    if (text.find('\0') != std::string::npos) {
         return kBadFile;
     }
     size_t number = 0;
@@ -78,10 +77,15 @@ int32_t IniContents::read(const std::string& text) {
         ++number;
         if (line.kind == IniLine::Parameter) {
             const std::string section(*line.section), key(line.key);
-            Value& value = parameters[section.empty() ? key : section + ":" + key];
-            value = {ini.GetValue(section.c_str(), key.c_str(), ""), number, value.times + 1};
+            // As clients write it, too: a key with a colon of its own has one in front where it has no
+            // section.
+            const bool bare = section.empty() && key.find(':') == std::string::npos;
+            Value& value = parameters[bare ? key : section + ":" + key];
+            value = {std::string(line.value), number, value.times + 1};
         } else if (line.kind == IniLine::Junk) {
-            faults[number] = "neither a parameter nor a heading";
+            constexpr size_t kShown = 40;
+            faults[number] = "\"" + std::string(line.content.substr(0, kShown)) +
+                             "\" is neither a parameter nor a heading";
         }
     }
     return kOk;
@@ -184,6 +188,11 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     return kOk;
 }
 
+int32_t IniStore::create(const char* file, const std::string& text) {
+    const std::string name = fileName(file);
+    return name.empty() ? kBadName : mFolder.create(name, text, kNewFileMode);
+}
+
 int32_t IniStore::read(const char* file, IniContents* contents) const {
     const std::string name = fileName(file);
     std::string text;
@@ -210,7 +219,7 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
         }
         asked.push_back(*one);
     }
-    return mFolder.change(name, kMaxFileBytes, kNewFileMode, [&](std::string& content) {
+    const int32_t status = mFolder.change(name, kMaxFileBytes, kNewFileMode, [&](std::string& content) {
         for (size_t i = 0; i < values.size(); ++i) {
             content = withIniValue(content, asked[i].section, asked[i].key, values[i].second);
         }
@@ -224,6 +233,11 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
         }
         return good ? kOk : kBadFile;
     });
+    if (status == kBadFile) {
+        fprintf(stderr, "board: %s/%s would not give back what is set in it: it stays as it is\n",
+                mFolder.name().c_str(), name.c_str());
+    }
+    return status;
 }
 
 IniStore& boardIni() {

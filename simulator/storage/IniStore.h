@@ -76,6 +76,9 @@ class IniStore {
      */
     int32_t get(const char* file, const char* parameter, char* buffer, size_t size);
 
+    /** Makes a file with this text unless there is one. */
+    int32_t create(const char* file, const std::string& text);
+
     /** Reads a file of the folder as a whole. kNotFound, kBadName, kBadFile, or why it cannot be read. */
     int32_t read(const char* file, IniContents* contents) const;
 

@@ -66,7 +66,7 @@ std::vector<IniLine> iniLines(std::string_view text) {
         const size_t next = std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
         const std::string_view content = trimmed(text.substr(begin, end - begin));
         const size_t equals = text.substr(0, end).find('=', begin);
-        IniLine line{IniLine::Junk, end, next, equals, section, {}};
+        IniLine line{IniLine::Junk, end, next, equals, section, content, {}, {}};
         if (content.empty()) {
             line.kind = IniLine::Blank;
         } else if (content[0] == ';' || content[0] == '#') {
@@ -80,6 +80,10 @@ std::vector<IniLine> iniLines(std::string_view text) {
             line.section = section;
         } else if (equals != kNone) {
             line.key = trimmed(text.substr(begin, equals - begin));
+            line.value = trimmed(text.substr(equals + 1, end - equals - 1));
+            if (line.value.size() > 1 && line.value.front() == '"' && line.value.back() == '"') {
+                line.value = line.value.substr(1, line.value.size() - 2);
+            }
             line.kind = line.key.empty() || !section ? IniLine::Junk : IniLine::Parameter;
         }
         lines.push_back(line);

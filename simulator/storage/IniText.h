@@ -18,7 +18,9 @@ struct IniLine {
     size_t equals;  // the sign, of a parameter
     /** Its section or the one that it opens; empty before the first, none behind a heading that is none. */
     std::optional<std::string_view> section;
-    std::string_view key;  // of a parameter
+    std::string_view content;  // without blanks around it
+    std::string_view key;      // of a parameter
+    std::string_view value;    // of a parameter, without quotes
 };
 
 /** A text without the byte order mark that some editors put before it. */

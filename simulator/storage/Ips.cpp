@@ -1,6 +1,8 @@
 #include "simulator/storage/Ips.h"
 
+#include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -29,10 +31,18 @@ uint32_t readIps() {
             enabled = value == "0" || value == "1" ? value == "1" : enabled;
             if (value != "0" && value != "1") {
                 contents.faults[found->second.line] =
-                        "the value of " + found->first + " is not 0 or 1: ignored";
+                        found->first + " is \"" + value + "\", not 0 or 1: ignored";
             }
         }
         ips |= enabled ? 1U << id : 0;
+    }
+    for (const auto& [parameter, value] : contents.parameters) {
+        const bool known = std::any_of(
+                std::begin(kIps), std::end(kIps),
+                [&, &name = parameter](const Ip& ip) { return name == std::string("ip:") + ip.key; });
+        if (!known && parameter.compare(0, 3, "ip:") == 0) {
+            contents.faults[value.line] = "there is no block " + parameter + ": ignored";
+        }
     }
     std::vector<std::string> faults = contents.faultLines();
     if (status != kOk && status != kNotFound) {

@@ -49,23 +49,42 @@ std::optional<std::vector<int64_t>> parseNumbers(const std::string& text, const 
 
 KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> groups)
     : mStore(store), mFile(file), mGroups(std::move(groups)) {
+    auto values = std::make_shared<std::vector<Values>>();
+    for (const Group& group : mGroups) {
+        values->push_back(factoryNumbers(group.numbers));
+    }
+    mValues = std::move(values);
     load();
 }
 
 int32_t KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
+    return loadLocked();
+}
+
+/** Needs mChanging. */
+int32_t KeptNumbers::loadLocked() {
     IniContents contents;
     const int32_t status = mStore.read(mFile, &contents);
+    mRead = status == kOk || status == kNotFound;
+    if (!mRead) {
+        tellFaults(mStore.pathOf(mFile), {"cannot be read (status " + std::to_string(status) + ")"});
+        return status;
+    }
     auto values = std::make_shared<std::vector<Values>>();
     for (const Group& group : mGroups) {
         const auto found = contents.parameters.find(group.parameter);
         std::optional<Values> kept;
         if (found != contents.parameters.end()) {
-            kept = parseNumbers(found->second.text, group.numbers);
+            const IniContents::Value& value = found->second;
+            kept = parseNumbers(value.text, group.numbers);
             if (!kept) {
-                contents.faults[found->second.line] = group.parameter + " is not " +
-                                                      std::to_string(group.numbers.size()) +
-                                                      " numbers within their limits: the factory's are used";
+                contents.faults[value.line] = group.parameter + " is \"" + value.text + "\", not " +
+                                              std::to_string(group.numbers.size()) +
+                                              " numbers within their limits: the factory's are used";
+            } else if (value.times > 1) {
+                contents.faults[value.line] =
+                        group.parameter + " is not given for the first time: this counts";
             }
             contents.parameters.erase(found);
         }
@@ -74,14 +93,16 @@ int32_t KeptNumbers::load() {
     for (const auto& [parameter, value] : contents.parameters) {
         contents.faults[value.line] = "there is no setting " + parameter;
     }
-    std::vector<std::string> faults = contents.faultLines();
-    if (status != kOk && status != kNotFound) {
-        faults = {"cannot be read (status " + std::to_string(status) + "): the factory's are used"};
-    }
-    tellFaults(mStore.pathOf(mFile), faults);
+    tellFaults(mStore.pathOf(mFile), contents.faultLines());
     const std::lock_guard<std::mutex> lock(mMutex);
     mValues = std::move(values);
-    return status != kOk && status != kNotFound ? status : faults.empty() ? kOk : kBadFile;
+    return contents.faults.empty() ? kOk : kBadFile;
+}
+
+/** What a change needs first: to know what is in the file. Needs mChanging. */
+int32_t KeptNumbers::readFirst() {
+    const int32_t status = mRead ? kOk : loadLocked();
+    return mRead ? kOk : status;
 }
 
 std::shared_ptr<const std::vector<KeptNumbers::Values>> KeptNumbers::get() const {
@@ -91,6 +112,9 @@ std::shared_ptr<const std::vector<KeptNumbers::Values>> KeptNumbers::get() const
 
 int32_t KeptNumbers::change(size_t group, const std::function<void(Values&)>& edit) {
     const std::lock_guard<std::mutex> changing(mChanging);
+    if (const int32_t status = readFirst(); status != kOk) {
+        return status;
+    }
     Values values = (*get())[group];
     edit(values);
     return setLocked({{group, std::move(values)}});
@@ -98,7 +122,8 @@ int32_t KeptNumbers::change(size_t group, const std::function<void(Values&)>& ed
 
 int32_t KeptNumbers::set(const std::vector<std::pair<size_t, Values>>& changes) {
     const std::lock_guard<std::mutex> changing(mChanging);
-    return setLocked(changes);
+    const int32_t status = readFirst();
+    return status == kOk ? setLocked(changes) : status;
 }
 
 /** Needs mChanging. */

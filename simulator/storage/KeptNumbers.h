@@ -51,8 +51,9 @@ class KeptNumbers {
 
     /**
      * Takes all groups from the file. A group that it does not have, or not as many numbers within their
-     * limits, gets the factory's. The latter, lines that mean nothing and a file that cannot be read are said
-     * on standard error; then the status is another than kOk.
+     * limits, gets the factory's; the latter and lines that mean nothing are said on standard error, and the
+     * status is kBadFile. Another one when the file cannot be read, which is said too: the numbers stay, and
+     * are changed only when it can be read again.
      */
     int32_t load();
 
@@ -72,6 +73,8 @@ class KeptNumbers {
     std::string describe() const;
 
   private:
+    int32_t loadLocked();
+    int32_t readFirst();
     int32_t setLocked(const std::vector<std::pair<size_t, Values>>& changes);
 
     IniStore& mStore;
@@ -80,6 +83,7 @@ class KeptNumbers {
 
     // Held across a whole change.
     std::mutex mChanging;
+    bool mRead = false;  // the numbers are the file's; guarded by mChanging
     mutable std::mutex mMutex;
     std::shared_ptr<const std::vector<Values>> mValues;  // guarded by mMutex
 };
