@@ -249,8 +249,9 @@ class Run:
         """Builds the copies, and runs the tests on the tree as it is: they must pass, and say how long they take."""
         programs = sorted({program for mutation in self._mutations for program in mutation.tests})
 
+        for worker in self._workers:
+            worker.copy()  # before anything takes time: who works on the tree meanwhile does not disturb us
         for worker in self._workers:  # one by one: what the first has compiled, the others find in the compiler's cache
-            worker.copy()
             worker.configure()
             said = worker.make(programs, jobs=len(self._workers))
             if said:
