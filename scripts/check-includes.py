@@ -33,7 +33,13 @@ ROOMS = [
     ("service/", ["service/"], PLATFORM + GENERATED),
     ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
-    ("simulator/", ["simulator/", "chiplayer/"], ANY),
+    # The simulated board: its modules know the rooms, rooms know the board and its storage, never the reverse.
+    ("simulator/board/", ["simulator/board/", "chiplayer/"], ANY),
+    ("simulator/storage/", ["simulator/storage/", "simulator/board/", "chiplayer/"], ANY),
+    ("simulator/modules/", ["simulator/", "chiplayer/"], ANY),
+] + [(f"simulator/{room}/", [f"simulator/{room}/", "simulator/storage/", "simulator/board/", "chiplayer/"], ANY)
+     for room in ("audio", "inputs", "network", "panel", "peripheral", "upgrade")] + [
+    ("simulator/", [], ()),
     ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/CheckedLock.h", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
@@ -107,7 +113,7 @@ PLANTED = [
     ("adapters/a/A.cpp", "<unistd.h>", True),
     ("adapters/a/A.cpp", '"manager/M.h"', True),
     ("manager/M.cpp", '"platform/socket/P.h"', True),
-    ("manager/M.cpp", '  "simulator/S.h"', True),
+    ("manager/M.cpp", '  "simulator/board/S.h"', True),
     ("manager/M.cpp", '"M.h"', True),
     ("service/main.cpp", '"manager/M.h"', False),
     ("service/main.cpp", '"chiplayer/sys.h"', True),
@@ -137,8 +143,16 @@ PLANTED = [
     ("platform/socket/P.h", "<sys/socket.h>", False),
     ("platform/socket/P.h", '"chiplayer/sys.h"', True),
     ("platform/socket/P.h", "<vendor/zentrovi/tv/zvttvfactory/1.0/types.h>", True),
-    ("simulator/S.h", "<fcntl.h>", False),
-    ("simulator/S.h", "<log/log.h>", True),
+    ("simulator/board/S.h", "<fcntl.h>", False),
+    ("simulator/board/S.h", "<log/log.h>", True),
+    ("simulator/S.h", "<fcntl.h>", True),
+    ("simulator/board/S.cpp", '"simulator/storage/S.h"', True),
+    ("simulator/storage/S.cpp", '"simulator/board/S.h"', False),
+    ("simulator/storage/S.cpp", '"simulator/panel/S.h"', True),
+    ("simulator/panel/S.cpp", '"simulator/storage/S.h"', False),
+    ("simulator/panel/S.cpp", '"simulator/audio/S.h"', True),
+    ("simulator/panel/S.cpp", '"simulator/modules/S.h"', True),
+    ("simulator/modules/S.cpp", '"simulator/panel/S.h"', False),
     ("tools/fapictl/T.cpp", "<CLI/CLI.hpp>", False),
     ("tools/fapictl/T.cpp", "<chiplayer/sys.h>", True),
     ("tools/fapictl/T.cpp", '"platform/socket/P.h"', True),
@@ -151,7 +165,8 @@ def self_test():
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
             for file in ["chiplayer/sys.h", "manager/M.h", "platform/binding/B.h", "platform/hidl/H.h",
-                         "platform/hidl/H.h", "platform/socket/P.h", "simulator/S.h", name]:
+                         "platform/hidl/H.h", "platform/socket/P.h", *(f"simulator/{room}/S.h" for room in ("audio", "board", "modules",
+                                                                                       "panel", "storage")), name]:
                 (root / file).parent.mkdir(parents=True, exist_ok=True)
                 (root / file).write_text("#pragma once\n")
             with open(root / name, "a", encoding="utf-8") as file:

@@ -2,7 +2,7 @@
 """make-firmware.py TARGET VERSION PAYLOAD IMAGE: wraps a file into a firmware image that the simulated board accepts.
 
 TARGET is the target's number, VERSION a text of at most 23 bytes. The format is described in
-simulator/FirmwareUpgrade.h.
+simulator/upgrade/FirmwareUpgrade.h.
 """
 
 import pathlib

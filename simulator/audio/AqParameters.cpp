@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "simulator/Board.h"
-#include "simulator/IniParser.h"
-#include "simulator/Status.h"
 #include "simulator/audio/Sound.h"
+#include "simulator/board/Board.h"
+#include "simulator/board/Status.h"
+#include "simulator/storage/IniParser.h"
 
 namespace simulator {
 namespace {

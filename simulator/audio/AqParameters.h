@@ -4,8 +4,8 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/KeptNumbers.h"
-#include "simulator/Sandbox.h"
+#include "simulator/storage/KeptNumbers.h"
+#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 

@@ -2,7 +2,6 @@
 
 #include <iterator>
 
-#include "simulator/Board.h"
 #include "simulator/audio/AqParameters.h"
 #include "simulator/audio/VolumeTables.h"
 

@@ -4,9 +4,11 @@
 #include <string>
 
 #include "chiplayer/aud.h"
-#include "simulator/KeptNumbers.h"
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
+
+// This room: the sound. Settings, volume tables and AQ files.
 
 constexpr unsigned kAudioPaths = 9;
 /** Names of the paths, in their numbers' order, as files and the state show them. */

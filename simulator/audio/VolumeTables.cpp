@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <sstream>
 
-#include "simulator/Board.h"
-#include "simulator/Status.h"
+#include "simulator/board/Board.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

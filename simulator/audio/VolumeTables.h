@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/StateDirectory.h"
 #include "simulator/audio/Sound.h"
+#include "simulator/board/StateDirectory.h"
 
 namespace simulator {
 

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 #include "simulator/inputs/Settings.h"
 
 namespace simulator {

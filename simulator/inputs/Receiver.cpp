@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 using namespace fapi_core;
 

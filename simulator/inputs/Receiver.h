@@ -3,11 +3,14 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/Dispatcher.h"
-#include "simulator/Module.h"
+#include "simulator/board/Dispatcher.h"
+#include "simulator/board/Module.h"
 #include "simulator/inputs/Settings.h"
 
 namespace simulator {
+
+// This room: the input sources. What arrives at each, the lock on the current one, the calibration of the
+// ADCs.
 
 /**
  * The current input source and the circuit that locks to its signal. Signals and source are inputSettings()';

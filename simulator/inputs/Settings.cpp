@@ -1,7 +1,5 @@
 #include "simulator/inputs/Settings.h"
 
-#include "simulator/Board.h"
-
 using namespace fapi_core;
 
 namespace simulator {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "simulator/KeptNumbers.h"
 #include "simulator/inputs/Signal.h"
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
 

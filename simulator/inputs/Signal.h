@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "chiplayer/inpsrc.h"
-#include "simulator/KeptNumbers.h"
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
 

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <vector>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

@@ -10,11 +10,11 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/Board.h"
-#include "simulator/Sandbox.h"
-#include "simulator/Status.h"
+#include "simulator/board/Board.h"
+#include "simulator/board/Status.h"
 #include "simulator/panel/Panel.h"
 #include "simulator/panel/PngFile.h"
+#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 namespace {

@@ -5,8 +5,8 @@
 #include <charconv>
 #include <cstdio>
 
-#include "simulator/Board.h"
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
+#include "simulator/storage/IniStore.h"
 
 namespace simulator {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

@@ -11,6 +11,8 @@
 
 namespace simulator {
 
+// This room: what is to be seen. Settings of the display, its layers, the picture that they make.
+
 /**
  * The panel and all that feeds it, which the modules disp and disptst share. Any thread.
  *

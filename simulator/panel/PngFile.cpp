@@ -2,7 +2,7 @@
 
 #include <png.h>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 #include "simulator/panel/Surface.h"
 
 namespace simulator {

@@ -4,10 +4,10 @@
 #include <optional>
 #include <sstream>
 
-#include "simulator/Board.h"
-#include "simulator/KeptNumbers.h"
-#include "simulator/StateDirectory.h"
-#include "simulator/Status.h"
+#include "simulator/board/Board.h"
+#include "simulator/board/StateDirectory.h"
+#include "simulator/board/Status.h"
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
 namespace {

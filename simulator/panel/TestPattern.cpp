@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

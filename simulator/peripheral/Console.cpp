@@ -1,6 +1,6 @@
 #include "simulator/peripheral/Console.h"
 
-#include "simulator/DriveOrders.h"
+#include "simulator/board/DriveOrders.h"
 
 namespace simulator {
 namespace {

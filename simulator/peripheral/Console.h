@@ -5,8 +5,8 @@
 namespace simulator {
 
 /**
- * What the system says on its console: it obeys the lines that come in as orders of simulator/DriveOrders.h,
- * and speaks only when spoken to. One thread.
+ * What the system says on its console: it obeys the lines that come in as orders of
+ * simulator/board/DriveOrders.h, and speaks only when spoken to. One thread.
  */
 class Console {
   public:

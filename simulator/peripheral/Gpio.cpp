@@ -1,6 +1,6 @@
 #include "simulator/peripheral/Gpio.h"
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/Dispatcher.h"
+#include "simulator/board/Dispatcher.h"
 
 namespace simulator {
 

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

@@ -4,9 +4,9 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/IniStore.h"
-#include "simulator/Sandbox.h"
 #include "simulator/peripheral/Edid.h"
+#include "simulator/storage/IniStore.h"
+#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <thread>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

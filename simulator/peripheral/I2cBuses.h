@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/StateDirectory.h"
+#include "simulator/board/StateDirectory.h"
 
 namespace simulator {
 

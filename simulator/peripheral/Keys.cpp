@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

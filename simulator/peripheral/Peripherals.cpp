@@ -1,9 +1,9 @@
 #include "simulator/peripheral/Peripherals.h"
 
-#include "simulator/Board.h"
-#include "simulator/DriveOrders.h"
-#include "simulator/Events.h"
-#include "simulator/Status.h"
+#include "simulator/board/Board.h"
+#include "simulator/board/DriveOrders.h"
+#include "simulator/board/Events.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "simulator/Dispatcher.h"
-#include "simulator/Module.h"
+#include "simulator/board/Dispatcher.h"
+#include "simulator/board/Module.h"
 #include "simulator/peripheral/Gpio.h"
 #include "simulator/peripheral/HdmiPorts.h"
 #include "simulator/peripheral/I2cBuses.h"
@@ -12,6 +12,8 @@
 #include "simulator/peripheral/SerialPorts.h"
 
 namespace simulator {
+
+// This room: what is connected to the board. Serial ports, buses, lines, keys, HDMI.
 
 /** Module prphrl: the board's peripherals, and the events that they raise. */
 class Peripherals {

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <vector>
 
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 namespace {

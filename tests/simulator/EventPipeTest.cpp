@@ -1,4 +1,4 @@
-#include "simulator/EventPipe.h"
+#include "simulator/board/EventPipe.h"
 
 #include <gtest/gtest.h>
 

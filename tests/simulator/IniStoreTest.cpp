@@ -1,12 +1,12 @@
-#include "simulator/IniStore.h"
+#include "simulator/storage/IniStore.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <vector>
 
-#include "simulator/IniText.h"
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
+#include "simulator/storage/IniText.h"
 #include "tests/simulator/Support.h"
 
 using namespace simulator;

@@ -1,4 +1,4 @@
-#include "simulator/Module.h"
+#include "simulator/board/Module.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "chiplayer/chiplayer.h"
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 
 using namespace simulator;
 using fapi_core::ZvtTvFApiEventCommonObject;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "chiplayer/prphrl.h"
-#include "simulator/Events.h"
+#include "simulator/board/Events.h"
 #include "tests/simulator/SysFixture.h"
 
 /** A board whose peripherals have just been started, and the events that they raise. */

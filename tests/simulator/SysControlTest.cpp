@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "chiplayer/chiplayer.h"
-#include "simulator/Events.h"
+#include "simulator/board/Events.h"
 #include "tests/simulator/SysFixture.h"
 
 using namespace simulator;

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "chiplayer/sys.h"
-#include "simulator/Status.h"
+#include "simulator/board/Status.h"
 #include "tests/simulator/Support.h"
 
 /** The state folder of this process's board, chosen before anything asks for it; empty at each test's start.

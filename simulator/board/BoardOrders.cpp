@@ -1,0 +1,80 @@
+#include "simulator/board/BoardOrders.h"
+
+#include <charconv>
+#include <cstdio>
+#include <mutex>
+#include <sstream>
+
+#include "simulator/board/Board.h"
+#include "simulator/board/ForcedStatus.h"
+#include "simulator/board/Module.h"
+#include "simulator/board/Status.h"
+
+namespace simulator {
+namespace {
+
+constexpr char kStateFile[] = "state.txt";
+constexpr uint32_t kMaxNotReadyMilliseconds = 24U * 60 * 60 * 1000;
+
+int32_t writeStateFile(const std::string& text) {
+    static std::mutex& sWriting = *new std::mutex;
+    const std::lock_guard<std::mutex> writing(sWriting);
+    const Descriptor root = boardState().openRoot();
+    if (!root) {
+        return kIoError;
+    }
+    const FolderLock lock(root.get());
+    return lock.status() == kOk ? replaceFile(root.get(), kStateFile, text, 0600) : lock.status();
+}
+
+std::string obey(const std::string& order) {
+    std::istringstream words(order);
+    std::string what, duration, more;
+    words >> what >> duration >> more;
+    if (what == "ready" && duration.empty()) {
+        setBoardReadyIn(0);
+        return {};
+    }
+    if (what != "not-ready") {
+        return forceStatus(order);
+    }
+    uint32_t milliseconds = kNeverReady;
+    if (!duration.empty()) {
+        const char* const end = duration.data() + duration.size();
+        const auto [rest, error] = std::from_chars(duration.data(), end, milliseconds);
+        if (error != std::errc() || rest != end || milliseconds > kMaxNotReadyMilliseconds || !more.empty()) {
+            return "\"" + duration + "\" is not a number of milliseconds up to a day's";
+        }
+    }
+    setBoardReadyIn(milliseconds);
+    return {};
+}
+
+}  // namespace
+
+int32_t forceOrder(const std::string& order) {
+    const std::string fault = obey(order);
+    if (!fault.empty()) {
+        fprintf(stderr, "board: nothing forced: %s\n", fault.c_str());
+        return kOutOfRange;
+    }
+    return kOk;
+}
+
+int32_t printState(const std::string& module) {
+    std::string text;
+    if (module.empty()) {
+        text = std::string("[board]\nversion ") + kBoardVersion + "\nready " + (boardReady() ? "yes" : "no") +
+               "\n" + describeForcedStatuses() + "\n";
+    }
+    const std::string modules = Module::describeAll(module);
+    if (!module.empty() && modules.empty()) {
+        fprintf(stderr, "board: no module \"%s\" that shows its state\n", module.c_str());
+        return kNotFound;
+    }
+    text += modules;
+    fprintf(stderr, "board: its state:\n%s", text.c_str());
+    return writeStateFile(text);
+}
+
+}  // namespace simulator

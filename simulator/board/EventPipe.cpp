@@ -1,0 +1,220 @@
+#include "simulator/board/EventPipe.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <set>
+#include <sstream>
+#include <thread>
+
+#include "simulator/board/Board.h"
+#include "simulator/board/BoardOrders.h"
+#include "simulator/board/ChipCall.h"
+#include "simulator/board/DriveOrders.h"
+#include "simulator/board/StateDirectory.h"
+#include "simulator/board/Status.h"
+
+namespace simulator {
+namespace {
+
+constexpr char kPipeName[] = "raise";
+
+// A line is read into memory whole; a writer that sends more without a line's end has it thrown away.
+constexpr size_t kMaxLine = 2 * 1024 * 1024;
+
+std::string tooLong() {
+    return "the line is longer than " + std::to_string(kMaxLine) + " bytes";
+}
+
+bool readNumber(const std::string& text, uint32_t* number) {
+    const bool hexadecimal = text.compare(0, 2, "0x") == 0 || text.compare(0, 2, "0X") == 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] =
+            std::from_chars(text.data() + (hexadecimal ? 2 : 0), end, *number, hexadecimal ? 16 : 10);
+    return error == std::errc() && rest == end;
+}
+
+int digitOf(char letter) {
+    if (letter >= '0' && letter <= '9') {
+        return letter - '0';
+    }
+    if (letter >= 'a' && letter <= 'f') {
+        return letter - 'a' + 10;
+    }
+    return letter >= 'A' && letter <= 'F' ? letter - 'A' + 10 : -1;
+}
+
+bool readHex(const std::string& text, std::vector<uint8_t>* bytes) {
+    if (text.size() % 2 != 0) {
+        return false;
+    }
+    for (size_t i = 0; i < text.size(); i += 2) {
+        const int high = digitOf(text[i]);
+        const int low = digitOf(text[i + 1]);
+        if (high < 0 || low < 0) {
+            return false;
+        }
+        bytes->push_back(static_cast<uint8_t>(high * 16 + low));
+    }
+    return true;
+}
+
+std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonObject* record) {
+    if (text == "-") {
+        return {};
+    }
+    std::istringstream fields(text);
+    std::set<std::string> given;
+    for (std::string field; std::getline(fields, field, ',');) {
+        const size_t equals = field.find('=');
+        const std::string key = field.substr(0, equals);
+        const std::string value = equals == std::string::npos ? "" : field.substr(equals + 1);
+        bool good = equals != std::string::npos;
+        if (key == "value") {
+            good = good && readNumber(value, &record->u32Value);
+        } else if (key == "text") {
+            record->strValue = value;
+        } else if (key == "bytes") {
+            good = good && readHex(value, &record->vecValue);
+        } else {
+            good = false;
+        }
+        if (!good) {
+            return "\"" + field + "\" is not value=NUMBER, text=TEXT or bytes=HEX";
+        }
+        if (!given.insert(key).second) {
+            return key + " is given twice";
+        }
+    }
+    return {};
+}
+
+void serve(Descriptor pipe) {
+    std::string text;
+    bool skipping = false;
+    char chunk[4096];
+    ssize_t got;
+    while ((got = read(pipe.get(), chunk, sizeof(chunk))) > 0 || (got < 0 && errno == EINTR)) {
+        text.append(chunk, got > 0 ? static_cast<size_t>(got) : 0);
+        size_t start = 0;
+        for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+            if (!skipping && end > start) {
+                // What is wrong with it has been said, but for this.
+                if (guarded([&] { return carryOutOrder(text.substr(start, end - start)); }) == kNoMemory) {
+                    fprintf(stderr, "board: no memory for an order of the pipe\n");
+                }
+            }
+            skipping = false;
+        }
+        text.erase(0, start);
+        if (text.size() > kMaxLine) {
+            fprintf(stderr, "board: no event raised: %s\n", tooLong().c_str());
+            text.clear();
+            skipping = true;
+        }
+    }
+    fprintf(stderr, "board: the event pipe has ended: %s\n", strerror(errno));
+}
+
+/** The pipe's reading end; it is a writer too, so that it does not end with the last of the others. */
+Descriptor openPipe() {
+    const StateDirectory state = StateDirectory::fromEnvironment();
+    const Descriptor folder = state.openRoot();
+    if (!folder) {
+        return Descriptor();
+    }
+    struct stat info {};
+    if (mkfifoat(folder.get(), kPipeName, 0600) != 0 && errno != EEXIST) {
+        fprintf(stderr, "board: no event pipe in %s: %s\n", state.path().c_str(), strerror(errno));
+        return Descriptor();
+    }
+    Descriptor pipe(openat(folder.get(), kPipeName, O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    if (!pipe || fstat(pipe.get(), &info) != 0 || !S_ISFIFO(info.st_mode)) {
+        fprintf(stderr, "board: %s/%s is not a pipe that can be used\n", state.path().c_str(), kPipeName);
+        return Descriptor();
+    }
+    return pipe;
+}
+
+}  // namespace
+
+std::string readEventOrder(const std::string& line, EventOrder* order) {
+    if (line.size() > kMaxLine) {
+        return tooLong();
+    }
+    if (line.find('\0') != std::string::npos) {
+        return "a line holds no NUL";
+    }
+    std::istringstream words(line);
+    std::string module;
+    std::string type;
+    words >> module >> type;
+    order->module = Module::find(module);
+    if (order->module == nullptr) {
+        return "there is no module \"" + module + "\"";
+    }
+    if (!readNumber(type, &order->type)) {
+        return "\"" + type + "\" is not an event type";
+    }
+    size_t count = 0;
+    for (std::string record; words >> record; ++count) {
+        if (count == 4) {
+            return "an event has four records";
+        }
+        const std::string fault = readRecord(record, &order->payload.objects[count]);
+        if (!fault.empty()) {
+            return fault;
+        }
+    }
+    return {};
+}
+
+int32_t carryOutOrder(const std::string& line) {
+    std::istringstream words(line);
+    std::string first;
+    words >> first >> std::ws;
+    if (first == "force" || first == "state") {
+        std::string rest;
+        std::getline(words, rest, '\0');
+        return first == "force" ? forceOrder(rest) : printState(rest);
+    }
+    if (isDriveOrder(line)) {
+        const std::string refusal = drive(line);
+        if (!refusal.empty()) {
+            fprintf(stderr, "board: not obeyed: %s\n", refusal.c_str());
+        }
+        return refusal.empty() ? kOk : kOutOfRange;
+    }
+    EventOrder order;
+    const std::string fault = readEventOrder(line, &order);
+    if (!fault.empty()) {
+        fprintf(stderr, "board: no event raised: %s\n", fault.c_str());
+        return kOutOfRange;
+    }
+    const int32_t status = order.module->raise(order.type, order.payload);
+    if (status == kNotSetUp) {
+        fprintf(stderr, "board: no event raised: the module is not set up\n");
+    } else if (status != kOk) {
+        fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
+    }
+    return status == kOk || status == kNotSetUp ? status : kNotTold;
+}
+
+void startEventPipe() {
+    static const bool sStarted = [] {
+        Descriptor pipe = openPipe();
+        if (pipe) {
+            // For the rest of the process's life.
+            std::thread([](Descriptor end) { serve(std::move(end)); }, std::move(pipe)).detach();
+        }
+        return true;
+    }();
+    (void)sStarted;
+}
+
+}  // namespace simulator

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "simulator/board/StateDirectory.h"
+
+namespace simulator {
+
+/** Who the board is: the file identity.ini of the state folder, which stays however often software is
+ * replaced. */
+struct Identity {
+    std::string model;
+    std::string serial;
+    /** Whose configuration the board has; sets that were made before it was recorded have none. */
+    std::string customer;
+};
+
+/** Reads the identity; makes one with a random serial number on the first start. kOk, or why it cannot be
+ * had. */
+int32_t readIdentity(const StateDirectory& state, Identity* identity);
+
+}  // namespace simulator

@@ -1,0 +1,25 @@
+#include <cstring>
+
+#include "simulator/board/Board.h"
+#include "simulator/board/ChipCall.h"
+#include "simulator/modules/ChipLayer.h"
+
+using namespace simulator;
+
+int32_t a_zvttvfapi_common_get_fapi_status() {
+    constexpr int32_t kNotReady = -5;
+    return boardReady() ? kOk : kNotReady;
+}
+
+int32_t a_zvttvfapi_common_get_fapi_version(char* pcVersion, unsigned int u32Size) {
+    if (pcVersion == nullptr || u32Size == 0) {
+        return kOutOfRange;
+    }
+    const size_t length = strlen(kBoardVersion);
+    if (length >= u32Size) {
+        pcVersion[0] = '\0';
+        return kTooLong;
+    }
+    memcpy(pcVersion, kBoardVersion, length + 1);
+    return kOk;
+}

@@ -1,0 +1,239 @@
+#include "simulator/storage/IniStore.h"
+
+#include <fcntl.h>
+
+#include <cstring>
+#include <ctime>
+
+#include "simulator/board/Board.h"
+#include "simulator/board/Status.h"
+#include "simulator/storage/IniParser.h"
+#include "simulator/storage/IniText.h"
+
+namespace simulator {
+namespace {
+
+constexpr mode_t kNewFileMode = 0644;
+
+// A file that was written this recently may be written again without any of its times changing: the kernel's
+// clock for them ticks every 1 to 10 ms. Until then it is read anew each time.
+constexpr int64_t kSettledNanoseconds = 100'000'000;
+
+/** The file's full name; empty when it is not a good one. */
+std::string fileName(const char* name) {
+    const size_t length = strnlen(name, IniStore::kMaxNameBytes + 1);
+    const std::string_view view(name, length);
+    const bool good = length != 0 && length <= IniStore::kMaxNameBytes && name[0] != '.' &&
+                      view.find_first_not_of(
+                              "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                              "0123456789._-") == std::string_view::npos;
+    if (!good) {
+        return {};
+    }
+    const bool suffixed = length > 4 && view.substr(length - 4) == ".ini";
+    return std::string(view) + (suffixed ? "" : ".ini");
+}
+
+struct Parameter {
+    std::string section;
+    std::string key;
+};
+
+/** Refuses whatever a file would not give back as the same section and key. */
+std::optional<Parameter> parameterName(const char* text) {
+    const std::string_view view(text, strnlen(text, IniStore::kMaxParameterBytes + 1));
+    const size_t colon = view.find(':');
+    const std::string_view section = colon == std::string_view::npos ? "" : view.substr(0, colon);
+    const std::string_view key = colon == std::string_view::npos ? view : view.substr(colon + 1);
+    if (view.size() > IniStore::kMaxParameterBytes || key.empty() || std::strchr("[;#", key[0]) != nullptr ||
+        key.find('=') != std::string_view::npos || section.find(']') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    for (const char c : view) {
+        if (static_cast<unsigned char>(c) < ' ') {
+            return std::nullopt;
+        }
+    }
+    for (const std::string_view part : {section, key}) {
+        if (!part.empty() && (part.front() == ' ' || part.back() == ' ')) {
+            return std::nullopt;
+        }
+    }
+    return Parameter{std::string(section), std::string(key)};
+}
+
+bool parse(const std::string& text, CSimpleIniCaseA& ini) {
+    // The parser ends at the first NUL.
+    return text.find('\0') == std::string::npos && ini.LoadData(text) >= 0;
+}
+
+}  // namespace
+
+struct IniStore::File {
+    File(std::string fileName, const struct stat& status) : name(std::move(fileName)), stamp(status) {
+        ini.SetQuotes();
+    }
+
+    const std::string name;
+    const FileStamp stamp;
+    CSimpleIniCaseA ini;
+};
+
+IniStore::IniStore(const StateDirectory& state, const char* folder)
+    : mState(state), mFolder(folder), mFolderPath(state.path() + "/" + folder + "/") {}
+
+IniStore::~IniStore() = default;
+
+int32_t IniStore::load(const std::string& name, std::shared_ptr<const File>& file) {
+    struct stat status {};
+    if (fstatat(AT_FDCWD, (mFolderPath + name).c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        const FileStamp stamp(status);
+        std::lock_guard<std::mutex> lock(mCacheMutex);
+        for (const std::shared_ptr<const File>& cached : mCache) {
+            if (cached != nullptr && cached->name == name && cached->stamp == stamp) {
+                file = cached;
+                return kOk;
+            }
+        }
+    }
+
+    const Descriptor folder = mState.openFolder(mFolder);
+    if (!folder) {
+        return kIoError;
+    }
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    std::string text;
+    if (const int32_t result = readFile(folder.get(), name, kMaxFileBytes, text, &status); result != kOk) {
+        return result;
+    }
+    const auto loaded = std::make_shared<File>(name, status);
+    if (!parse(text, loaded->ini)) {
+        return kBadFile;
+    }
+    file = loaded;
+
+    const int64_t age = (static_cast<int64_t>(now.tv_sec) - status.st_mtim.tv_sec) * 1'000'000'000 +
+                        now.tv_nsec - status.st_mtim.tv_nsec;
+    if (age >= kSettledNanoseconds) {
+        std::lock_guard<std::mutex> lock(mCacheMutex);
+        for (std::shared_ptr<const File>& cached : mCache) {
+            if (cached != nullptr && cached->name == name) {
+                cached = file;
+                return kOk;
+            }
+        }
+        mCache[mNextSlot++ % kCachedFiles] = file;
+    }
+    return kOk;
+}
+
+int32_t IniStore::get(const char* file, const char* parameter, char* buffer, size_t size) {
+    if (buffer == nullptr || size == 0) {
+        return kOutOfRange;
+    }
+    buffer[0] = '\0';
+    if (file == nullptr || parameter == nullptr) {
+        return kOutOfRange;
+    }
+    const std::string name = fileName(file);
+    const std::optional<Parameter> asked = parameterName(parameter);
+    if (name.empty() || !asked) {
+        return kBadName;
+    }
+    std::shared_ptr<const File> loaded;
+    if (const int32_t result = load(name, loaded); result != kOk) {
+        return result;
+    }
+    const char* value = loaded->ini.GetValue(asked->section.c_str(), asked->key.c_str());
+    if (value == nullptr) {
+        return kNotFound;
+    }
+    const size_t length = strlen(value);
+    if (length >= size) {
+        return kTooLong;
+    }
+    memcpy(buffer, value, length + 1);
+    return kOk;
+}
+
+int32_t IniStore::get(const char* file, const std::vector<std::string>& parameters,
+                      std::vector<std::optional<std::string>>& values) {
+    values.assign(parameters.size(), std::nullopt);
+    const std::string name = fileName(file);
+    if (name.empty()) {
+        return kBadName;
+    }
+    std::shared_ptr<const File> loaded;
+    if (const int32_t result = load(name, loaded); result != kOk) {
+        return result;
+    }
+    std::vector<std::optional<std::string>> found(parameters.size());
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        const std::optional<Parameter> asked = parameterName(parameters[i].c_str());
+        if (!asked) {
+            return kBadName;
+        }
+        if (const char* value = loaded->ini.GetValue(asked->section.c_str(), asked->key.c_str())) {
+            found[i] = value;
+        }
+    }
+    values = std::move(found);
+    return kOk;
+}
+
+int32_t IniStore::set(const char* file, const char* parameter, const char* value) {
+    if (file == nullptr || parameter == nullptr || value == nullptr) {
+        return kOutOfRange;
+    }
+    const std::string name = fileName(file);
+    const std::optional<Parameter> asked = parameterName(parameter);
+    if (name.empty() || !asked) {
+        return kBadName;
+    }
+    const std::string_view text(value, strnlen(value, kMaxValueBytes + 1));
+    if (text.size() > kMaxValueBytes || text.find_first_of("\r\n") != std::string_view::npos) {
+        return kOutOfRange;
+    }
+
+    std::lock_guard<std::mutex> writing(mWriting);
+    const Descriptor folder = mState.openFolder(mFolder);
+    if (!folder) {
+        return kIoError;
+    }
+    const FolderLock lock(folder.get());
+    if (lock.status() != kOk) {
+        return lock.status();
+    }
+    std::string before;
+    struct stat status {};
+    status.st_mode = kNewFileMode;
+    const int32_t result = readFile(folder.get(), name, kMaxFileBytes, before, &status);
+    if (result != kOk && result != kNotFound) {
+        return result;
+    }
+    const std::string after = withIniValue(before, asked->section, asked->key, text);
+    // Whatever a file by other hands contains, the parser has the last word on whether the value comes back.
+    CSimpleIniCaseA check;
+    check.SetQuotes();
+    if (after.size() > kMaxFileBytes || !parse(after, check)) {
+        return kBadFile;
+    }
+    const char* stored = check.GetValue(asked->section.c_str(), asked->key.c_str());
+    if (stored == nullptr || stored != text) {
+        return kBadFile;
+    }
+    return replaceFile(folder.get(), name, after, status.st_mode);
+}
+
+IniStore& boardIni() {
+    static IniStore& sIni = *new IniStore(boardState());
+    return sIni;
+}
+
+IniStore& boardSettings() {
+    static IniStore& sSettings = *new IniStore(boardState(), "settings");
+    return sSettings;
+}
+
+}  // namespace simulator
