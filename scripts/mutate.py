@@ -135,10 +135,12 @@ class Processes:
 
     @staticmethod
     def _end(process):
-        try:
-            os.killpg(process.pid, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
+        for number in (signal.SIGTERM, signal.SIGKILL):  # the build tool ends its compilers when it is asked to end
+            try:
+                os.killpg(process.pid, number)
+                process.wait(2)
+            except (ProcessLookupError, subprocess.TimeoutExpired):
+                pass
 
 
 class Worker:
