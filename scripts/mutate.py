@@ -13,6 +13,7 @@ error in the list.
 import argparse
 import collections
 import concurrent.futures
+import fcntl
 import os
 import pathlib
 import queue
@@ -37,7 +38,7 @@ SERVICE = "vendor.zentrovi.tv.zvttvfactory@1.0-service"
 Mutation = collections.namedtuple("Mutation", "line room tests file promise old new equivalent")
 
 
-class Fault(Exception):
+class Trouble(Exception):
     """What ends the run: a list, a tree or a build that is not as it should be."""
 
 
@@ -53,10 +54,11 @@ def parse(text):
             programs, entry = programs.split(), None
         elif mark == "@":
             file, _, promise = rest.partition(": ")
-            entry = dict(line=number, room=room, tests=programs, file=file, promise=promise, old=[], new=[], equivalent="")
+            entry = {"line": number, "room": room, "tests": programs, "file": file, "promise": promise,
+                     "old": [], "new": [], "equivalent": ""}
             entries.append(entry)
         elif entry is None:
-            raise Fault(f"mutations.txt:{number}: belongs to no entry")
+            raise Trouble(f"mutations.txt:{number}: belongs to no entry")
         elif mark in "-+":
             entry["old" if mark == "-" else "new"].append(rest)
         elif mark == "tests:":
@@ -64,35 +66,41 @@ def parse(text):
         elif mark == "equivalent:":
             entry["equivalent"] = rest
         else:
-            raise Fault(f"mutations.txt:{number}: '{mark}' says nothing")
+            raise Trouble(f"mutations.txt:{number}: '{mark}' says nothing")
     for entry in entries:
         entry.update(old="\n".join(entry["old"]), new="\n".join(entry["new"]))
         if not (entry["room"] and entry["tests"] and entry["promise"] and entry["old"].strip()):
-            raise Fault(f"mutations.txt:{entry['line']}: lacks its room, tests, promise or text")
+            raise Trouble(f"mutations.txt:{entry['line']}: lacks its room, tests, promise or text")
     return [Mutation(**entry) for entry in entries]
 
 
-def mutated(text, mutation):
-    """The text with the fault in it. Where lines break and how they are indented is the formatter's matter."""
+def where(text, mutation):
+    """The one place of the text to be changed. Where lines break and how they are indented is the formatter's matter."""
     pattern = r"\s+".join(re.escape(word) for word in mutation.old.split())
-    found = list(re.finditer(pattern, text))
+    found = [match.span() for match in re.finditer(pattern, text)]
     if len(found) != 1:
-        raise Fault(f"mutations.txt:{mutation.line}: its text stands {len(found)} times in {mutation.file}")
-    result = text[:found[0].start()] + mutation.new + text[found[0].end():]
+        raise Trouble(f"mutations.txt:{mutation.line}: its text stands {len(found)} times in {mutation.file}")
+    return found[0]
+
+
+def mutated(text, mutation):
+    """The text with the fault in it."""
+    begin, end = where(text, mutation)
+    result = text[:begin] + mutation.new + text[end:]
     if result.split() == text.split():
-        raise Fault(f"mutations.txt:{mutation.line}: changes nothing")
+        raise Trouble(f"mutations.txt:{mutation.line}: changes nothing")
     return result
 
 
-def check(mutations, root):
+def check(mutations):
     wrong = []
     for mutation in mutations:
         try:
-            mutated((root / mutation.file).read_text(encoding="utf-8"), mutation)
+            mutated((ROOT / mutation.file).read_text(encoding="utf-8"), mutation)
         except FileNotFoundError:
             wrong.append(f"mutations.txt:{mutation.line}: there is no {mutation.file}")
-        except Fault as fault:
-            wrong.append(str(fault))
+        except Trouble as trouble:
+            wrong.append(str(trouble))
     return wrong
 
 
@@ -109,7 +117,7 @@ class Processes:
         with tempfile.TemporaryFile() as output:
             with self._lock:
                 if self._stopped:
-                    raise Fault("stopped")
+                    raise Trouble("stopped")
                 process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
                                            start_new_session=True, **options)
                 self._running.add(process)
@@ -123,7 +131,7 @@ class Processes:
                     self._running.discard(process)
                 process.wait()
             if self._stopped:
-                raise Fault("stopped")  # it did not end by itself
+                raise Trouble("stopped")  # it did not end by itself
             output.seek(0)
             return code, output.read().decode(errors="replace")
 
@@ -185,7 +193,7 @@ class Worker:
         command += [word for name, value in options.items() for word in ("-D", f"{name}={value}")]
         code, output = self._processes.run(command, None, env=self._environment())
         if code != 0:
-            raise Fault(f"the tree cannot be configured:\n{output}")
+            raise Trouble(f"the tree cannot be configured:\n{output}")
 
     def make(self, programs, jobs=1):
         """Empty when all is built, else what the compiler said."""
@@ -214,12 +222,12 @@ class Worker:
             return ""
         failed = re.findall(r"^\[  FAILED  \] ([\w/]+\.[\w/]+)", output, re.M)
         begun = re.findall(r"^\[ RUN      \] ([\w/.]+)", output, re.M)
-        where = f"{program} {(failed or begun[-1:] or ['before its tests'])[0]}"
+        test = f"{program} {(failed or begun[-1:] or ['before its tests'])[0]}"
         if code is None:
-            return f"hangs in {where}"
+            return f"hangs in {test}"
         if failed and code > 0:
-            return f"fails {where}"
-        return f"ends {where} with {f'signal {-code}' if code < 0 else f'code {code}'}"
+            return f"fails {test}"
+        return f"ends {test} with {f'signal {-code}' if code < 0 else f'code {code}'}"
 
 
 def taken_from(waiting):
@@ -250,14 +258,13 @@ class Run:
     def prepare(self):
         """Builds the copies, and runs the tests on the tree as it is: they must pass, and say how long they take."""
         programs = sorted({program for mutation in self._mutations for program in mutation.tests})
-
         for worker in self._workers:
             worker.copy()  # before anything takes time: who works on the tree meanwhile does not disturb us
         for worker in self._workers:  # one by one: what the first has compiled, the others find in the compiler's cache
             worker.configure()
             said = worker.make(programs, jobs=len(self._workers))
             if said:
-                raise Fault(f"the tree cannot be built:\n{said}")
+                raise Trouble(f"the tree cannot be built:\n{said}")
         waiting = queue.SimpleQueue()
         for program in programs:
             waiting.put(program)
@@ -267,7 +274,7 @@ class Run:
                 begin = time.monotonic()
                 said = worker.run(program, 600)
                 if said:
-                    raise Fault(f"without any fault: {said}")
+                    raise Trouble(f"without any fault: {said}")
                 self._seconds[program] = time.monotonic() - begin
         self._each(passing)
         shown = ", ".join(f"{name} {seconds:.0f} s" for name, seconds in self._seconds.items())
@@ -312,11 +319,10 @@ class Run:
 def place(mutation):
     """The line of the tree's file where the fault is made."""
     text = (ROOT / mutation.file).read_text(encoding="utf-8")
-    pattern = r"\s+".join(re.escape(word) for word in mutation.old.split())
-    return f"{mutation.file}:{text.count(chr(10), 0, re.search(pattern, text).start()) + 1}"
+    return f"{mutation.file}:{text[:where(text, mutation)[0]].count(chr(10)) + 1}"
 
 
-def report(results):
+def report(results, places):
     """Prints the sums and the survivors. Whether that is good enough."""
     rooms = collections.defaultdict(collections.Counter)
     for mutation, how, wrong in results:
@@ -330,7 +336,7 @@ def report(results):
         print(f"{room:24}" + "".join(f"{counts[kind]:10}" for kind in kinds))
     survivors = [mutation for mutation, how, wrong in results if not how and not wrong]
     for mutation in sorted(survivors):
-        print(f"\nsurvived: {place(mutation)}: {mutation.promise}\n  - {mutation.old}\n  + {mutation.new}\n"
+        print(f"\nsurvived: {places[mutation.line]}: {mutation.promise}\n  - {mutation.old}\n  + {mutation.new}\n"
               f"  not noticed by {' '.join(mutation.tests)}")
     wrong = [text for _, _, text in results if text]
     print("".join(f"\n{text}\n" for text in wrong), end="")
@@ -346,38 +352,45 @@ def interrupted(number, frame):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--room", help="only this room's, or those of all rooms below it")
-    parser.add_argument("--only", metavar="PATTERN", help="only those whose file and promise hold this regular expression")
+    parser.add_argument("--only", metavar="PATTERN", help="only those whose 'FILE: PROMISE' matches")
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--check", action="store_true")
     parser.add_argument("-j", type=int, default=os.cpu_count(), metavar="N", help="workers (default: one per processor)")
     chosen = parser.parse_args()
     mutations = parse(LIST.read_text(encoding="utf-8"))
     if chosen.check:
-        wrong = check(mutations, ROOT)
+        wrong = check(mutations)
         print("\n".join([*wrong, f"{len(mutations)} faults, {len(wrong)} that cannot be made"]))
         return not wrong
     mutations = [each for each in mutations if f"{each.room}/".startswith(f"{chosen.room}/" if chosen.room else "")
                  and re.search(chosen.only or "", f"{each.file}: {each.promise}")]
     if chosen.list:
         for each in mutations:
-            print(f"{each.room:12} {each.file}: {each.promise}" + (f" (equivalent: {each.equivalent})" * bool(each.equivalent)))
+            mark = f" (equivalent: {each.equivalent})" if each.equivalent else ""
+            print(f"{each.room:22} {each.file}: {each.promise}{mark}")
         return True
     mutations = [each for each in mutations if not each.equivalent]
     if not mutations:
-        raise Fault("no such fault")
-    wrong = check(mutations, ROOT)
+        raise Trouble("no such fault")
+    wrong = check(mutations)
     if wrong:
-        raise Fault("\n".join(wrong))
+        raise Trouble("\n".join(wrong))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
     WORK.mkdir(parents=True, exist_ok=True)
+    lock = open(WORK / "lock", "w", encoding="utf-8")  # while this process lives
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        raise Trouble(f"another run is at work in {WORK}") from None
+    places = {mutation.line: place(mutation) for mutation in mutations}
     processes = Processes()
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, interrupted)
     try:
         run = Run(mutations, min(chosen.j, len({each.file for each in mutations})), processes)
         run.prepare()
-        return report(run.judge())
+        return report(run.judge(), places)
     finally:
         processes.stop()
 
@@ -385,7 +398,7 @@ def main():
 if __name__ == "__main__":
     try:
         sys.exit(0 if main() else 1)
-    except Fault as fault:
-        sys.exit(f"mutate.py: {fault}")
+    except Trouble as trouble:
+        sys.exit(f"mutate.py: {trouble}")
     except KeyboardInterrupt:
         sys.exit("mutate.py: interrupted")
