@@ -118,7 +118,7 @@ TEST_F(DriverNames, WhatBelongsToADeadProcessGoesWithIt) {
     ASSERT_TRUE(names->registerForNotifications("a@1.0::I", "", listener));
     // Its notice may come later than who takes its place.
     first->isDead = true;
-    EXPECT_TRUE(names->add("one", second));
+    ASSERT_TRUE(names->add("one", second));
     first->die();
     EXPECT_THAT(listed(), ElementsAre("a@1.0::I/one"));
     listener->die();
