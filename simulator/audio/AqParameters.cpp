@@ -1,14 +1,14 @@
 #include "simulator/audio/AqParameters.h"
 
-#include <fcntl.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 #include "simulator/audio/Sound.h"
 #include "simulator/board/Board.h"
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/Files.h"
 #include "simulator/storage/IniParser.h"
 
 namespace simulator {
@@ -26,10 +26,7 @@ constexpr unsigned kSpeakerBands = 10;
 AqFile factoryFile() {
     AqFile file{"factory", {}};
     for (const AqParameter& parameter : aqFileParameters()) {
-        KeptNumbers::Values& values = file.values.emplace_back();
-        for (const Limits& number : parameter.numbers) {
-            values.push_back(number.factory);
-        }
+        file.values.push_back(factoryNumbers(parameter.numbers));
     }
     return file;
 }
@@ -129,15 +126,14 @@ std::string parseAqFile(const std::string& text, AqFile* file) {
     return {};
 }
 
-AqParameters::AqParameters(const StateDirectory& state) : mState(state), mSandbox(state) {
+AqParameters::AqParameters() : mFolder(boardState(), kFolder) {
     restart();
 }
 
 void AqParameters::restart() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    const Descriptor folder = mState.openFolder(kFolder);
     std::string text;
-    const int32_t status = folder ? readFile(folder.get(), kCopy, kMaxFileBytes, text, nullptr) : kIoError;
+    const int32_t status = mFolder.read(kCopy, kMaxFileBytes, text);
     AqFile file;
     std::string fault;
     if (status == kOk) {
@@ -148,28 +144,20 @@ void AqParameters::restart() {
     if (status != kOk || !fault.empty()) {
         file = factoryFile();
     }
-    if (!fault.empty()) {
-        fprintf(stderr, "board: %s/%s is ignored: %s\n", kFolder, kCopy, fault.c_str());
-    }
+    tellFaults(std::string(kFolder) + "/" + kCopy,
+               fault.empty() ? std::vector<std::string>() : std::vector<std::string>{"is ignored: " + fault});
     const std::lock_guard<std::mutex> lock(mMutex);
     mFile = std::make_shared<const AqFile>(std::move(file));
 }
 
 int32_t AqParameters::load(const char* path) {
-    const Sandbox::Opened opened = mSandbox.openFile(path, O_RDONLY);
-    if (opened.status != kOk) {
-        return opened.status;
-    }
-    std::string text(kMaxFileBytes + 1, '\0');
-    size_t count = 0;
-    const int32_t read =
-            readAt(opened.file.get(), reinterpret_cast<unsigned char*>(text.data()), text.size(), 0, &count);
-    if (read != kOk) {
+    std::string text;
+    const int32_t read = files::load(path, kMaxFileBytes, &text);
+    if (read != kOk && read != kTooLong) {
         return read;
     }
-    text.resize(count);
     AqFile file;
-    const std::string fault = count > kMaxFileBytes
+    const std::string fault = read == kTooLong
                                       ? "it has more than " + std::to_string(kMaxFileBytes) + " bytes"
                                       : parseAqFile(text, &file);
     if (!fault.empty()) {
@@ -179,7 +167,7 @@ int32_t AqParameters::load(const char* path) {
 
     const auto loaded = std::make_shared<const AqFile>(std::move(file));
     const std::lock_guard<std::mutex> changing(mChanging);
-    const int32_t status = replaceFile(mState, kFolder, kCopy, text, kMode);
+    const int32_t status = mFolder.replace(kCopy, text, kMode);
     if (status == kOk) {
         const std::lock_guard<std::mutex> data(mMutex);
         mFile = loaded;
@@ -206,7 +194,7 @@ std::string AqParameters::describe() const {
 }
 
 AqParameters& aqParameters() {
-    static AqParameters& sParameters = *new AqParameters(boardState());
+    static AqParameters& sParameters = *new AqParameters;
     return sParameters;
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "simulator/storage/KeptNumbers.h"
-#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 
@@ -44,7 +43,7 @@ class AqParameters {
     static constexpr size_t kMaxFileBytes = 64 * 1024;
 
     /** Takes the parameters of the copy. */
-    explicit AqParameters(const StateDirectory& state);
+    AqParameters();
 
     /** The same again: those of the factory without a copy, or when it is bad, which is said on standard
      * error. */
@@ -59,8 +58,7 @@ class AqParameters {
     std::string describe() const;
 
   private:
-    const StateDirectory& mState;
-    const Sandbox mSandbox;
+    StateFolder mFolder;
     // Held across a whole change.
     std::mutex mChanging;
     mutable std::mutex mMutex;

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -42,22 +43,22 @@ bool parse(const std::string& text, VolumeTables::Table* table) {
 
 }  // namespace
 
-VolumeTables::VolumeTables(const StateDirectory& state) : mState(state) {
+VolumeTables::VolumeTables() : mFolder(boardState(), kFolder) {
     load();
 }
 
 std::shared_ptr<const VolumeTables::Table> VolumeTables::read(uint32_t path) const {
     const std::string name = fileOf(path);
-    const Descriptor folder = mState.openFolder(kFolder);
     std::string text;
-    int32_t status = folder ? readFile(folder.get(), name, kMaxFileBytes, text, nullptr) : kIoError;
+    int32_t status = mFolder.read(name, kMaxFileBytes, text);
     const auto table = std::make_shared<Table>();
     if (status == kOk && !parse(text, table.get())) {
         status = kBadFile;
     }
-    if (status != kOk && status != kNotFound) {
-        fprintf(stderr, "board: %s/%s is ignored (status %d)\n", kFolder, name.c_str(), status);
-    }
+    const bool bad = status != kOk && status != kNotFound;
+    tellFaults(kFolder + ("/" + name),
+               bad ? std::vector<std::string>{"is ignored (status " + std::to_string(status) + ")"}
+                   : std::vector<std::string>());
     return status == kOk ? table : nullptr;
 }
 
@@ -85,7 +86,7 @@ int32_t VolumeTables::set(uint32_t path, Table table) {
         text += std::to_string(gain) + "\n";
     }
     const std::lock_guard<std::mutex> changing(mChanging);
-    const int32_t status = replaceFile(mState, kFolder, fileOf(path), text, kMode);
+    const int32_t status = mFolder.replace(fileOf(path), text, kMode);
     if (status == kOk) {
         const std::lock_guard<std::mutex> data(mMutex);
         mTables[path] = changed;
@@ -107,7 +108,7 @@ std::string VolumeTables::describe() const {
 }
 
 VolumeTables& volumeTables() {
-    static VolumeTables& sTables = *new VolumeTables(boardState());
+    static VolumeTables& sTables = *new VolumeTables;
     return sTables;
 }
 

@@ -25,7 +25,7 @@ class VolumeTables {
     };
 
     /** Loads them. */
-    explicit VolumeTables(const StateDirectory& state);
+    VolumeTables();
 
     /** Reads the files again; one that is no table is said on standard error and ignored. */
     void load();
@@ -41,7 +41,7 @@ class VolumeTables {
   private:
     std::shared_ptr<const Table> read(uint32_t path) const;
 
-    const StateDirectory& mState;
+    StateFolder mFolder;
     // Held across a whole change.
     std::mutex mChanging;
     mutable std::mutex mMutex;

@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <mutex>
 #include <sstream>
 
 #include "simulator/board/Board.h"
@@ -14,18 +13,8 @@ namespace simulator {
 namespace {
 
 constexpr char kStateFile[] = "state.txt";
+constexpr mode_t kStateFileMode = 0600;
 constexpr uint32_t kMaxNotReadyMilliseconds = 24U * 60 * 60 * 1000;
-
-int32_t writeStateFile(const std::string& text) {
-    static std::mutex& sWriting = *new std::mutex;
-    const std::lock_guard<std::mutex> writing(sWriting);
-    const Descriptor root = boardState().openRoot();
-    if (!root) {
-        return kIoError;
-    }
-    const FolderLock lock(root.get());
-    return lock.status() == kOk ? replaceFile(root.get(), kStateFile, text, 0600) : lock.status();
-}
 
 std::string obey(const std::string& order) {
     std::istringstream words(order);
@@ -74,7 +63,8 @@ int32_t printState(const std::string& module) {
     }
     text += modules;
     fprintf(stderr, "board: its state:\n%s", text.c_str());
-    return writeStateFile(text);
+    static StateFolder& sRoot = *new StateFolder(boardState(), "");
+    return sRoot.replace(kStateFile, text, kStateFileMode);
 }
 
 }  // namespace simulator

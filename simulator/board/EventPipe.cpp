@@ -123,17 +123,17 @@ void serve(Descriptor pipe) {
 
 /** The pipe's reading end; it is a writer too, so that it does not end with the last of the others. */
 Descriptor openPipe() {
-    const StateDirectory state = StateDirectory::fromEnvironment();
-    const Descriptor folder = state.openRoot();
-    if (!folder) {
+    const StateDirectory& state = boardState();
+    const Opened folder = state.openFolder("");
+    if (folder.status != kOk) {
         return Descriptor();
     }
     struct stat info {};
-    if (mkfifoat(folder.get(), kPipeName, 0600) != 0 && errno != EEXIST) {
+    if (mkfifoat(folder.file.get(), kPipeName, 0600) != 0 && errno != EEXIST) {
         fprintf(stderr, "board: no event pipe in %s: %s\n", state.path().c_str(), strerror(errno));
         return Descriptor();
     }
-    Descriptor pipe(openat(folder.get(), kPipeName, O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+    Descriptor pipe(openat(folder.file.get(), kPipeName, O_RDWR | O_CLOEXEC | O_NOFOLLOW));
     if (!pipe || fstat(pipe.get(), &info) != 0 || !S_ISFIFO(info.st_mode)) {
         fprintf(stderr, "board: %s/%s is not a pipe that can be used\n", state.path().c_str(), kPipeName);
         return Descriptor();

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -14,7 +15,7 @@ constexpr char kFile[] = "identity.ini";
 constexpr size_t kMaxBytes = 4096;
 constexpr mode_t kMode = 0644;
 
-int32_t create(int root) {
+int32_t create(StateFolder& root) {
     unsigned char bytes[8];
     if (getrandom(bytes, sizeof(bytes), 0) != static_cast<ssize_t>(sizeof(bytes))) {
         return kIoError;
@@ -25,8 +26,7 @@ int32_t create(int root) {
         snprintf(digits, sizeof(digits), "%02X", byte);
         text += digits;
     }
-    const FolderLock lock(root);
-    return lock.status() == kOk ? createFile(root, kFile, text + "\n", kMode) : lock.status();
+    return root.create(kFile, text + "\n", kMode);
 }
 
 std::string trimmed(const std::string& text) {
@@ -36,16 +36,13 @@ std::string trimmed(const std::string& text) {
 
 }  // namespace
 
-int32_t readIdentity(const StateDirectory& state, Identity* identity) {
-    const Descriptor root = state.openRoot();
-    if (!root) {
-        return kIoError;
-    }
+int32_t readIdentity(Identity* identity) {
+    static StateFolder& sRoot = *new StateFolder(boardState(), "");
     std::string content;
-    int32_t status = readFile(root.get(), kFile, kMaxBytes, content, nullptr);
+    int32_t status = sRoot.read(kFile, kMaxBytes, content);
     if (status == kNotFound) {
-        status = create(root.get());
-        status = status == kOk ? readFile(root.get(), kFile, kMaxBytes, content, nullptr) : status;
+        status = create(sRoot);
+        status = status == kOk ? sRoot.read(kFile, kMaxBytes, content) : status;
     }
     if (status != kOk) {
         return status;

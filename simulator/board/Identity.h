@@ -3,8 +3,6 @@
 #include <cstdint>
 #include <string>
 
-#include "simulator/board/StateDirectory.h"
-
 namespace simulator {
 
 /** Who the board is: the file identity.ini of the state folder, which stays however often software is
@@ -18,6 +16,6 @@ struct Identity {
 
 /** Reads the identity; makes one with a random serial number on the first start. kOk, or why it cannot be
  * had. */
-int32_t readIdentity(const StateDirectory& state, Identity* identity);
+int32_t readIdentity(Identity* identity);
 
 }  // namespace simulator

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 
 #include "simulator/board/Status.h"
 
@@ -16,11 +18,6 @@ namespace simulator {
 namespace {
 
 constexpr mode_t kFolderMode = 0700;
-
-// How long a writer waits for those of other processes, and how often it looks. There is no queue, so that
-// the patience must outlast a writer that keeps coming back; a write takes milliseconds on a slow disk.
-constexpr int kLockPatienceMilliseconds = 5000;
-constexpr int kLockPauseMilliseconds = 1;
 
 std::string environment(const char* name) {
     const char* value = getenv(name);
@@ -37,11 +34,19 @@ std::string absolute(const std::string& path) {
     return result;
 }
 
+/** Says why there is no state, but only the first time. */
 void complainOnce(const std::string& path, const char* reason) {
     static std::atomic<bool> sSaid{false};
     if (!sSaid.exchange(true)) {
         fprintf(stderr, "board: cannot keep state in %s: %s\n", path.c_str(), reason);
     }
+}
+
+/** The failure that errno tells of. */
+Opened failed(const std::string& path) {
+    const int error = errno;
+    complainOnce(path, strerror(error));
+    return {Descriptor(), statusOf(error)};
 }
 
 bool writeAll(int fd, const std::string& text) {
@@ -54,6 +59,81 @@ bool writeAll(int fd, const std::string& text) {
         done += count < 0 ? 0 : static_cast<size_t>(count);
     }
     return true;
+}
+
+/** Who has locked the open folder: 0 when the kernel does not tell. */
+int holderOf(int folder) {
+    struct stat status {};
+    fstat(folder, &status);
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        int pid = 0;
+        unsigned deviceMajor = 0, deviceMinor = 0;
+        unsigned long inode = 0;
+        if (sscanf(line.c_str(), "%*d: FLOCK %*s WRITE %d %x:%x:%lu", &pid, &deviceMajor, &deviceMinor,
+                   &inode) == 4 &&
+            inode == status.st_ino && makedev(deviceMajor, deviceMinor) == status.st_dev) {
+            return pid;
+        }
+    }
+    return 0;
+}
+
+int32_t readOpened(int folder, const std::string& name, size_t limit, std::string& text,
+                   struct stat* status) {
+    // Not to wait for the other end when it is a FIFO.
+    const Descriptor file(openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file) {
+        return statusOf(errno);
+    }
+    struct stat found {};
+    if (fstat(file.get(), &found) != 0) {
+        return kIoError;
+    }
+    if (!S_ISREG(found.st_mode) || static_cast<uintmax_t>(found.st_size) > limit) {
+        return kBadFile;
+    }
+    if (status != nullptr) {
+        *status = found;
+    }
+    // It may grow while it is read, hence one byte more than its size, and more rounds.
+    text.clear();
+    size_t done = 0;
+    for (;;) {
+        text.resize(done + (done == 0 ? static_cast<size_t>(found.st_size) : 0) + 1);
+        const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
+        if (count < 0 && errno != EINTR) {
+            return kIoError;
+        }
+        if (count == 0) {
+            text.resize(done);
+            return kOk;
+        }
+        done += count < 0 ? 0 : static_cast<size_t>(count);
+        if (done > limit) {
+            return kBadFile;
+        }
+    }
+}
+
+/** As StateFolder::replace(), but for the line on standard error; a failure's reason is in errno. */
+bool replaceOpened(int folder, const std::string& name, const std::string& text, mode_t mode) {
+    // A left-over of a writer that died is in the way of nobody but the exclusive open.
+    const std::string temporary = "." + name + ".tmp";
+    unlinkat(folder, temporary.c_str(), 0);
+    const Descriptor file(openat(folder, temporary.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode & 0777));
+    if (!file) {
+        return false;
+    }
+    if (!writeAll(file.get(), text) || fsync(file.get()) != 0 ||
+        renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
+        const int error = errno;
+        unlinkat(folder, temporary.c_str(), 0);
+        errno = error;
+        return false;
+    }
+    return fsync(folder) == 0;
 }
 
 }  // namespace
@@ -116,7 +196,7 @@ StateDirectory StateDirectory::fromEnvironment() {
     return StateDirectory("/tmp/zvttvfactory-" + std::to_string(geteuid()), true);
 }
 
-Descriptor StateDirectory::openRoot() const {
+Opened StateDirectory::openRoot() const {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | (mInSharedFolder ? O_NOFOLLOW : 0);
     Descriptor root(::open(mPath.c_str(), flags));
     if (!root && errno == ENOENT) {
@@ -130,39 +210,58 @@ Descriptor StateDirectory::openRoot() const {
     }
     struct stat status {};
     if (!root || fstat(root.get(), &status) != 0) {
-        complainOnce(mPath, strerror(errno));
-        return Descriptor();
+        return failed(mPath);
     }
     if (mInSharedFolder && (status.st_uid != geteuid() || (status.st_mode & 077) != 0)) {
         complainOnce(mPath, "it belongs to another user or is open to others");
-        return Descriptor();
+        return {Descriptor(), kDenied};
     }
-    return root;
+    return {std::move(root), kOk};
 }
 
-Descriptor StateDirectory::openFolder(const std::string& name) const {
-    const Descriptor root = openRoot();
-    if (!root) {
-        return Descriptor();
+Opened StateDirectory::openFolder(const std::string& name) const {
+    Opened root = openRoot();
+    if (root.status != kOk || name.empty()) {
+        return root;
     }
     const auto open = [&] {
-        return Descriptor(openat(root.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+        return Descriptor(
+                openat(root.file.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
     };
     Descriptor folder = open();
-    bool lost = false;
     if (!folder && errno == ENOENT) {
         // A new one is put on the disk: what is written into it may be acknowledged before anything else is.
-        lost = mkdirat(root.get(), name.c_str(), kFolderMode) == 0 && fsync(root.get()) != 0;
+        if (mkdirat(root.file.get(), name.c_str(), kFolderMode) == 0 ? fsync(root.file.get()) != 0
+                                                                     : errno != EEXIST) {
+            return failed(mPath + "/" + name);
+        }
         folder = open();
     }
-    if (lost) {
-        complainOnce(mPath + "/" + name, "it does not reach the disk");
-        return Descriptor();
+    return folder ? Opened{std::move(folder), kOk} : failed(mPath + "/" + name);
+}
+
+void StateDirectory::claim() const {
+    Opened root = openRoot();
+    // Not at all for a folder that cannot be had: nothing is kept there.
+    if (root.status != kOk) {
+        return;
     }
-    if (!folder) {
-        complainOnce(mPath + "/" + name, strerror(errno));
+    if (flock(root.file.get(), LOCK_EX | LOCK_NB) == 0) {
+        root.file.release();
+        return;
     }
-    return folder;
+    if (errno != EWOULDBLOCK) {
+        fprintf(stderr, "board: %s cannot be locked, see that no other service uses it: %s\n", mPath.c_str(),
+                strerror(errno));
+        return;
+    }
+    const int holder = holderOf(root.file.get());
+    const std::string process = holder == 0 ? "" : " (process " + std::to_string(holder) + ")";
+    fprintf(stderr,
+            "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this one's "
+            "own\n",
+            process.c_str(), mPath.c_str());
+    exit(EXIT_FAILURE);
 }
 
 FileStamp::FileStamp(const struct stat& status)
@@ -180,95 +279,55 @@ bool FileStamp::operator==(const FileStamp& other) const {
            same(mModified, other.mModified) && same(mChanged, other.mChanged);
 }
 
-int32_t readFile(int folder, const std::string& name, size_t limit, std::string& text, struct stat* status) {
-    // Not to wait for the other end when it is a FIFO.
-    const Descriptor file(openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file) {
-        return errno == ENOENT ? kNotFound : errno == ELOOP ? kBadFile : kIoError;
-    }
-    struct stat found {};
-    if (fstat(file.get(), &found) != 0) {
-        return kIoError;
-    }
-    if (!S_ISREG(found.st_mode) || static_cast<uintmax_t>(found.st_size) > limit) {
-        return kBadFile;
-    }
-    if (status != nullptr) {
-        *status = found;
-    }
-    // It may grow while it is read, hence one byte more than its size, and more rounds.
-    text.clear();
-    size_t done = 0;
-    for (;;) {
-        text.resize(done + (done == 0 ? static_cast<size_t>(found.st_size) : 0) + 1);
-        const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
-        if (count < 0 && errno != EINTR) {
-            return kIoError;
-        }
-        if (count == 0) {
-            text.resize(done);
-            return kOk;
-        }
-        done += count < 0 ? 0 : static_cast<size_t>(count);
-        if (done > limit) {
-            return kBadFile;
-        }
-    }
+int32_t StateFolder::read(const std::string& file, size_t limit, std::string& content,
+                          struct stat* status) const {
+    const Opened folder = open();
+    return folder.status == kOk ? readOpened(folder.file.get(), file, limit, content, status) : folder.status;
 }
 
-int32_t replaceFile(int folder, const std::string& name, const std::string& text, mode_t mode) {
-    // A left-over of a writer that died is in the way of nobody but the exclusive open.
-    const std::string temporary = "." + name + ".tmp";
-    unlinkat(folder, temporary.c_str(), 0);
-    const Descriptor file(openat(folder, temporary.c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode & 0777));
-    if (!file) {
-        return kIoError;
-    }
-    if (!writeAll(file.get(), text) || fsync(file.get()) != 0 ||
-        renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
-        unlinkat(folder, temporary.c_str(), 0);
-        return kIoError;
-    }
-    return fsync(folder) == 0 ? kOk : kIoError;
-}
-
-int32_t createFile(int folder, const std::string& name, const std::string& text, mode_t mode) {
-    struct stat status {};
-    if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+/** Needs mWriting. */
+int32_t StateFolder::write(const Opened& folder, const std::string& file, const std::string& content,
+                           mode_t mode) {
+    if (replaceOpened(folder.file.get(), file, content, mode)) {
         return kOk;
     }
-    return replaceFile(folder, name, text, mode);
+    const int error = errno;
+    fprintf(stderr, "board: %s/%s/%s cannot be written: %s\n", mState.path().c_str(), mName.c_str(),
+            file.c_str(), strerror(error));
+    return statusOf(error);
 }
 
-FolderLock::FolderLock(int folder) : mFolder(folder), mStatus(kBusy) {
-    for (int waited = 0; waited <= kLockPatienceMilliseconds; waited += kLockPauseMilliseconds) {
-        if (flock(mFolder, LOCK_EX | LOCK_NB) == 0) {
-            mStatus = kOk;
-            return;
-        }
-        if (errno != EWOULDBLOCK && errno != EINTR) {
-            mStatus = kIoError;
-            return;
-        }
-        usleep(kLockPauseMilliseconds * 1000);
-    }
+int32_t StateFolder::replace(const std::string& file, const std::string& content, mode_t mode) {
+    const std::lock_guard<std::mutex> writing(mWriting);
+    const Opened folder = open();
+    return folder.status == kOk ? write(folder, file, content, mode) : folder.status;
 }
 
-FolderLock::~FolderLock() {
-    if (mStatus == kOk) {
-        flock(mFolder, LOCK_UN);
+int32_t StateFolder::create(const std::string& file, const std::string& content, mode_t mode) {
+    const std::lock_guard<std::mutex> writing(mWriting);
+    const Opened folder = open();
+    struct stat status {};
+    if (folder.status != kOk || fstatat(folder.file.get(), file.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return folder.status;
     }
+    return write(folder, file, content, mode);
 }
 
-int32_t replaceFile(const StateDirectory& state, const std::string& folder, const std::string& name,
-                    const std::string& text, mode_t mode) {
-    const Descriptor opened = state.openFolder(folder);
-    if (!opened) {
-        return kIoError;
+int32_t StateFolder::change(const std::string& file, size_t limit, mode_t mode,
+                            const std::function<int32_t(std::string& content)>& edit) {
+    const std::lock_guard<std::mutex> writing(mWriting);
+    const Opened folder = open();
+    if (folder.status != kOk) {
+        return folder.status;
     }
-    const FolderLock lock(opened.get());
-    return lock.status() == kOk ? replaceFile(opened.get(), name, text, mode) : lock.status();
+    std::string content;
+    struct stat status {};
+    const int32_t result = readOpened(folder.file.get(), file, limit, content, &status);
+    if (result != kOk && result != kNotFound) {
+        return result;
+    }
+    const int32_t edited = edit(content);
+    return edited == kOk ? write(folder, file, content, result == kOk ? status.st_mode : mode) : edited;
 }
 
 }  // namespace simulator

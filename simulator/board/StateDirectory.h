@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -37,11 +39,16 @@ class Descriptor {
     int mFd;
 };
 
+/** An open file or folder, or why there is none. */
+struct Opened {
+    Descriptor file;
+    /** kOk when file is open. */
+    int32_t status;
+};
+
 /**
- * The folder that stands for the board's flash.
- *
- * Every function may be called on any thread, and by several processes at once. The folder may be emptied or
- * removed while the board runs: nothing is kept open.
+ * The folder that stands for the board's flash. It may be emptied while the board runs: nothing in it is kept
+ * open. Any thread.
  */
 class StateDirectory {
   public:
@@ -54,25 +61,27 @@ class StateDirectory {
      */
     static StateDirectory fromEnvironment();
 
+    /** Opens a folder in it, or itself for an empty name; made when missing. The first failure of the process
+     * is said on standard error. */
+    Opened openFolder(const std::string& name) const;
+
     /**
-     * Opens the state folder, or a folder in it; made when missing. Empty when that fails, with the reason on
-     * standard error the first time.
+     * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
+     * another one has it: two services would overwrite what the other has acknowledged.
      */
-    Descriptor openRoot() const;
-    Descriptor openFolder(const std::string& name) const;
+    void claim() const;
 
     /** Absolute. */
     const std::string& path() const { return mPath; }
 
   private:
     StateDirectory(const std::string& path, bool inSharedFolder);
+    Opened openRoot() const;
 
     const std::string mPath;
     // Others may make a folder of our name first, so that its owner and mode are checked.
     const bool mInSharedFolder;
 };
-
-// Files in an open folder. Names are plain names, without a slash; symbolic links are never followed.
 
 /** What tells that a file has not been written since: replaced files change mInode, edited ones a time. */
 struct FileStamp {
@@ -87,42 +96,47 @@ struct FileStamp {
 };
 
 /**
- * Reads a whole file of the folder. Returns kOk, kNotFound, kBadFile (a link, not a plain file, more than
- * limit bytes) or kIoError. status, when not null, is the file's as it was before the first byte was read.
+ * The files that the board keeps in a folder of the state folder. Their names are plain names, without a
+ * slash; symbolic links are never followed.
+ *
+ * Writes come one after the other. On kOk the new content is on the disk; else, or when the process or the
+ * machine ends in between, the file is the old or the new one, never a mixture. A write that fails is said on
+ * standard error: kFull, kDenied (read only) or kIoError. Any thread.
  */
-int32_t readFile(int folder, const std::string& name, size_t limit, std::string& text, struct stat* status);
-
-/**
- * Replaces a file of the folder, or makes it with the given mode. On kOk the new content is on the disk; on
- * kIoError, or when the process or the machine ends in between, the file is either the old or the new one,
- * never a mixture. Callers that write the same file take turns (see FolderLock).
- */
-int32_t replaceFile(int folder, const std::string& name, const std::string& text, mode_t mode);
-
-/** As replaceFile, unless there is something of this name: then it is left alone, and the result is kOk. */
-int32_t createFile(int folder, const std::string& name, const std::string& text, mode_t mode);
-
-/**
- * Keeps everybody else who also takes it from writing into a folder. Meant between processes: threads had
- * better queue at a mutex first. Needs a descriptor of the folder that nobody else uses meanwhile.
- */
-class FolderLock {
+class StateFolder {
   public:
-    explicit FolderLock(int folder);
-    ~FolderLock();
-    FolderLock(const FolderLock&) = delete;
-    FolderLock& operator=(const FolderLock&) = delete;
+    /** An empty name stands for the state folder itself. */
+    StateFolder(const StateDirectory& state, std::string name) : mState(state), mName(std::move(name)) {}
 
-    /** kOk, or kBusy when somebody else has held it for five seconds, or kIoError. */
-    int32_t status() const { return mStatus; }
+    const std::string& name() const { return mName; }
+    Opened open() const { return mState.openFolder(mName); }
+
+    /**
+     * Reads a whole file. kNotFound, kBadFile (a link, not a plain file, more than limit bytes), or why it
+     * cannot be read. status, when not null, is the file's as it was before the first byte was read.
+     */
+    int32_t read(const std::string& file, size_t limit, std::string& content,
+                 struct stat* status = nullptr) const;
+
+    /** Replaces a file, or makes it. */
+    int32_t replace(const std::string& file, const std::string& content, mode_t mode);
+
+    /** As replace(), unless there is something of this name: then it is left alone, and the result is kOk. */
+    int32_t create(const std::string& file, const std::string& content, mode_t mode);
+
+    /**
+     * Replaces a file, which keeps its mode, by what edit makes of its content, an empty one when there is
+     * none. A status of edit's other than kOk, or one of read(), changes nothing.
+     */
+    int32_t change(const std::string& file, size_t limit, mode_t mode,
+                   const std::function<int32_t(std::string& content)>& edit);
 
   private:
-    int mFolder;
-    int32_t mStatus;
-};
+    int32_t write(const Opened& folder, const std::string& file, const std::string& content, mode_t mode);
 
-/** As replaceFile, in a folder of the state folder and with its FolderLock, whose statuses it may return. */
-int32_t replaceFile(const StateDirectory& state, const std::string& folder, const std::string& name,
-                    const std::string& text, mode_t mode);
+    const StateDirectory& mState;
+    const std::string mName;
+    std::mutex mWriting;  // held across a whole write
+};
 
 }  // namespace simulator

@@ -5,8 +5,8 @@
 #include <new>
 #include <string>
 
+#include "simulator/board/Board.h"
 #include "simulator/board/Identity.h"
-#include "simulator/board/StateDirectory.h"
 #include "simulator/board/Status.h"
 #include "simulator/modules/ChipLayer.h"
 #include "simulator/storage/Ips.h"
@@ -109,20 +109,12 @@ std::string ipDefaults() {
 }
 
 int32_t prepareState() {
-    const StateDirectory state = StateDirectory::fromEnvironment();
-    const Descriptor ini = state.openFolder("ini");
-    if (!ini) {
-        return kIoError;
-    }
+    StateFolder ini(boardState(), "ini");
     Identity identity;
-    int32_t result = readIdentity(state, &identity);
-    const FolderLock lock(ini.get());
-    if (lock.status() != kOk) {
-        return lock.status();
-    }
+    int32_t result = readIdentity(&identity);
     const std::string ips = ipDefaults();
     for (const DefaultFile& file : {kPanel, kPq, kTuner, DefaultFile{"ip.ini", ips.c_str()}}) {
-        const int32_t created = createFile(ini.get(), file.name, file.text, kFileMode);
+        const int32_t created = ini.create(file.name, file.text, kFileMode);
         result = result == kOk ? created : result;
     }
     return result;
@@ -139,8 +131,11 @@ int _a_zvttvfapi_custom_init() {
     }
 }
 
-/** $ZVTTV_DEBUG_LEVEL, an integer; 1 when absent, or when it is none, which is said on standard error. */
+/** $ZVTTV_DEBUG_LEVEL, an integer; 1 when absent, or when it is none, which is said on standard error. The
+ * first call of a service that starts: one whose board is another's ends here, before it is seen by anybody.
+ */
 int _a_zvttvfapi_custom_init_debug_level() {
+    boardState().claim();
     const char* text = getenv("ZVTTV_DEBUG_LEVEL");
     if (text == nullptr || text[0] == '\0') {
         return kDefaultDebugLevel;

@@ -202,7 +202,7 @@ int32_t a_zvttvfapi_disp_get_frc_device_info(fapi_core::ZvtTvFApiDispExtFrcDevic
         if (!frc().answers()) {
             return kBusy;
         }
-        const auto version = static_cast<uint32_t>(panel().settings()[Setting::FrcFirmware][0]);
+        const auto version = static_cast<uint32_t>(Settings(displaySettings())[Setting::FrcFirmware][0]);
         *pstInfo = {version, kChip, kRevision, static_cast<uint8_t>(frc().upgrading() ? 1 : 0)};
         return kOk;
     });

@@ -130,7 +130,7 @@ int32_t a_zvttvfapi_disptst_gen_test_pattern(unsigned int u32Pattern,
 int32_t a_zvttvfapi_disptst_gen_gop_test_pattern_by_bmp(unsigned char const* pu8Path, unsigned int u32X,
                                                         unsigned int u32Y) {
     return withPlane([=](Plane& plane) {
-        const Sandbox::Opened opened = boardFiles().openFile(text(pu8Path), O_RDONLY);
+        const Opened opened = boardFiles().openFile(text(pu8Path), O_RDONLY);
         return opened.status == kOk ? drawBmp(opened.file.get(), u32X, u32Y, plane.surface) : opened.status;
     });
 }

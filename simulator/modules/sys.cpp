@@ -1,6 +1,5 @@
 // Module sys: files, storage and keys, firmware, registers, and the control of the board.
 
-#include "simulator/board/Board.h"
 #include "simulator/board/BoardOrders.h"
 #include "simulator/board/ChipCall.h"
 #include "simulator/board/EventPipe.h"
@@ -10,7 +9,6 @@
 #include "simulator/storage/BootVariables.h"
 #include "simulator/storage/Emmc.h"
 #include "simulator/storage/Files.h"
-#include "simulator/storage/Sandbox.h"
 #include "simulator/storage/SecureStorage.h"
 #include "simulator/upgrade/FirmwareUpgrade.h"
 
@@ -24,7 +22,7 @@ constexpr unsigned short kMaxModulationKilohertz = 100;
 constexpr unsigned short kMaxDeviation = 300;  // 3 %
 
 SecureStorage& secureStorage() {
-    static SecureStorage& sStorage = *new SecureStorage(boardState());
+    static SecureStorage& sStorage = *new SecureStorage;
     return sStorage;
 }
 
@@ -41,7 +39,7 @@ Module& self() {
 }
 
 FirmwareUpgrade& firmware() {
-    static FirmwareUpgrade& sFirmware = *new FirmwareUpgrade(self(), boardFiles(), boardEmmc());
+    static FirmwareUpgrade& sFirmware = *new FirmwareUpgrade(self());
     return sFirmware;
 }
 
@@ -214,7 +212,7 @@ int32_t a_zvttvfapi_sys_set_emmc_env_var(unsigned char const* pu8Name, unsigned 
 }
 
 int32_t a_zvttvfapi_sys_update_sys_key(unsigned char const* pu8KeyPath, bool bReplace) {
-    return guarded([&] { return secureStorage().putSystemKey(boardFiles(), text(pu8KeyPath), bReplace); });
+    return guarded([&] { return secureStorage().putSystemKey(text(pu8KeyPath), bReplace); });
 }
 
 int32_t a_zvttvfapi_sys_secure_storage_encrypt_key(unsigned char const* pu8StorageName,
@@ -245,7 +243,7 @@ int32_t a_zvttvfapi_sys_get_customer_hash(unsigned int u32Size, unsigned char* p
         if (u32Size < kCustomerHashBytes) {
             return kTooLong;
         }
-        const int32_t status = customerHash(boardState(), pu8Hash);
+        const int32_t status = customerHash(pu8Hash);
         *pu32LengthRead = status == kOk ? kCustomerHashBytes : 0;
         return status;
     });

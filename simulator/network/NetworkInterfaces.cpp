@@ -7,7 +7,6 @@
 #include <iterator>
 #include <optional>
 
-#include "simulator/board/Board.h"
 #include "simulator/board/Identity.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Emmc.h"
@@ -62,7 +61,7 @@ std::string textOf(const Mac& mac) {
 /** The address of a board that none has been set on: of the local kind, the same after every start. */
 Mac deliveredMac() {
     Identity identity;
-    if (const int32_t status = readIdentity(boardState(), &identity); status != kOk) {
+    if (const int32_t status = readIdentity(&identity); status != kOk) {
         fprintf(stderr, "board: the serial number cannot be read (status %d)\n", status);
     }
     const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(identity.serial.data()),

@@ -10,7 +10,6 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
 #include "simulator/panel/Panel.h"
 #include "simulator/panel/PngFile.h"
@@ -28,8 +27,8 @@ bool climbs(const std::string& path) {
 }
 
 /** The storage is always plugged in. */
-int32_t plugIn(const Sandbox& sandbox) {
-    const Sandbox::Place place = sandbox.placeOf(kStorage);
+int32_t plugIn() {
+    const Sandbox::Place place = boardFiles().placeOf(kStorage);
     if (place.status != kOk) {
         return place.status;
     }
@@ -61,11 +60,10 @@ int32_t captureToUsb(const char* path, Seen seen) {
     if (climbs(path)) {
         return kBadName;
     }
-    const Sandbox sandbox(boardState());
-    if (const int32_t result = plugIn(sandbox); result != kOk) {
+    if (const int32_t result = plugIn(); result != kOk) {
         return result;
     }
-    const Sandbox::Place place = sandbox.placeOf((std::string(kStorage) + "/" + path).c_str());
+    const Sandbox::Place place = boardFiles().placeOf((std::string(kStorage) + "/" + path).c_str());
     if (place.status != kOk) {
         return place.status;
     }

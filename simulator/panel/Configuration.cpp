@@ -3,8 +3,8 @@
 #include <zlib.h>
 
 #include <charconv>
-#include <cstdio>
 
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/IniStore.h"
 
@@ -42,7 +42,7 @@ class Reader {
         if (status == kOk || status == kTooLong) {
             fault(parameter, "is longer than " + std::to_string(mostBytes) + " bytes");
         } else if (status != kNotFound && mStatus == kOk) {
-            fprintf(stderr, "board: %s.ini cannot be read (status %d)\n", mFile, status);
+            say("cannot be read (status " + std::to_string(status) + ")");
             mStatus = status;
         }
         return false;
@@ -65,11 +65,22 @@ class Reader {
     }
 
     void fault(const std::string& parameter, const std::string& what) {
-        fprintf(stderr, "board: %s.ini: %s %s\n", mFile, parameter.c_str(), what.c_str());
+        say(parameter + " " + what);
         mStatus = kBadFile;
     }
 
+    /** Nothing was wrong, unless it has been said. */
+    int32_t end() {
+        if (mStatus == kOk) {
+            tellFaults(name(), {});
+        }
+        return mStatus;
+    }
+
   private:
+    std::string name() const { return std::string("ini/") + mFile + ".ini"; }
+    void say(const std::string& fault) const { tellFaults(name(), {fault}); }
+
     const char* const mFile;
     int32_t mStatus = kOk;
 };
@@ -109,7 +120,7 @@ int32_t loadDriverParameters(DriverParameters* parameters) {
     if (ini.status() == kOk) {
         *parameters = found;
     }
-    return ini.status();
+    return ini.end();
 }
 
 int32_t loadPqData(PqData* data) {
@@ -136,7 +147,7 @@ int32_t loadPqData(PqData* data) {
     if (ini.status() == kOk) {
         *data = found;
     }
-    return ini.status();
+    return ini.end();
 }
 
 }  // namespace simulator

@@ -23,24 +23,16 @@ std::string versionText(int64_t version) {
 
 Panel::Panel() {
     // Whatever is wrong has been said, and the set starts all the same.
-    loadSettings(&mSettings);
+    displaySettings();
     loadDriverParameters(&mDriver);
     loadPqData(&mPqData);
 }
 
 int32_t Panel::reloadDriver() {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Settings settings;
-    DriverParameters driver;
-    if (const int32_t result = loadSettings(&settings); result != kOk) {
-        return result;
-    }
-    if (const int32_t result = loadDriverParameters(&driver); result != kOk) {
-        return result;
-    }
-    mSettings = std::move(settings);
-    mDriver = std::move(driver);
-    return kOk;
+    const int32_t result = displaySettings().load();
+    const int32_t driver = loadDriverParameters(&mDriver);
+    return result != kOk ? result : driver;
 }
 
 int32_t Panel::reloadPq() {
@@ -49,8 +41,11 @@ int32_t Panel::reloadPq() {
 }
 
 int32_t Panel::change(const std::vector<Change>& changes) {
-    const std::lock_guard<std::mutex> lock(mMutex);
-    return changeSettings(&mSettings, changes);
+    std::vector<std::pair<size_t, Settings::Values>> groups;
+    for (const auto& [setting, values] : changes) {
+        groups.emplace_back(static_cast<size_t>(setting), values);
+    }
+    return displaySettings().set(groups);
 }
 
 Setting Panel::pictureSetting() const {
@@ -59,17 +54,17 @@ Setting Panel::pictureSetting() const {
 
 int32_t Panel::changePicture(size_t parameter, int64_t value) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Settings::Values values = mSettings[pictureSetting()];
+    Settings::Values values = Settings(displaySettings())[pictureSetting()];
     if (parameter >= values.size()) {
         return kOutOfRange;
     }
     values[parameter] = value;
-    return changeSettings(&mSettings, {{pictureSetting(), values}});
+    return change({{pictureSetting(), values}});
 }
 
 int32_t Panel::changePicture(const Settings::Values& parameters) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return changeSettings(&mSettings, {{pictureSetting(), parameters}});
+    return change({{pictureSetting(), parameters}});
 }
 
 int32_t Panel::checkPq(const Settings::Values& items) const {
@@ -84,7 +79,7 @@ int32_t Panel::checkPq(const Settings::Values& items) const {
 int32_t Panel::changePq(const Settings::Values& items) {
     const std::lock_guard<std::mutex> lock(mMutex);
     const int32_t result = checkPq(items);
-    return result == kOk ? changeSettings(&mSettings, {{Setting::Pq, items}}) : result;
+    return result == kOk ? change({{Setting::Pq, items}}) : result;
 }
 
 int32_t Panel::changePqItem(size_t item, int64_t value) {
@@ -95,12 +90,7 @@ int32_t Panel::changePqItem(size_t item, int64_t value) {
     }
     items[item] = value;
     const int32_t result = checkPq(items);
-    return result == kOk ? changeSettings(&mSettings, {{Setting::Pq, items}}) : result;
-}
-
-Settings Panel::settings() const {
-    const std::lock_guard<std::mutex> lock(mMutex);
-    return mSettings;
+    return result == kOk ? change({{Setting::Pq, items}}) : result;
 }
 
 DriverParameters Panel::driver() const {
@@ -115,12 +105,11 @@ PqData Panel::pqData() const {
 
 /** With the PQ items within the ranges of pq.ini, which may be narrower than when they were set. */
 Settings Panel::seenSettings() const {
-    Settings seen = mSettings;
-    Settings::Values items = seen[Setting::Pq];
+    Settings seen(displaySettings());
+    Settings::Values& items = seen[Setting::Pq];
     for (size_t axis = 0; axis < std::size(mPqData.range); ++axis) {
         items[axis] = std::clamp<int64_t>(items[axis], mPqData.range[axis][0], mPqData.range[axis][1]);
     }
-    seen.set(Setting::Pq, items);
     return seen;
 }
 

@@ -39,7 +39,6 @@ class Panel {
     int32_t changePq(const Settings::Values& items);
     int32_t changePqItem(size_t item, int64_t value);
 
-    Settings settings() const;
     DriverParameters driver() const;
     PqData pqData() const;
 
@@ -64,7 +63,6 @@ class Panel {
 
     mutable std::mutex mMutex;
     // All below guarded by mMutex.
-    Settings mSettings;
     DriverParameters mDriver;
     PqData mPqData;
     Layers mLayers;

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <string>
-#include <utility>
+#include <cstddef>
 #include <vector>
+
+#include "simulator/storage/KeptNumbers.h"
 
 namespace simulator {
 
@@ -42,7 +41,6 @@ enum class Setting {
     GammaBlue,
     FrcFirmware,  // its version
 };
-constexpr unsigned kSettings = 12;
 
 struct Timing {
     unsigned width;
@@ -53,41 +51,21 @@ struct Timing {
 constexpr Timing kTimings[] = {
         {3840, 2160, 60}, {3840, 2160, 50}, {1920, 1080, 60}, {1920, 1080, 50}, {1920, 1080, 120}};
 
+/** All of them at one moment. */
 class Settings {
   public:
-    using Values = std::vector<int64_t>;
+    using Values = KeptNumbers::Values;
 
-    /** As the set leaves the factory. */
-    Settings();
+    explicit Settings(const KeptNumbers& kept) : mValues(*kept.get()) {}
 
+    Values& operator[](Setting setting) { return mValues[static_cast<size_t>(setting)]; }
     const Values& operator[](Setting setting) const { return mValues[static_cast<size_t>(setting)]; }
 
-    /** kOutOfRange, and no change, when it takes another number of values or one of them is out of range. */
-    int32_t set(Setting setting, const Values& values);
-
-    /** As a file: a line for each setting, its name, an equals sign, its values. */
-    std::string text() const;
-
-    /** The settings of a file; those without a line keep their values. Returns what is wrong with it, or
-     * nothing. */
-    std::string read(const std::string& text);
-
   private:
-    std::array<Values, kSettings> mValues;
+    std::vector<Values> mValues;
 };
 
-/**
- * Reads the settings from display/settings.txt in the state folder. kOk without such a file too: then they
- * are those of the factory. kBadFile (what is wrong with it is said on standard error), kIoError: they stay
- * as they are.
- */
-int32_t loadSettings(Settings* settings);
-
-/**
- * Reads the file anew, changes some settings in it and here, and writes it: on kOk all of them are on the
- * disk. kOutOfRange, kBadFile, kBusy, kIoError: nothing has changed here, nor there, except that after
- * kIoError the change may not survive a power cut.
- */
-int32_t changeSettings(Settings* settings, const std::vector<std::pair<Setting, Settings::Values>>& changes);
+/** Where they are kept, each a group; made on first use, never destroyed. */
+KeptNumbers& displaySettings();
 
 }  // namespace simulator

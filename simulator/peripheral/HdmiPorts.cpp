@@ -1,7 +1,5 @@
 #include "simulator/peripheral/HdmiPorts.h"
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -9,7 +7,11 @@
 #include <cstdio>
 #include <cstring>
 
+#include "simulator/board/Board.h"
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/Files.h"
+#include "simulator/storage/IniStore.h"
 
 namespace simulator {
 namespace {
@@ -18,6 +20,7 @@ constexpr const char* kEdidFolder = "hdmi";
 constexpr const char* kKeyFolder = "hdcp";
 constexpr const char* kIniFile = "prphrl";
 constexpr int kDefaultVersion = 1;
+constexpr mode_t kFileMode = 0600;
 
 struct KeyType {
     const char* name;
@@ -78,35 +81,19 @@ bool isVersion(int version) {
     return version >= 0 && version < HdmiPorts::kVersions;
 }
 
-int32_t store(const StateDirectory& state, const char* folderName, const std::string& file,
-              const std::string& content) {
-    const Descriptor folder = state.openFolder(folderName);
-    if (!folder) {
-        return kIoError;
-    }
-    const FolderLock lock(folder.get());
-    return lock.status() == kOk ? replaceFile(folder.get(), file, content, 0600) : lock.status();
-}
-
-int32_t load(const StateDirectory& state, const char* folderName, const std::string& file, size_t limit,
-             std::string* content) {
-    const Descriptor folder = state.openFolder(folderName);
-    return folder ? readFile(folder.get(), file, limit, *content, nullptr) : kIoError;
-}
-
 }  // namespace
+
+HdmiPorts::HdmiPorts(Report report)
+    : mEdids(boardState(), kEdidFolder), mKeys(boardState(), kKeyFolder), mReport(std::move(report)) {}
 
 int HdmiPorts::chosenVersion(unsigned port) const {
     char value[8];
-    const int32_t status = mIni.get(kIniFile, versionParameter(port).c_str(), value, sizeof(value));
-    if (status == kOk && strlen(value) == 1 && isVersion(value[0] - '0')) {
-        return value[0] - '0';
-    }
-    if (status != kNotFound) {
-        fprintf(stderr, "board: prphrl.ini: %s is not 0 or 1 (%d): taken as %d\n",
-                versionParameter(port).c_str(), status, kDefaultVersion);
-    }
-    return kDefaultVersion;
+    const int32_t status = boardIni().get(kIniFile, versionParameter(port).c_str(), value, sizeof(value));
+    const bool good = status == kOk && strlen(value) == 1 && isVersion(value[0] - '0');
+    tellFaults("ini/prphrl.ini, " + versionParameter(port),
+               good || status == kNotFound ? std::vector<std::string>()
+                                           : std::vector<std::string>{"it is not 0 or 1, and taken as 1"});
+    return good ? value[0] - '0' : kDefaultVersion;
 }
 
 void HdmiPorts::reset() {
@@ -122,7 +109,7 @@ int32_t HdmiPorts::edid(unsigned port, Edid* edid) const {
     }
     const int version = chosenVersion(port);
     std::string content;
-    const int32_t status = load(mState, kEdidFolder, edidFile(port, version), kEdidBytes, &content);
+    const int32_t status = mEdids.read(edidFile(port, version), kEdidBytes, content);
     if (status == kNotFound) {
         *edid = makeEdid(port, version == 1);
         return kOk;
@@ -150,15 +137,15 @@ int32_t HdmiPorts::replaceEdid(unsigned port, int version, size_t count, const u
         return kBadData;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    return store(mState, kEdidFolder, edidFile(port, version),
-                 std::string(reinterpret_cast<const char*>(bytes), count));
+    return mEdids.replace(edidFile(port, version), std::string(reinterpret_cast<const char*>(bytes), count),
+                          kFileMode);
 }
 
 int32_t HdmiPorts::chooseEdid(unsigned port, int version) {
     if (!isPort(port) || !isVersion(version)) {
         return kOutOfRange;
     }
-    return mIni.set(kIniFile, versionParameter(port).c_str(), std::to_string(version).c_str());
+    return boardIni().set(kIniFile, versionParameter(port).c_str(), std::to_string(version).c_str());
 }
 
 template <typename Change>
@@ -190,28 +177,22 @@ int32_t HdmiPorts::installKey(const std::string& type, const char* path) {
     if (known == nullptr) {
         return kBadName;
     }
-    const Sandbox::Opened opened = mSandbox.openFile(path, O_RDONLY);
-    if (opened.status != kOk) {
-        return opened.status;
+    std::string content;
+    const int32_t status = files::load(path, known->bytes, &content);
+    if (status != kOk && status != kTooLong) {
+        return status;
     }
-    // One byte more than a key, so that a longer file shows.
-    std::string content(known->bytes + 1, '\0');
-    const ssize_t count = pread(opened.file.get(), content.data(), content.size(), 0);
-    if (count < 0) {
-        return kIoError;
-    }
-    content.resize(static_cast<size_t>(count));
-    if (!isKey(*known, content)) {
+    if (status == kTooLong || !isKey(*known, content)) {
         return kBadData;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    return store(mState, kKeyFolder, keyFile(*known), content);
+    return mKeys.replace(keyFile(*known), content, kFileMode);
 }
 
 const char* HdmiPorts::bestKey() const {
     for (const KeyType& type : kKeyTypes) {
         std::string content;
-        const int32_t status = load(mState, kKeyFolder, keyFile(type), type.bytes, &content);
+        const int32_t status = mKeys.read(keyFile(type), type.bytes, content);
         if (status == kOk && isKey(type, content)) {
             return type.name;
         }

@@ -4,9 +4,8 @@
 #include <mutex>
 #include <string>
 
+#include "simulator/board/StateDirectory.h"
 #include "simulator/peripheral/Edid.h"
-#include "simulator/storage/IniStore.h"
-#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 
@@ -26,8 +25,7 @@ class HdmiPorts {
     /** Told, with a lock held, that a source has found the port or has lost it. */
     using Report = std::function<void(unsigned port, bool up)>;
 
-    HdmiPorts(const StateDirectory& state, IniStore& ini, Report report)
-        : mState(state), mIni(ini), mSandbox(state), mReport(std::move(report)) {}
+    explicit HdmiPorts(Report report);
 
     /** Puts back as at the start what is not kept. */
     void reset();
@@ -77,9 +75,8 @@ class HdmiPorts {
     template <typename Change>
     int32_t changePort(unsigned port, Change change);
 
-    const StateDirectory& mState;
-    IniStore& mIni;
-    const Sandbox mSandbox;
+    StateFolder mEdids;
+    StateFolder mKeys;
     const Report mReport;
 
     mutable std::mutex mMutex;

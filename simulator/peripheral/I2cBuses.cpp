@@ -4,6 +4,7 @@
 #include <cstring>
 #include <thread>
 
+#include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -16,8 +17,6 @@ constexpr std::chrono::nanoseconds kByteTime{9 * 2500};
 
 class Eeprom : public I2cDevice {
   public:
-    explicit Eeprom(const StateDirectory& state) : mState(state) {}
-
     void reset() override { mPlace = 0; }
 
     int32_t write(const std::string& bytes) override {
@@ -26,18 +25,13 @@ class Eeprom : public I2cDevice {
             return kOutOfRange;
         }
         if (bytes.size() > 1) {
-            const Descriptor folder = mState.openFolder(kFolder);
-            if (!folder) {
-                return kIoError;
-            }
-            const FolderLock lock(folder.get());
-            std::string content;
-            int32_t status = lock.status();
-            status = status == kOk ? load(folder.get(), content) : status;
-            if (status == kOk) {
+            const int32_t status = mFolder.change(kFile, kBytes, 0600, [&](std::string& content) {
+                if (!fill(content)) {
+                    return kBadFile;
+                }
                 content.replace(place, bytes.size() - 1, bytes, 1);
-                status = replaceFile(folder.get(), kFile, content, 0600);
-            }
+                return kOk;
+            });
             if (status != kOk) {
                 return status;
             }
@@ -47,11 +41,13 @@ class Eeprom : public I2cDevice {
     }
 
     int32_t read(unsigned char* bytes, size_t count) override {
-        const Descriptor folder = mState.openFolder(kFolder);
         std::string content;
-        const int32_t status = folder ? load(folder.get(), content) : kIoError;
-        if (status != kOk) {
+        const int32_t status = mFolder.read(kFile, kBytes, content);
+        if (status != kOk && status != kNotFound) {
             return status;
+        }
+        if (!fill(content)) {
+            return kBadFile;
         }
         for (size_t i = 0; i < count; ++i) {
             bytes[i] = static_cast<unsigned char>(content[(mPlace + i) % kBytes]);
@@ -65,16 +61,13 @@ class Eeprom : public I2cDevice {
     static constexpr const char* kFile = "eeprom.bin";
     static constexpr size_t kBytes = 256;
 
-    static int32_t load(int folder, std::string& content) {
-        const int32_t status = readFile(folder, kFile, kBytes, content, nullptr);
-        if (status == kNotFound) {
-            content.assign(kBytes, '\xff');
-            return kOk;
-        }
-        return status == kOk && content.size() != kBytes ? kBadFile : status;
+    /** A file that there is not is as a new one; false for one of another size. */
+    static bool fill(std::string& content) {
+        content = content.empty() ? std::string(kBytes, '\xff') : std::move(content);
+        return content.size() == kBytes;
     }
 
-    const StateDirectory& mState;
+    StateFolder mFolder{boardState(), kFolder};
     size_t mPlace = 0;
 };
 
@@ -121,8 +114,8 @@ class RegisterDevice : public I2cDevice {
 
 }  // namespace
 
-I2cBuses::I2cBuses(const StateDirectory& state)
-    : mDevices{{0, 0x50, kEeprom, std::make_unique<Eeprom>(state)},
+I2cBuses::I2cBuses()
+    : mDevices{{0, 0x50, kEeprom, std::make_unique<Eeprom>()},
                {0, 0x2c, kRegisters, std::make_unique<RegisterDevice>()},
                {1, 0x2c, kRegisters, std::make_unique<RegisterDevice>()}} {
     reset();

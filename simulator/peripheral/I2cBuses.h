@@ -5,8 +5,6 @@
 #include <mutex>
 #include <string>
 
-#include "simulator/board/StateDirectory.h"
-
 namespace simulator {
 
 /** A device on a bus. Its bus lets one transfer after another through. */
@@ -41,7 +39,7 @@ class I2cBuses {
     static constexpr unsigned kPorts = 4;
     enum Device { kEeprom = 0, kRegisters = 1 };
 
-    explicit I2cBuses(const StateDirectory& state);
+    I2cBuses();
     ~I2cBuses();
 
     /** Turns all devices off and on, and enables all ports. */

@@ -1,9 +1,9 @@
 #include "simulator/peripheral/Peripherals.h"
 
-#include "simulator/board/Board.h"
 #include "simulator/board/DriveOrders.h"
 #include "simulator/board/Events.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/IniStore.h"
 
 namespace simulator {
 namespace {
@@ -134,10 +134,8 @@ Peripherals::Peripherals()
             [this](unsigned channel, unsigned value) {
                 dispatcher.raise(module, kPrphrlAdc, records(channel, "", value));
             }}),
-      buses(boardState()),
-      hdmi(boardState(), boardIni(),
-           [this](unsigned port, bool up) { dispatcher.raise(module, kPrphrlHdmi, records(port, "", up)); }),
-      serial(boardState(), [this](SerialPorts::Uart uart, int port, const std::string& bytes) {
+      hdmi([this](unsigned port, bool up) { dispatcher.raise(module, kPrphrlHdmi, records(port, "", up)); }),
+      serial([this](SerialPorts::Uart uart, int port, const std::string& bytes) {
           Module::Payload payload;
           payload.objects[0].u32Value = static_cast<uint32_t>(port);
           payload.objects[0].vecValue.assign(bytes.begin(), bytes.end());

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <vector>
 
+#include "simulator/board/Board.h"
+#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -23,15 +25,13 @@ std::string portName(int port) {
 }
 
 bool isPipeName(const std::string& name) {
-    return !name.empty() && name.size() <= kMaxPipeName &&
-           name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-") ==
-                   std::string::npos;
+    return isName(name, kMaxPipeName, "_-");
 }
 
 }  // namespace
 
-SerialPorts::SerialPorts(const StateDirectory& state, Report report)
-    : mState(state), mReport(std::move(report)), mWake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+SerialPorts::SerialPorts(Report report)
+    : mReport(std::move(report)), mWake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 int32_t SerialPorts::open() {
     const std::lock_guard<std::mutex> lifecycle(mLifecycle);
@@ -326,22 +326,23 @@ void SerialPorts::forward(int to, const std::string& bytes) {
 }
 
 void SerialPorts::publish(const std::string& name, const std::string& target) const {
-    const Descriptor folder = mState.openFolder(kFolder);
+    const Opened opened = boardState().openFolder(kFolder);
+    const int folder = opened.file.get();
     const std::string temporary = "." + name + ".tmp";
-    if (folder) {
-        unlinkat(folder.get(), temporary.c_str(), 0);
+    if (opened.status == kOk) {
+        unlinkat(folder, temporary.c_str(), 0);
     }
-    if (!folder || symlinkat(target.c_str(), folder.get(), temporary.c_str()) != 0 ||
-        renameat(folder.get(), temporary.c_str(), folder.get(), name.c_str()) != 0) {
+    if (opened.status != kOk || symlinkat(target.c_str(), folder, temporary.c_str()) != 0 ||
+        renameat(folder, temporary.c_str(), folder, name.c_str()) != 0) {
         fprintf(stderr, "board: serial port %s is not linked in %s/%s: %s\n", target.c_str(),
-                mState.path().c_str(), kFolder, strerror(errno));
+                boardState().path().c_str(), kFolder, strerror(errno));
     }
 }
 
 void SerialPorts::withdraw(const std::string& name) const {
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (folder && unlinkat(folder.get(), name.c_str(), 0) != 0 && errno != ENOENT) {
-        fprintf(stderr, "board: %s/%s/%s cannot be removed: %s\n", mState.path().c_str(), kFolder,
+    const Opened folder = boardState().openFolder(kFolder);
+    if (folder.status == kOk && unlinkat(folder.file.get(), name.c_str(), 0) != 0 && errno != ENOENT) {
+        fprintf(stderr, "board: %s/%s/%s cannot be removed: %s\n", boardState().path().c_str(), kFolder,
                 name.c_str(), strerror(errno));
     }
 }

@@ -34,7 +34,7 @@ class SerialPorts {
      */
     using Report = std::function<void(Uart uart, int port, const std::string& bytes)>;
 
-    SerialPorts(const StateDirectory& state, Report report);
+    explicit SerialPorts(Report report);
     ~SerialPorts() { close(); }
 
     /** Makes the ports. kIoError: the system gives no pseudo-terminals, which is said on standard error. */
@@ -91,7 +91,6 @@ class SerialPorts {
     void withdraw(const std::string& name) const;
     void wake() const;
 
-    const StateDirectory& mState;
     const Report mReport;
     const Descriptor mWake;
     std::mutex mLifecycle;  // of open() and close(); taken before mMutex

@@ -60,13 +60,8 @@ int32_t dataIndexPath(unsigned char* buffer, size_t size) {
     int32_t status = boardEmmc().get(kDataIndexVariable, path, sizeof(path));
     if (status == kNotFound) {
         strcpy(path, kDataIndexPath);
-        const Descriptor folder = boardState().openFolder("files");
-        if (!folder) {
-            return kIoError;
-        }
-        const FolderLock lock(folder.get());
-        status = lock.status() == kOk ? createFile(folder.get(), kDataIndexPath + 1, kDataIndex, 0644)
-                                      : lock.status();
+        static StateFolder& sFiles = *new StateFolder(boardState(), "files");
+        status = sFiles.create(kDataIndexPath + 1, kDataIndex, 0644);
     }
     if (status != kOk) {
         return status;

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Sandbox.h"
 
@@ -26,11 +27,7 @@ std::string fileOf(const EmmcArea& area) {
 }
 
 bool goodName(const char* name) {
-    const std::string_view view(name, strnlen(name, Emmc::kMaxNameBytes + 1));
-    return !view.empty() && view.size() <= Emmc::kMaxNameBytes &&
-           view.find_first_not_of(
-                   "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                   "0123456789._-") == std::string_view::npos;
+    return isName({name, strnlen(name, Emmc::kMaxNameBytes + 1)}, Emmc::kMaxNameBytes, "._-");
 }
 
 /** Where the variable's line begins, and what follows it; npos when there is none. */
@@ -50,6 +47,8 @@ Line findVariable(const std::string& text, const std::string& name) {
 }
 
 }  // namespace
+
+Emmc::Emmc() : mFolder(boardState(), kFolder) {}
 
 const EmmcArea* Emmc::findArea(const char* name) {
     for (const EmmcArea& area : kEmmcAreas) {
@@ -71,12 +70,12 @@ int32_t Emmc::read(const char* name, uint32_t offset, uint32_t length, unsigned 
     if (uint64_t{offset} + length > area->size) {
         return kOutOfRange;
     }
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (!folder) {
-        return kIoError;
+    const Opened folder = mFolder.open();
+    if (folder.status != kOk) {
+        return folder.status;
     }
     const Descriptor file(
-            openat(folder.get(), fileOf(*area).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            openat(folder.file.get(), fileOf(*area).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     size_t count = 0;
     if (!file && errno != ENOENT) {
         return statusOf(errno);
@@ -84,27 +83,6 @@ int32_t Emmc::read(const char* name, uint32_t offset, uint32_t length, unsigned 
     const int32_t status = file ? readAt(file.get(), data, length, offset, &count) : kOk;
     memset(data + count, 0, length - count);
     return status;
-}
-
-/** Replaces a file by what change makes of its content, one writer at a time. */
-template <typename Change>
-int32_t Emmc::change(const std::string& file, size_t limit, Change change) {
-    const std::lock_guard<std::mutex> writing(mWriting);
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (!folder) {
-        return kIoError;
-    }
-    const FolderLock lock(folder.get());
-    if (lock.status() != kOk) {
-        return lock.status();
-    }
-    std::string content;
-    int32_t status = readFile(folder.get(), file, limit, content, nullptr);
-    if (status != kOk && status != kNotFound) {
-        return status;
-    }
-    status = change(content);
-    return status == kOk ? replaceFile(folder.get(), file, content, kMode) : status;
 }
 
 int32_t Emmc::write(const char* name, uint32_t offset, uint32_t length, const unsigned char* data) {
@@ -121,7 +99,7 @@ int32_t Emmc::write(const char* name, uint32_t offset, uint32_t length, const un
     if (uint64_t{offset} + length > area->size) {
         return kOutOfRange;
     }
-    return change(fileOf(*area), area->size, [&](std::string& content) {
+    return mFolder.change(fileOf(*area), area->size, kMode, [&](std::string& content) {
         content.resize(std::max<size_t>(content.size(), size_t{offset} + length));
         memcpy(content.data() + offset, data, length);
         return kOk;
@@ -132,10 +110,7 @@ int32_t Emmc::replace(const EmmcArea& area, const std::string& content) {
     if (content.size() > area.size) {
         return kOutOfRange;
     }
-    return change(fileOf(area), area.size, [&](std::string& old) {
-        old = content;
-        return kOk;
-    });
+    return mFolder.replace(fileOf(area), content, kMode);
 }
 
 int32_t Emmc::get(const char* name, char* buffer, size_t size) const {
@@ -149,12 +124,8 @@ int32_t Emmc::get(const char* name, char* buffer, size_t size) const {
     if (!goodName(name)) {
         return kBadName;
     }
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (!folder) {
-        return kIoError;
-    }
     std::string text;
-    const int32_t status = readFile(folder.get(), kEnvironmentFile, kEnvironmentBytes, text, nullptr);
+    const int32_t status = mFolder.read(kEnvironmentFile, kEnvironmentBytes, text);
     if (status != kOk) {
         return status;
     }
@@ -184,7 +155,7 @@ int32_t Emmc::set(const char* name, const char* value) {
     if (text.size() > kMaxValueBytes || text.find_first_of("\r\n") != std::string::npos) {
         return kOutOfRange;
     }
-    return change(kEnvironmentFile, kEnvironmentBytes, [&](std::string& content) {
+    return mFolder.change(kEnvironmentFile, kEnvironmentBytes, kMode, [&](std::string& content) {
         if (!content.empty() && content.back() != '\n') {
             content += '\n';
         }
@@ -200,13 +171,9 @@ int32_t Emmc::set(const char* name, const char* value) {
 }
 
 std::string Emmc::describe() const {
-    const Descriptor folder = mState.openFolder(kFolder);
     std::string text;
-    if (!folder) {
-        return "emmc: cannot be read\n";
-    }
     std::string content;
-    if (readFile(folder.get(), kEnvironmentFile, kEnvironmentBytes, content, nullptr) == kOk) {
+    if (mFolder.read(kEnvironmentFile, kEnvironmentBytes, content) == kOk) {
         for (size_t begin = 0; begin < content.size();) {
             const size_t next = std::min(content.find('\n', begin), content.size() - 1) + 1;
             text += "env " + content.substr(begin, next - begin);
@@ -215,7 +182,7 @@ std::string Emmc::describe() const {
         text += text.empty() || text.back() == '\n' ? "" : "\n";
     }
     for (const EmmcArea& area : kEmmcAreas) {
-        const int32_t status = readFile(folder.get(), fileOf(area), area.size, content, nullptr);
+        const int32_t status = mFolder.read(fileOf(area), area.size, content);
         char line[160];
         if (status == kOk) {
             const uLong crc = crc32(crc32(0, nullptr, 0), reinterpret_cast<const Bytef*>(content.data()),
@@ -232,7 +199,7 @@ std::string Emmc::describe() const {
 }
 
 Emmc& boardEmmc() {
-    static Emmc& sEmmc = *new Emmc(boardState());
+    static Emmc& sEmmc = *new Emmc;
     return sEmmc;
 }
 

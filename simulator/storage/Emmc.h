@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <string>
 
 #include "simulator/board/StateDirectory.h"
@@ -31,7 +30,7 @@ constexpr EmmcArea kEmmcAreas[] = {
 /**
  * The board's storage beside its file system: named areas and environment variables, in the folder emmc/ of
  * the state folder. What a write has acknowledged is on the disk; one that is cut off, however little of an
- * area it writes, has happened whole or not at all. Any thread, and several processes.
+ * area it writes, has happened whole or not at all. Any thread.
  */
 class Emmc {
   public:
@@ -40,7 +39,7 @@ class Emmc {
     /** All variables together. */
     static constexpr size_t kEnvironmentBytes = 64 * 1024;
 
-    explicit Emmc(const StateDirectory& state) : mState(state) {}
+    Emmc();
 
     /** The area of that name, or null. */
     static const EmmcArea* findArea(const char* name);
@@ -63,12 +62,7 @@ class Emmc {
     std::string describe() const;
 
   private:
-    template <typename Change>
-    int32_t change(const std::string& file, size_t limit, Change change);
-
-    const StateDirectory& mState;
-    // Held by one writer of this process at a time, across the whole write.
-    std::mutex mWriting;
+    StateFolder mFolder;
 };
 
 /** The board's own; made on first use, never destroyed. */

@@ -97,7 +97,7 @@ int32_t read(const char* path, unsigned char* data, size_t length, uint64_t offs
         return kOutOfRange;
     }
     *count = 0;
-    const Sandbox::Opened opened = boardFiles().openFile(path, O_RDONLY);
+    const Opened opened = boardFiles().openFile(path, O_RDONLY);
     if (opened.status != kOk) {
         return opened.status;
     }
@@ -108,7 +108,7 @@ int32_t read(const char* path, unsigned char* data, size_t length, uint64_t offs
 }
 
 int32_t load(const char* path, size_t limit, std::string* content) {
-    const Sandbox::Opened opened = boardFiles().openFile(path, O_RDONLY);
+    const Opened opened = boardFiles().openFile(path, O_RDONLY);
     struct stat status {};
     if (opened.status != kOk) {
         return opened.status;
@@ -141,7 +141,7 @@ int32_t write(const char* path, const unsigned char* data, size_t length, const 
     // One write after the other, so that two at once leave the one or the other, not a mixture.
     static std::mutex& sWriting = *new std::mutex;
     const std::lock_guard<std::mutex> writing(sWriting);
-    const Sandbox::Opened opened = boardFiles().openFile(path, O_WRONLY | mode->flags, kFileMode);
+    const Opened opened = boardFiles().openFile(path, O_WRONLY | mode->flags, kFileMode);
     if (opened.status != kOk) {
         return opened.status;
     }
@@ -163,7 +163,7 @@ int32_t readLine(const char* path, unsigned char* data, size_t length, uint64_t 
         return kOutOfRange;
     }
     data[0] = '\0';
-    const Sandbox::Opened opened = boardFiles().openFile(path, O_RDONLY);
+    const Opened opened = boardFiles().openFile(path, O_RDONLY);
     if (opened.status != kOk) {
         return opened.status;
     }
@@ -196,7 +196,7 @@ int32_t readLine(const char* path, unsigned char* data, size_t length, uint64_t 
 
 int32_t copy(const char* from, const char* to, bool replace) {
     static std::atomic<unsigned> sNumber{0};
-    const Sandbox::Opened source = boardFiles().open(from, O_RDONLY);
+    const Opened source = boardFiles().open(from, O_RDONLY);
     if (source.status != kOk) {
         return source.status;
     }
@@ -234,7 +234,7 @@ int32_t setMode(const char* path, unsigned mode) {
         return kOutOfRange;
     }
     // The place alone, so that a file whose mode forbids reading can be given another.
-    const Sandbox::Opened opened = boardFiles().open(path, O_PATH);
+    const Opened opened = boardFiles().open(path, O_PATH);
     struct stat status {};
     if (opened.status != kOk) {
         return opened.status;
@@ -257,7 +257,7 @@ int32_t checksum(const char* path, unsigned* result) {
     if (result == nullptr) {
         return kOutOfRange;
     }
-    const Sandbox::Opened opened = boardFiles().openFile(path, O_RDONLY);
+    const Opened opened = boardFiles().openFile(path, O_RDONLY);
     if (opened.status != kOk) {
         return opened.status;
     }
@@ -276,7 +276,7 @@ int32_t checksum(const char* path, unsigned* result) {
 }
 
 int32_t sync() {
-    const Sandbox::Opened root = boardFiles().open("/", O_RDONLY | O_DIRECTORY);
+    const Opened root = boardFiles().open("/", O_RDONLY | O_DIRECTORY);
     return root.status != kOk || syncfs(root.file.get()) == 0 ? root.status : statusOf(errno);
 }
 

@@ -4,8 +4,10 @@
 
 #include <cstring>
 #include <ctime>
+#include <optional>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/IniParser.h"
 #include "simulator/storage/IniText.h"
@@ -23,11 +25,7 @@ constexpr int64_t kSettledNanoseconds = 100'000'000;
 std::string fileName(const char* name) {
     const size_t length = strnlen(name, IniStore::kMaxNameBytes + 1);
     const std::string_view view(name, length);
-    const bool good = length != 0 && length <= IniStore::kMaxNameBytes && name[0] != '.' &&
-                      view.find_first_not_of(
-                              "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                              "0123456789._-") == std::string_view::npos;
-    if (!good) {
+    if (name[0] == '.' || !isName(view, IniStore::kMaxNameBytes, "._-")) {
         return {};
     }
     const bool suffixed = length > 4 && view.substr(length - 4) == ".ini";
@@ -80,7 +78,7 @@ struct IniStore::File {
 };
 
 IniStore::IniStore(const StateDirectory& state, const char* folder)
-    : mState(state), mFolder(folder), mFolderPath(state.path() + "/" + folder + "/") {}
+    : mFolder(state, folder), mFolderPath(state.path() + "/" + folder + "/") {}
 
 IniStore::~IniStore() = default;
 
@@ -97,14 +95,10 @@ int32_t IniStore::load(const std::string& name, std::shared_ptr<const File>& fil
         }
     }
 
-    const Descriptor folder = mState.openFolder(mFolder);
-    if (!folder) {
-        return kIoError;
-    }
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     std::string text;
-    if (const int32_t result = readFile(folder.get(), name, kMaxFileBytes, text, &status); result != kOk) {
+    if (const int32_t result = mFolder.read(name, kMaxFileBytes, text, &status); result != kOk) {
         return result;
     }
     const auto loaded = std::make_shared<File>(name, status);
@@ -157,73 +151,65 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     return kOk;
 }
 
-int32_t IniStore::get(const char* file, const std::vector<std::string>& parameters,
-                      std::vector<std::optional<std::string>>& values) {
-    values.assign(parameters.size(), std::nullopt);
+int32_t IniStore::read(const char* file, Contents* contents) const {
     const std::string name = fileName(file);
+    std::string text;
     if (name.empty()) {
         return kBadName;
     }
-    std::shared_ptr<const File> loaded;
-    if (const int32_t result = load(name, loaded); result != kOk) {
+    if (const int32_t result = mFolder.read(name, kMaxFileBytes, text); result != kOk) {
         return result;
     }
-    std::vector<std::optional<std::string>> found(parameters.size());
-    for (size_t i = 0; i < parameters.size(); ++i) {
-        const std::optional<Parameter> asked = parameterName(parameters[i].c_str());
-        if (!asked) {
-            return kBadName;
-        }
-        if (const char* value = loaded->ini.GetValue(asked->section.c_str(), asked->key.c_str())) {
-            found[i] = value;
+    CSimpleIniCaseA ini;
+    ini.SetQuotes();
+    if (!parse(text, ini)) {
+        return kBadFile;
+    }
+    size_t number = 0;
+    for (const IniLine& line : iniLines(withoutMark(text))) {
+        ++number;
+        if (line.kind == IniLine::Parameter) {
+            const std::string section(*line.section), key(line.key);
+            const char* const value = ini.GetValue(section.c_str(), key.c_str(), "");
+            contents->parameters[section + ":" + key] = {value, number};
+        } else if (line.kind == IniLine::Junk) {
+            contents->faults.push_back("line " + std::to_string(number) +
+                                       " is neither a parameter nor a heading");
         }
     }
-    values = std::move(found);
     return kOk;
 }
 
-int32_t IniStore::set(const char* file, const char* parameter, const char* value) {
-    if (file == nullptr || parameter == nullptr || value == nullptr) {
+int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string, std::string>>& values) {
+    if (file == nullptr) {
         return kOutOfRange;
     }
     const std::string name = fileName(file);
-    const std::optional<Parameter> asked = parameterName(parameter);
-    if (name.empty() || !asked) {
-        return kBadName;
+    std::vector<Parameter> asked;
+    for (const auto& [parameter, value] : values) {
+        const std::optional<Parameter> one = parameterName(parameter.c_str());
+        if (name.empty() || !one) {
+            return kBadName;
+        }
+        if (value.size() > kMaxValueBytes || value.find_first_of("\r\n") != std::string::npos) {
+            return kOutOfRange;
+        }
+        asked.push_back(*one);
     }
-    const std::string_view text(value, strnlen(value, kMaxValueBytes + 1));
-    if (text.size() > kMaxValueBytes || text.find_first_of("\r\n") != std::string_view::npos) {
-        return kOutOfRange;
-    }
-
-    std::lock_guard<std::mutex> writing(mWriting);
-    const Descriptor folder = mState.openFolder(mFolder);
-    if (!folder) {
-        return kIoError;
-    }
-    const FolderLock lock(folder.get());
-    if (lock.status() != kOk) {
-        return lock.status();
-    }
-    std::string before;
-    struct stat status {};
-    status.st_mode = kNewFileMode;
-    const int32_t result = readFile(folder.get(), name, kMaxFileBytes, before, &status);
-    if (result != kOk && result != kNotFound) {
-        return result;
-    }
-    const std::string after = withIniValue(before, asked->section, asked->key, text);
-    // Whatever a file by other hands contains, the parser has the last word on whether the value comes back.
-    CSimpleIniCaseA check;
-    check.SetQuotes();
-    if (after.size() > kMaxFileBytes || !parse(after, check)) {
-        return kBadFile;
-    }
-    const char* stored = check.GetValue(asked->section.c_str(), asked->key.c_str());
-    if (stored == nullptr || stored != text) {
-        return kBadFile;
-    }
-    return replaceFile(folder.get(), name, after, status.st_mode);
+    return mFolder.change(name, kMaxFileBytes, kNewFileMode, [&](std::string& content) {
+        for (size_t i = 0; i < values.size(); ++i) {
+            content = withIniValue(content, asked[i].section, asked[i].key, values[i].second);
+        }
+        // Whatever a file by other hands contains, the parser has the last word on whether values come back.
+        CSimpleIniCaseA check;
+        check.SetQuotes();
+        bool good = content.size() <= kMaxFileBytes && parse(content, check);
+        for (size_t i = 0; good && i < values.size(); ++i) {
+            const char* stored = check.GetValue(asked[i].section.c_str(), asked[i].key.c_str());
+            good = stored != nullptr && stored == values[i].second;
+        }
+        return good ? kOk : kBadFile;
+    });
 }
 
 IniStore& boardIni() {

@@ -2,13 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/board/StateDirectory.h"
+#include "simulator/board/Status.h"
 
 namespace simulator {
 
@@ -27,7 +29,7 @@ namespace simulator {
  * counts.
  *
  * Other programs may edit the files at any time; the next read sees it. Every function may be called on any
- * thread; writes, those of other processes included, come one after the other.
+ * thread; writes come one after the other.
  */
 class IniStore {
   public:
@@ -38,6 +40,10 @@ class IniStore {
     static constexpr size_t kMaxFileBytes = 64 * 1024;
 
     explicit IniStore(const StateDirectory& state, const char* folder = "ini");
+
+    /** The folder's name. */
+    const std::string& folder() const { return mFolder.name(); }
+
     ~IniStore();
     IniStore(const IniStore&) = delete;
     IniStore& operator=(const IniStore&) = delete;
@@ -48,19 +54,29 @@ class IniStore {
      */
     int32_t get(const char* file, const char* parameter, char* buffer, size_t size);
 
-    /**
-     * The values of several parameters of a file, as they are together; none where the file has none. The
-     * vector is as long as that of the parameters, whatever happens: kNotFound (no such file), kBadName,
-     * kBadFile, kIoError leave it without values.
-     */
-    int32_t get(const char* file, const std::vector<std::string>& parameters,
-                std::vector<std::optional<std::string>>& values);
+    /** A file as it is now: the last value of each parameter, and what hands have spoiled. */
+    struct Contents {
+        struct Value {
+            std::string text;
+            size_t line;
+        };
+        std::map<std::string, Value> parameters;  // by "section:key"
+        /** "line 3: ..." for each line that means nothing. */
+        std::vector<std::string> faults;
+    };
+    /** Reads a file of the folder as a whole. kNotFound, kBadName, kBadFile, or why it cannot be read. */
+    int32_t read(const char* file, Contents* contents) const;
 
     /**
-     * Sets a value; on kOk it is on the disk. kBadName, kOutOfRange (the value), kBadFile, kBusy, kIoError:
-     * nothing has changed, except that after kIoError the change may not survive a power cut.
+     * Sets a value; on kOk it is on the disk. kBadName, kOutOfRange (the value), kBadFile, or why the
+     * disk refuses: nothing has changed, except that after kIoError the change may not survive a power cut.
      */
-    int32_t set(const char* file, const char* parameter, const char* value);
+    int32_t set(const char* file, const char* parameter, const char* value) {
+        return parameter == nullptr || value == nullptr ? kOutOfRange : set(file, {{parameter, value}});
+    }
+
+    /** The same for several parameters of a file: all or none. */
+    int32_t set(const char* file, const std::vector<std::pair<std::string, std::string>>& values);
 
   private:
     struct File;
@@ -68,12 +84,9 @@ class IniStore {
 
     int32_t load(const std::string& name, std::shared_ptr<const File>& file);
 
-    const StateDirectory& mState;
-    const std::string mFolder;
+    StateFolder mFolder;
     const std::string mFolderPath;
 
-    // Held by one writer of this process at a time, across the whole write.
-    std::mutex mWriting;
     std::mutex mCacheMutex;
     // Guarded by mCacheMutex: parsed files, and the place where the next one goes.
     std::shared_ptr<const File> mCache[kCachedFiles];

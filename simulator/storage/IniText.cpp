@@ -1,6 +1,7 @@
 #include "simulator/storage/IniText.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace simulator {
 namespace {
@@ -31,46 +32,61 @@ struct Place {
 
 Place find(std::string_view text, std::string_view section, std::string_view key) {
     Place place;
-    bool inSection = section.empty();
     bool atTop = true;  // in the comment that opens the file
-    size_t begin = 0;
-    if (inSection) {
+    if (section.empty()) {
         place.sectionEnd = 0;
     }
-    while (begin < text.size()) {
-        const size_t lineEnd = std::min(text.find_first_of("\r\n", begin), text.size());
-        size_t next = std::min(lineEnd + 1, text.size());
-        if (lineEnd + 1 < text.size() && text[lineEnd] == '\r' && text[lineEnd + 1] == '\n') {
-            ++next;
+    for (const IniLine& line : iniLines(text)) {
+        const bool inSection = line.section == section;
+        atTop = atTop && line.kind == IniLine::Comment;
+        if ((atTop && section.empty()) ||
+            (inSection && (line.kind == IniLine::Heading || line.kind == IniLine::Parameter))) {
+            place.sectionEnd = line.next;
         }
-        const std::string_view line = text.substr(begin, lineEnd - begin);
-        const std::string_view content = trimmed(line);
-        const size_t equals = line.find('=');
-        const bool comment = !content.empty() && (content[0] == ';' || content[0] == '#');
-        atTop = atTop && comment;
-        if (comment) {
-            if (atTop && section.empty()) {
-                place.sectionEnd = next;
-            }
-        } else if (!content.empty() && content[0] == '[') {
-            // A heading without its end bracket names no section: what follows it cannot be reached.
-            const size_t bracket = content.find(']');
-            inSection = bracket != kNone && trimmed(content.substr(1, bracket - 1)) == section;
-            place.sectionEnd = inSection ? next : place.sectionEnd;
-        } else if (inSection && equals != kNone && !trimmed(line.substr(0, equals)).empty()) {
-            place.sectionEnd = next;
-            if (trimmed(line.substr(0, equals)) == key) {
-                const size_t value = line.find_first_not_of(kBlanks, equals + 1);
-                place.valueBegin = begin + std::min(value, line.size());
-                place.valueEnd = lineEnd;
-            }
+        if (inSection && line.kind == IniLine::Parameter && line.key == key) {
+            place.valueBegin = std::min(text.find_first_not_of(kBlanks, line.equals + 1), line.end);
+            place.valueEnd = line.end;
         }
-        begin = next;
     }
     return place;
 }
 
 }  // namespace
+
+std::string_view withoutMark(std::string_view text) {
+    const bool marked = text.substr(0, kByteOrderMark.size()) == kByteOrderMark;
+    return text.substr(marked ? kByteOrderMark.size() : 0);
+}
+
+std::vector<IniLine> iniLines(std::string_view text) {
+    std::vector<IniLine> lines;
+    std::optional<std::string_view> section = "";
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+        const size_t next = std::min(end + (text.substr(end, 2) == "\r\n" ? 2 : 1), text.size());
+        const std::string_view content = trimmed(text.substr(begin, end - begin));
+        const size_t equals = text.substr(0, end).find('=', begin);
+        IniLine line{IniLine::Junk, end, next, equals, section, {}};
+        if (content.empty()) {
+            line.kind = IniLine::Blank;
+        } else if (content[0] == ';' || content[0] == '#') {
+            line.kind = IniLine::Comment;
+        } else if (content[0] == '[') {
+            // A heading without its end bracket names no section: what follows it cannot be reached.
+            const size_t bracket = content.find(']');
+            section =
+                    bracket == kNone ? std::nullopt : std::optional(trimmed(content.substr(1, bracket - 1)));
+            line.kind = bracket == kNone ? IniLine::Junk : IniLine::Heading;
+            line.section = section;
+        } else if (equals != kNone) {
+            line.key = trimmed(text.substr(begin, equals - begin));
+            line.kind = line.key.empty() || !section ? IniLine::Junk : IniLine::Parameter;
+        }
+        lines.push_back(line);
+        begin = next;
+    }
+    return lines;
+}
 
 std::string withIniValue(std::string_view text, std::string_view section, std::string_view key,
                          std::string_view value) {
@@ -78,11 +94,8 @@ std::string withIniValue(std::string_view text, std::string_view section, std::s
     if (needsQuotes(value)) {
         quoted = '"' + quoted + '"';
     }
-    std::string result;
-    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-        result = kByteOrderMark;
-        text.remove_prefix(kByteOrderMark.size());
-    }
+    std::string result(text.substr(0, text.size() - withoutMark(text).size()));
+    text = withoutMark(text);
     const Place place = find(text, section, key);
     if (place.valueBegin != kNone) {
         return result.append(text.substr(0, place.valueBegin))

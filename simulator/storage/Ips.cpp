@@ -1,10 +1,11 @@
 #include "simulator/storage/Ips.h"
 
 #include <atomic>
-#include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/IniStore.h"
 
@@ -20,6 +21,7 @@ std::atomic<uint32_t> sIps{0};
 uint32_t readIps() {
     uint32_t ips = kIpsRead;
     bool readable = true;
+    std::vector<std::string> faults;
     for (unsigned id = 0; id < kIpCount; ++id) {
         bool enabled = kIps[id].fused;
         char value[16];
@@ -29,13 +31,14 @@ uint32_t readIps() {
         if (result == kOk && (strcmp(value, "0") == 0 || strcmp(value, "1") == 0)) {
             enabled = value[0] == '1';
         } else if (result == kOk || result == kTooLong) {
-            fprintf(stderr, "board: ip.ini: the value of %s is not 0 or 1: ignored\n", kIps[id].key);
+            faults.push_back(std::string("the value of ") + kIps[id].key + " is not 0 or 1: ignored");
         } else if (result != kNotFound) {
-            fprintf(stderr, "board: ip.ini cannot be read (status %d): ignored\n", result);
+            faults.push_back("cannot be read (status " + std::to_string(result) + "): ignored");
             readable = false;
         }
         ips |= enabled ? 1U << id : 0;
     }
+    tellFaults("ini/ip.ini", faults);
     return ips;
 }
 

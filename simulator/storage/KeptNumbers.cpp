@@ -1,9 +1,9 @@
 #include "simulator/storage/KeptNumbers.h"
 
 #include <charconv>
-#include <cstdio>
 #include <sstream>
 
+#include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -54,31 +54,36 @@ KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> g
     load();
 }
 
-void KeptNumbers::load() {
+int32_t KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    std::vector<std::string> parameters;
-    for (const Group& group : mGroups) {
-        parameters.push_back(group.parameter);
-    }
-    std::vector<std::optional<std::string>> texts;
-    const int32_t status = mStore.get(mFile, parameters, texts);
+    IniStore::Contents contents;
+    std::vector<std::string>& faults = contents.faults;
+    const int32_t status = mStore.read(mFile, &contents);
     if (status != kOk && status != kNotFound) {
-        fprintf(stderr, "board: %s.ini cannot be read (status %d): the factory's numbers are used\n", mFile,
-                status);
+        faults.push_back("cannot be read (status " + std::to_string(status) + "): the factory's are used");
     }
     auto values = std::make_shared<std::vector<Values>>();
-    for (size_t i = 0; i < mGroups.size(); ++i) {
-        const Group& group = mGroups[i];
-        std::optional<Values> kept = texts[i] ? parseNumbers(*texts[i], group.numbers) : std::nullopt;
-        if (texts[i] && !kept) {
-            fprintf(stderr,
-                    "board: %s.ini: %s is not %zu numbers within their limits: the factory's are used\n",
-                    mFile, group.parameter.c_str(), group.numbers.size());
+    for (const Group& group : mGroups) {
+        const auto found = contents.parameters.find(group.parameter);
+        std::optional<Values> kept;
+        if (found != contents.parameters.end()) {
+            kept = parseNumbers(found->second.text, group.numbers);
+            if (!kept) {
+                faults.push_back("line " + std::to_string(found->second.line) + ": " + group.parameter +
+                                 " is not " + std::to_string(group.numbers.size()) +
+                                 " numbers within their limits: the factory's are used");
+            }
+            contents.parameters.erase(found);
         }
         values->push_back(kept ? *std::move(kept) : factoryNumbers(group.numbers));
     }
+    for (const auto& [parameter, value] : contents.parameters) {
+        faults.push_back("line " + std::to_string(value.line) + ": there is no setting " + parameter);
+    }
+    tellFaults(mStore.folder() + "/" + mFile + ".ini", faults);
     const std::lock_guard<std::mutex> lock(mMutex);
     mValues = std::move(values);
+    return status != kOk && status != kNotFound ? status : faults.empty() ? kOk : kBadFile;
 }
 
 std::shared_ptr<const std::vector<KeptNumbers::Values>> KeptNumbers::get() const {
@@ -88,13 +93,28 @@ std::shared_ptr<const std::vector<KeptNumbers::Values>> KeptNumbers::get() const
 
 int32_t KeptNumbers::change(size_t group, const std::function<void(Values&)>& edit) {
     const std::lock_guard<std::mutex> changing(mChanging);
+    Values values = (*get())[group];
+    edit(values);
+    return setLocked({{group, std::move(values)}});
+}
+
+int32_t KeptNumbers::set(const std::vector<std::pair<size_t, Values>>& changes) {
+    const std::lock_guard<std::mutex> changing(mChanging);
+    return setLocked(changes);
+}
+
+/** Needs mChanging. */
+int32_t KeptNumbers::setLocked(const std::vector<std::pair<size_t, Values>>& changes) {
     auto values = std::make_shared<std::vector<Values>>(*get());
-    Values& changed = (*values)[group];
-    edit(changed);
-    if (!within(changed, mGroups[group].numbers)) {
-        return kOutOfRange;
+    std::vector<std::pair<std::string, std::string>> texts;
+    for (const auto& [group, numbers] : changes) {
+        if (!within(numbers, mGroups[group].numbers)) {
+            return kOutOfRange;
+        }
+        texts.emplace_back(mGroups[group].parameter, textOf(numbers));
+        (*values)[group] = numbers;
     }
-    const int32_t status = mStore.set(mFile, mGroups[group].parameter.c_str(), textOf(changed).c_str());
+    const int32_t status = mStore.set(mFile, texts);
     if (status == kOk) {
         const std::lock_guard<std::mutex> lock(mMutex);
         mValues = std::move(values);

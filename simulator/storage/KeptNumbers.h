@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/storage/IniStore.h"
@@ -45,14 +46,15 @@ class KeptNumbers {
         std::vector<Limits> numbers;
     };
 
-    /** Loads them. Groups are numbered in their order. */
+    /** The factory's, until they are loaded. Groups are numbered in their order. */
     KeptNumbers(IniStore& store, const char* file, std::vector<Group> groups);
 
     /**
      * Takes all groups from the file. A group that it does not have, or not as many numbers within their
-     * limits, gets the factory's; the latter, and a file that cannot be read, is said on standard error.
+     * limits, gets the factory's. The latter, lines that mean nothing and a file that cannot be read are said
+     * on standard error; then the status is another than kOk.
      */
-    void load();
+    int32_t load();
 
     /** All groups as they were at one moment. */
     std::shared_ptr<const std::vector<Values>> get() const;
@@ -63,10 +65,15 @@ class KeptNumbers {
      */
     int32_t change(size_t group, const std::function<void(Values&)>& edit);
 
+    /** Sets several groups, all or none, as change() does. */
+    int32_t set(const std::vector<std::pair<size_t, Values>>& changes);
+
     /** A line for each group, as in the file. */
     std::string describe() const;
 
   private:
+    int32_t setLocked(const std::vector<std::pair<size_t, Values>>& changes);
+
     IniStore& mStore;
     const char* const mFile;
     const std::vector<Group> mGroups;

@@ -69,7 +69,7 @@ int32_t readAt(int file, unsigned char* data, size_t length, uint64_t offset, si
     return kOk;
 }
 
-Sandbox::Opened Sandbox::open(const char* path, int flags, mode_t mode) const {
+Opened Sandbox::open(const char* path, int flags, mode_t mode) const {
     size_t length = 0;
     unsigned depth = 0;
     if (path == nullptr) {
@@ -78,11 +78,11 @@ Sandbox::Opened Sandbox::open(const char* path, int flags, mode_t mode) const {
     if (!measure(path, &length, &depth)) {
         return {Descriptor(), kBadName};
     }
-    const Descriptor root = mState.openFolder(kFolder);
-    if (!root) {
-        return {Descriptor(), kIoError};
+    Opened root = mState.openFolder(kFolder);
+    if (root.status != kOk) {
+        return root;
     }
-    Descriptor file(openInRoot(root.get(), path, flags, mode));
+    Descriptor file(openInRoot(root.file.get(), path, flags, mode));
     if (file) {
         return {std::move(file), kOk};
     }
@@ -95,7 +95,7 @@ Sandbox::Opened Sandbox::open(const char* path, int flags, mode_t mode) const {
     return {Descriptor(), statusOf(errno)};
 }
 
-Sandbox::Opened Sandbox::openFile(const char* path, int flags, mode_t mode) const {
+Opened Sandbox::openFile(const char* path, int flags, mode_t mode) const {
     Opened opened = open(path, flags, mode);
     struct stat status {};
     if (opened.status != kOk) {
@@ -137,9 +137,9 @@ Sandbox::Place Sandbox::placeOf(const char* path) const {
 }
 
 bool Sandbox::isRoot(const struct stat& status) const {
-    const Descriptor root = mState.openFolder(kFolder);
+    const Opened root = mState.openFolder(kFolder);
     struct stat found {};
-    return !root || fstat(root.get(), &found) != 0 ||
+    return root.status != kOk || fstat(root.file.get(), &found) != 0 ||
            (found.st_dev == status.st_dev && found.st_ino == status.st_ino);
 }
 

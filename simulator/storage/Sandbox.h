@@ -22,11 +22,6 @@ class Sandbox {
 
     explicit Sandbox(const StateDirectory& state) : mState(state) {}
 
-    struct Opened {
-        Descriptor file;
-        /** kOk when file is open. */
-        int32_t status;
-    };
     /** As open(2); closed on exec, and waits for no other end of a FIFO. */
     Opened open(const char* path, int flags, mode_t mode = 0) const;
     /** As open(), of a plain file; kBadFile for anything else. */

@@ -10,8 +10,11 @@
 #include <memory>
 #include <vector>
 
+#include "simulator/board/Board.h"
 #include "simulator/board/Identity.h"
+#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 namespace {
@@ -42,12 +45,12 @@ struct BoardKeys {
     Secret<crypto_generichash_KEYBYTES> fingerprint;
 };
 
-int32_t deriveKeys(const StateDirectory& state, BoardKeys* keys) {
+int32_t deriveKeys(BoardKeys* keys) {
     Identity identity;
     if (sodium_init() < 0) {
         return kIoError;
     }
-    if (const int32_t status = readIdentity(state, &identity); status != kOk) {
+    if (const int32_t status = readIdentity(&identity); status != kOk) {
         return status;
     }
     Secret<crypto_kdf_KEYBYTES> master;
@@ -62,11 +65,8 @@ int32_t deriveKeys(const StateDirectory& state, BoardKeys* keys) {
 }
 
 bool goodName(const char* name) {
-    const std::string_view view(name, strnlen(name, SecureStorage::kMaxNameBytes + 1));
-    return !view.empty() && view.size() <= SecureStorage::kMaxNameBytes &&
-           view.find_first_not_of(
-                   "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
-                   "0123456789_-") == std::string_view::npos;
+    constexpr size_t kMost = SecureStorage::kMaxNameBytes;
+    return isName({name, strnlen(name, kMost + 1)}, kMost, "_-");
 }
 
 const unsigned char* bytesOf(const std::string& text) {
@@ -95,12 +95,12 @@ std::vector<std::string> sealedFiles(int folder) {
     return names;
 }
 
-std::string describeFile(int folder, const std::string& name, const BoardKeys& keys) {
+std::string describeFile(const StateFolder& folder, const std::string& name, const BoardKeys& keys) {
     const std::string shown = name.substr(0, name.size() - strlen(kSuffix));
     std::string content;
     Secret<SecureStorage::kMaxKeyBytes> key;
     unsigned long long size = 0;
-    if (readFile(folder, name, kMaxFileBytes, content, nullptr) != kOk ||
+    if (folder.read(name, kMaxFileBytes, content) != kOk ||
         content.size() < kMarkBytes + kNonceBytes + kTagBytes || content.compare(0, kMarkBytes, kMark) != 0 ||
         crypto_aead_xchacha20poly1305_ietf_decrypt(
                 key.bytes, &size, nullptr, bytesOf(content) + kMarkBytes + kNonceBytes,
@@ -119,9 +119,11 @@ std::string describeFile(int folder, const std::string& name, const BoardKeys& k
 
 }  // namespace
 
+SecureStorage::SecureStorage() : mFolder(boardState(), kFolder) {}
+
 int32_t SecureStorage::seal(const std::string& file, const unsigned char* key, size_t size, bool replace) {
     BoardKeys keys;
-    if (const int32_t status = deriveKeys(mState, &keys); status != kOk) {
+    if (const int32_t status = deriveKeys(&keys); status != kOk) {
         return status;
     }
     std::string content(kMarkBytes + kNonceBytes + size + kTagBytes, '\0');
@@ -132,15 +134,11 @@ int32_t SecureStorage::seal(const std::string& file, const unsigned char* key, s
                                                file.size(), nullptr, nonce, keys.sealing.bytes);
 
     const std::lock_guard<std::mutex> writing(mWriting);
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (!folder) {
-        return kIoError;
+    const Opened folder = mFolder.open();
+    if (folder.status != kOk) {
+        return folder.status;
     }
-    const FolderLock lock(folder.get());
-    if (lock.status() != kOk) {
-        return lock.status();
-    }
-    const std::vector<std::string> names = sealedFiles(folder.get());
+    const std::vector<std::string> names = sealedFiles(folder.file.get());
     if (std::binary_search(names.begin(), names.end(), file)) {
         if (!replace) {
             return kExists;
@@ -148,7 +146,7 @@ int32_t SecureStorage::seal(const std::string& file, const unsigned char* key, s
     } else if (names.size() >= kMaxKeys) {
         return kFull;
     }
-    return replaceFile(folder.get(), file, content, kMode);
+    return mFolder.replace(file, content, kMode);
 }
 
 int32_t SecureStorage::put(const char* storage, const char* name, const unsigned char* key, size_t size) {
@@ -164,8 +162,8 @@ int32_t SecureStorage::put(const char* storage, const char* name, const unsigned
     return seal(std::string(storage) + "." + name + kSuffix, key, size, true);
 }
 
-int32_t SecureStorage::putSystemKey(const Sandbox& sandbox, const char* path, bool replace) {
-    const Sandbox::Opened opened = sandbox.openFile(path, O_RDONLY);
+int32_t SecureStorage::putSystemKey(const char* path, bool replace) {
+    const Opened opened = boardFiles().openFile(path, O_RDONLY);
     if (opened.status != kOk) {
         return opened.status;
     }
@@ -183,20 +181,20 @@ int32_t SecureStorage::putSystemKey(const Sandbox& sandbox, const char* path, bo
 
 std::string SecureStorage::describe() const {
     BoardKeys keys;
-    const Descriptor folder = mState.openFolder(kFolder);
-    if (!folder || deriveKeys(mState, &keys) != kOk) {
+    const Opened folder = mFolder.open();
+    if (folder.status != kOk || deriveKeys(&keys) != kOk) {
         return "keys: cannot be read\n";
     }
     std::string text;
-    for (const std::string& name : sealedFiles(folder.get())) {
-        text += describeFile(folder.get(), name, keys);
+    for (const std::string& name : sealedFiles(folder.file.get())) {
+        text += describeFile(mFolder, name, keys);
     }
     return text;
 }
 
-int32_t customerHash(const StateDirectory& state, unsigned char* hash) {
+int32_t customerHash(unsigned char* hash) {
     Identity identity;
-    if (const int32_t status = readIdentity(state, &identity); status != kOk) {
+    if (const int32_t status = readIdentity(&identity); status != kOk) {
         return status;
     }
     if (sodium_init() < 0) {

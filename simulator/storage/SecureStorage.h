@@ -6,7 +6,6 @@
 #include <string>
 
 #include "simulator/board/StateDirectory.h"
-#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 
@@ -14,7 +13,7 @@ namespace simulator {
  * Keys, each in a file of the folder secure/ of the state folder: encrypted and authenticated by
  * XChaCha20-Poly1305 under a key that is derived from the board's serial number, so that they mean nothing to
  * another board. No key leaves it; what is stored is told apart by a fingerprint. What is acknowledged is on
- * the disk. Any thread, and several processes.
+ * the disk. Any thread.
  */
 class SecureStorage {
   public:
@@ -24,7 +23,7 @@ class SecureStorage {
     static constexpr size_t kMaxKeys = 256;
     static constexpr size_t kMinSystemKeyBytes = 16;
 
-    explicit SecureStorage(const StateDirectory& state) : mState(state) {}
+    SecureStorage();
 
     /** kBadName, kOutOfRange (the size), kDenied for the storage "system", kFull. Replaces one that is there.
      */
@@ -32,7 +31,7 @@ class SecureStorage {
 
     /** Takes the system key from a file of 16 to 255 bytes; else kBadFile. kExists unless told to replace it.
      */
-    int32_t putSystemKey(const Sandbox& sandbox, const char* path, bool replace);
+    int32_t putSystemKey(const char* path, bool replace);
 
     /** A line for each key: its names, size and fingerprint, or that it is damaged or another board's. */
     std::string describe() const;
@@ -40,13 +39,12 @@ class SecureStorage {
   private:
     int32_t seal(const std::string& file, const unsigned char* key, size_t size, bool replace);
 
-    const StateDirectory& mState;
-    // Held by one writer of this process at a time, across the whole write.
-    std::mutex mWriting;
+    StateFolder mFolder;
+    std::mutex mWriting;  // held while keys are counted and one is written
 };
 
 /** 16 bytes that stand for the customer that the board was made for. */
 constexpr size_t kCustomerHashBytes = 16;
-int32_t customerHash(const StateDirectory& state, unsigned char* hash);
+int32_t customerHash(unsigned char* hash);
 
 }  // namespace simulator

@@ -1,62 +1,22 @@
 #include "simulator/upgrade/FirmwareUpgrade.h"
 
-#include <fcntl.h>
-#include <zlib.h>
-
-#include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <thread>
 
 #include "simulator/board/Events.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/Emmc.h"
+#include "simulator/storage/Files.h"
+#include "simulator/upgrade/Image.h"
 
 namespace simulator {
 namespace {
 
 constexpr char kMark[] = "BOARDFW1";
 constexpr unsigned kStepPercent = 5;
-constexpr uint32_t kDefaultMilliseconds = 3000;
-constexpr uint32_t kMaxMilliseconds = 60 * 60 * 1000;
 constexpr size_t kTargets = sizeof(kFirmwareAreas) / sizeof(kFirmwareAreas[0]);
-
-uint32_t numberAt(const std::string& image, size_t position) {
-    uint32_t number = 0;
-    for (size_t i = 4; i-- > 0;) {
-        number = number << 8 | static_cast<unsigned char>(image[position + i]);
-    }
-    return number;
-}
-
-uint32_t checksumOf(const std::string& image, size_t begin, size_t end) {
-    return static_cast<uint32_t>(crc32(crc32(0, nullptr, 0),
-                                       reinterpret_cast<const Bytef*>(image.data()) + begin,
-                                       static_cast<uInt>(end - begin)));
-}
-
-uint32_t duration() {
-    const char* const text = getenv("ZVTTV_BOARD_UPGRADE_MS");
-    if (text == nullptr || text[0] == '\0') {
-        return kDefaultMilliseconds;
-    }
-    uint32_t milliseconds = 0;
-    const char* const end = text + strlen(text);
-    const auto [rest, error] = std::from_chars(text, end, milliseconds);
-    if (error != std::errc() || rest != end || milliseconds > kMaxMilliseconds) {
-        fprintf(stderr,
-                "board: ZVTTV_BOARD_UPGRADE_MS is \"%s\", not a number of milliseconds up to %u: %u is "
-                "used\n",
-                text, kMaxMilliseconds, kDefaultMilliseconds);
-        return kDefaultMilliseconds;
-    }
-    return milliseconds;
-}
-
-std::string faultOf(uint64_t size, const EmmcArea& area) {
-    return size <= area.size ? "" : "it is larger than the target's " + std::to_string(area.size) + " bytes";
-}
 
 /** What is wrong with a whole image, or empty. */
 std::string faultOf(const std::string& image, uint8_t target) {
@@ -82,12 +42,12 @@ bool FirmwareHead::read(const std::string& image) {
     constexpr size_t kVersionAt = 20;
     constexpr size_t kChecksumAt = 44;
     if (image.size() < kBytes || image.compare(0, strlen(kMark), kMark) != 0 ||
-        numberAt(image, kChecksumAt) != checksumOf(image, 0, kChecksumAt)) {
+        wordAt(image, kChecksumAt) != checksumOf(image, 0, kChecksumAt)) {
         return false;
     }
-    target = numberAt(image, 8);
-    length = numberAt(image, 12);
-    checksum = numberAt(image, 16);
+    target = wordAt(image, 8);
+    length = wordAt(image, 12);
+    checksum = wordAt(image, 16);
     version.assign(image, kVersionAt, kChecksumAt - kVersionAt);
     version.resize(strnlen(version.c_str(), version.size()));
     return true;
@@ -109,29 +69,16 @@ void FirmwareUpgrade::disable() {
     }
 }
 
-int32_t FirmwareUpgrade::load(Job& job, const char* path) const {
-    const Sandbox::Opened opened = mSandbox.openFile(path, O_RDONLY);
-    if (opened.status != kOk) {
-        return opened.status;
-    }
-    struct stat status {};
+int32_t FirmwareUpgrade::load(Job& job, const char* path) {
     const EmmcArea& area = *Emmc::findArea(kFirmwareAreas[job.target]);
-    if (fstat(opened.file.get(), &status) != 0) {
-        return statusOf(errno);
-    }
     job.path = path;
-    std::string fault = faultOf(static_cast<uint64_t>(status.st_size), area);
-    if (fault.empty()) {
-        size_t count = 0;
-        job.image.resize(static_cast<size_t>(status.st_size));
-        const int32_t got = readAt(opened.file.get(), reinterpret_cast<unsigned char*>(job.image.data()),
-                                   job.image.size(), 0, &count);
-        if (got != kOk) {
-            return got;
-        }
-        job.image.resize(count);
-        fault = faultOf(job.image, job.target);
+    const int32_t status = files::load(path, area.size, &job.image);
+    if (status != kOk && status != kTooLong) {
+        return status;
     }
+    const std::string fault =
+            status == kOk ? faultOf(job.image, job.target)
+                          : "it is larger than the target's " + std::to_string(area.size) + " bytes";
     if (!fault.empty()) {
         fprintf(stderr, "board: no upgrade of target %u with %s: %s\n", job.target, path, fault.c_str());
         return kBadImage;
@@ -155,7 +102,7 @@ int32_t FirmwareUpgrade::upgrade(uint8_t target, const char* path) {
     }
     int32_t status = kNoMemory;
     try {
-        job->milliseconds = duration();
+        job->milliseconds = upgradeMilliseconds("ZVTTV_BOARD_UPGRADE_MS");
         status = load(*job, path);
         if (status == kOk) {
             // A thread of its own, for which nobody waits: a module that is shut down answers the caller at
@@ -204,7 +151,7 @@ void FirmwareUpgrade::run(const std::shared_ptr<Job>& job) {
     lock.unlock();
     int32_t status = kNoMemory;
     try {
-        status = mEmmc.replace(*Emmc::findArea(kFirmwareAreas[job->target]), job->image);
+        status = boardEmmc().replace(*Emmc::findArea(kFirmwareAreas[job->target]), job->image);
     } catch (const std::bad_alloc&) {
         // as it stands
     }
@@ -218,20 +165,7 @@ void FirmwareUpgrade::run(const std::shared_ptr<Job>& job) {
 }
 
 void FirmwareUpgrade::tell(const Job& job, unsigned percent, const char* phase, int32_t status) {
-    try {
-        Module::Payload payload;
-        payload.objects[0].u32Value = percent;
-        payload.objects[0].strValue = job.path;
-        payload.objects[1].u32Value = job.target;
-        payload.objects[1].strValue = phase;
-        payload.objects[2].u32Value = static_cast<uint32_t>(status);
-        const int32_t told = mModule.raise(kSysUpgradeProgress, payload);
-        if (told != kOk && told != kNotSetUp) {
-            fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", kSysUpgradeProgress, told);
-        }
-    } catch (const std::bad_alloc&) {
-        fprintf(stderr, "board: no memory for event 0x%x\n", kSysUpgradeProgress);
-    }
+    tellProgress(mModule, kSysUpgradeProgress, percent, job.path, job.target, phase, status);
 }
 
 std::string FirmwareUpgrade::describe() const {
@@ -246,8 +180,8 @@ std::string FirmwareUpgrade::describe() const {
     for (size_t target = 0; target < kTargets; ++target) {
         const EmmcArea& area = *Emmc::findArea(kFirmwareAreas[target]);
         std::string bytes(FirmwareHead::kBytes, '\0');
-        const int32_t status = mEmmc.read(area.name, 0, FirmwareHead::kBytes,
-                                          reinterpret_cast<unsigned char*>(bytes.data()));
+        const int32_t status = boardEmmc().read(area.name, 0, FirmwareHead::kBytes,
+                                                reinterpret_cast<unsigned char*>(bytes.data()));
         FirmwareHead head;
         text += "firmware " + std::to_string(target) + " in " + area.name + ": " +
                 (status != kOk      ? "cannot be read"

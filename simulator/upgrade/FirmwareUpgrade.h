@@ -8,8 +8,6 @@
 #include <string>
 
 #include "simulator/board/Module.h"
-#include "simulator/storage/Emmc.h"
-#include "simulator/storage/Sandbox.h"
 
 namespace simulator {
 
@@ -49,8 +47,7 @@ constexpr const char* kFirmwareAreas[] = {"fw_main", "fw_panel", "fw_tuner"};
  */
 class FirmwareUpgrade {
   public:
-    FirmwareUpgrade(Module& module, const Sandbox& sandbox, Emmc& emmc)
-        : mModule(module), mSandbox(sandbox), mEmmc(emmc) {}
+    explicit FirmwareUpgrade(Module& module) : mModule(module) {}
 
     /** Upgrades can be started from now on. */
     void enable();
@@ -82,14 +79,12 @@ class FirmwareUpgrade {
         int32_t status = 0;
     };
 
-    int32_t load(Job& job, const char* path) const;
+    static int32_t load(Job& job, const char* path);
     void run(const std::shared_ptr<Job>& job);
     void release(const std::shared_ptr<Job>& job);
     void tell(const Job& job, unsigned percent, const char* phase, int32_t status);
 
     Module& mModule;
-    const Sandbox& mSandbox;
-    Emmc& mEmmc;
 
     mutable std::mutex mMutex;
     // All below guarded by mMutex.

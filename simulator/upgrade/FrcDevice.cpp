@@ -1,72 +1,25 @@
 #include "simulator/upgrade/FrcDevice.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <zlib.h>
-
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <new>
 #include <thread>
 
-#include "simulator/board/Board.h"
 #include "simulator/board/Events.h"
 #include "simulator/board/Status.h"
-#include "simulator/storage/Sandbox.h"
+#include "simulator/storage/Files.h"
+#include "simulator/upgrade/Image.h"
 
 namespace simulator {
 namespace {
 
-constexpr unsigned kDefaultMilliseconds = 3000;
-constexpr unsigned long kMostMilliseconds = 60 * 60 * 1000;
 constexpr unsigned kSteps = 10;
 // Of the time that the writing takes, how much it takes to start again.
 constexpr unsigned kRestartShare = 5;
 
 constexpr char kMagic[] = {'V', 'E', 'X', 'A'};
 constexpr size_t kHeader = 16;
-constexpr off_t kMaxPayload = 8 * 1024 * 1024;
-
-unsigned upgradeMilliseconds() {
-    const char* text = getenv("ZVTTV_FRC_UPGRADE_MS");
-    if (text == nullptr || text[0] == '\0') {
-        return kDefaultMilliseconds;
-    }
-    char* end = nullptr;
-    errno = 0;
-    const unsigned long milliseconds = strtoul(text, &end, 10);
-    if (text[0] < '0' || text[0] > '9' || *end != '\0' || errno != 0 || milliseconds > kMostMilliseconds) {
-        fprintf(stderr, "board: ZVTTV_FRC_UPGRADE_MS is \"%s\", not a number up to %lu: %u is used\n", text,
-                kMostMilliseconds, kDefaultMilliseconds);
-        return kDefaultMilliseconds;
-    }
-    return static_cast<unsigned>(milliseconds);
-}
-
-uint32_t littleWord(const uint8_t* bytes) {
-    return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
-           static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-}
-
-/** How many bytes of the file came, less than asked for only at its end; -1 after a fault. */
-ssize_t readFully(int file, uint8_t* bytes, size_t count) {
-    size_t done = 0;
-    while (done < count) {
-        const ssize_t got = read(file, bytes + done, count - done);
-        if (got == 0) {
-            break;
-        }
-        if (got < 0 && errno != EINTR) {
-            return -1;
-        }
-        done += got < 0 ? 0 : static_cast<size_t>(got);
-    }
-    return static_cast<ssize_t>(done);
-}
+constexpr size_t kMaxPayload = 8 * 1024 * 1024;
 
 }  // namespace
 
@@ -81,35 +34,18 @@ bool FrcDevice::upgrading() const {
 }
 
 int32_t FrcDevice::readImage(const char* path, Image* image) {
-    const Sandbox::Opened opened = Sandbox(boardState()).openFile(path, O_RDONLY);
-    if (opened.status != kOk) {
-        return opened.status;
+    std::string bytes;
+    const int32_t status = files::load(path, kHeader + kMaxPayload, &bytes);
+    if (status != kOk) {
+        return status == kTooLong ? kBadImage : status;
     }
-    struct stat status {};
-    uint8_t bytes[16 * 1024];
-    const int file = opened.file.get();
-    if (fstat(file, &status) != 0 || readFully(file, bytes, kHeader) < 0) {
-        return kIoError;
-    }
-    const off_t payload = status.st_size - off_t{kHeader};
-    if (payload < 1 || payload > kMaxPayload || memcmp(bytes, kMagic, sizeof(kMagic)) != 0 ||
-        littleWord(bytes + 8) != static_cast<uint32_t>(payload)) {
+    if (bytes.size() <= kHeader || bytes.compare(0, sizeof(kMagic), kMagic, sizeof(kMagic)) != 0 ||
+        wordAt(bytes, 8) != bytes.size() - kHeader ||
+        wordAt(bytes, 12) != checksumOf(bytes, kHeader, bytes.size())) {
         return kBadImage;
     }
-    image->path = path;
-    image->version = littleWord(bytes + 4);
-    const uint32_t expected = littleWord(bytes + 12);
-    uLong sum = crc32(0, nullptr, 0);
-    for (off_t left = payload; left > 0;) {
-        const size_t wanted = left < off_t{sizeof(bytes)} ? static_cast<size_t>(left) : sizeof(bytes);
-        const ssize_t got = readFully(file, bytes, wanted);
-        if (got <= 0) {
-            return got == 0 ? kBadImage : kIoError;
-        }
-        sum = crc32(sum, bytes, static_cast<uInt>(got));
-        left -= got;
-    }
-    return sum == expected ? kOk : kBadImage;
+    *image = {path, wordAt(bytes, 4)};
+    return kOk;
 }
 
 int32_t FrcDevice::beginUpgrade(const char* path) {
@@ -166,23 +102,17 @@ void FrcDevice::tellConnection(bool answers) {
     mModule.raise(kDispFrcConnection, payload);
 }
 
-void FrcDevice::tellProgress(const Image& image, unsigned percent, const char* state, int32_t status) {
-    Module::Payload payload;
-    payload.objects[0].u32Value = percent;
-    payload.objects[0].strValue = image.path;
-    payload.objects[1].u32Value = image.version;
-    payload.objects[1].strValue = state;
-    payload.objects[2].u32Value = static_cast<uint32_t>(status);
-    mModule.raise(kDispFrcUpgradeProgress, payload);
+void FrcDevice::tell(const Image& image, unsigned percent, const char* phase, int32_t status) {
+    tellProgress(mModule, kDispFrcUpgradeProgress, percent, image.path, image.version, phase, status);
 }
 
 void FrcDevice::upgrade(const Image& image, unsigned round) {
-    const unsigned milliseconds = upgradeMilliseconds();
+    const unsigned milliseconds = upgradeMilliseconds("ZVTTV_FRC_UPGRADE_MS");
     for (unsigned step = 0; step <= kSteps; ++step) {
         if (!pause(step == 0 ? 0 : milliseconds / kSteps, round)) {
             return;
         }
-        tellProgress(image, step * 100 / kSteps, "running", kOk);
+        tell(image, step * 100 / kSteps, "running", kOk);
     }
     if (!enter(true, false, round)) {
         return;
@@ -196,7 +126,7 @@ void FrcDevice::upgrade(const Image& image, unsigned round) {
         return;
     }
     tellConnection(true);
-    tellProgress(image, 100, status == kOk ? "done" : "failed", status);
+    tell(image, 100, status == kOk ? "done" : "failed", status);
 }
 
 }  // namespace simulator

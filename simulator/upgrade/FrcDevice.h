@@ -53,7 +53,7 @@ class FrcDevice {
     bool pause(unsigned milliseconds, unsigned round);
     bool enter(bool upgrading, bool answers, unsigned round);
     void tellConnection(bool answers);
-    void tellProgress(const Image& image, unsigned percent, const char* state, int32_t status);
+    void tell(const Image& image, unsigned percent, const char* phase, int32_t status);
 
     Module& mModule;
     const Store mStore;

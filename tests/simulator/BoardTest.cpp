@@ -97,9 +97,9 @@ TEST(Board, DoesNotTrustAFolderInTmpThatOthersMayHaveMade) {
     } rows[] = {
             {"none yet", [] { return true; }, "0"},
             {"its own", [&] { return owned(0700); }, "0"},
-            {"open to others", [&] { return owned(0755); }, "-103"},
-            {"another user's", [&] { return mkdir(path.c_str(), 0700) == 0; }, "-103"},
-            {"a link", [&] { return symlink(elsewhere.path().c_str(), path.c_str()) == 0; }, "-103"},
+            {"open to others", [&] { return owned(0755); }, "-112"},
+            {"another user's", [&] { return mkdir(path.c_str(), 0700) == 0; }, "-112"},
+            {"a link", [&] { return symlink(elsewhere.path().c_str(), path.c_str()) == 0; }, "-109"},
     };
     for (const auto& row : rows) {
         fs::remove_all(path);

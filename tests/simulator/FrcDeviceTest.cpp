@@ -80,12 +80,12 @@ TEST_F(FrcDeviceTest, RunsTheNewFirmwareWhenItHasBeenWrittenAndAfterARestart) {
     expected.insert(expected.end(), {"262146 0", "262146 1", "100/fw 123done 0"});
     EXPECT_EQ(sEvents, expected);
     EXPECT_EQ(info(), "123 0");
-    EXPECT_NE(contentOf(state() / "display/settings.txt").find("frc_firmware = 123\n"), std::string::npos);
+    EXPECT_NE(contentOf(state() / "settings/display.ini").find("[frc]\nfirmware = 123\n"), std::string::npos);
     EXPECT_EQ(a_zvttvfapi_disp_get_frc_connect_status(), 1);
 }
 
 TEST_F(FrcDeviceTest, SaysWhenTheNewVersionCannotBeKept) {
-    write(state() / "display/settings.txt", "not settings\n");
+    write(state() / "settings/display.ini/not a file", "");
     ASSERT_EQ(upgrade(image(7, "firmware")), 0);
     ASSERT_TRUE(raised(14));
     EXPECT_EQ(sEvents.back(), "100/fw 7failed " + std::to_string(kBadFile));

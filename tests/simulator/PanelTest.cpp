@@ -275,7 +275,7 @@ TEST_F(PanelTest, DrawingIsClippedWhateverTheNumbers) {
 
 TEST_F(PanelTest, RefusesWhatIsOutOfRangeAndKeepsWhatItHad) {
     ASSERT_EQ(a_zvttvfapi_disp_set_picture_param(0, 60), 0);
-    const std::string before = contentOf(state() / "display/settings.txt");
+    const std::string before = contentOf(state() / "settings/display.ini");
     const auto linear = gamma([](int i) { return i; });
     const auto bright = gamma([](int i) { return i * 5; });
     const std::function<int32_t()> calls[] = {
@@ -337,7 +337,7 @@ TEST_F(PanelTest, RefusesWhatIsOutOfRangeAndKeepsWhatItHad) {
         EXPECT_EQ(call(), kOutOfRange) << number;
         ++number;
     }
-    EXPECT_EQ(contentOf(state() / "display/settings.txt"), before);
+    EXPECT_EQ(contentOf(state() / "settings/display.ini"), before);
     const Picture picture = capture();
     EXPECT_EQ(picture.at(0, 0), picture.at(1919, 1079));
 }
@@ -356,20 +356,28 @@ TEST_F(PanelTest, ARestartKeepsTheSettingsAndLosesTheLayers) {
     EXPECT_EQ(after.at(100, 100), 0xF4F4F4U);
 }
 
-TEST_F(PanelTest, AFileThatIsWrongIsNeitherUsedNorOverwritten) {
-    ASSERT_EQ(a_zvttvfapi_disp_set_picture_param(0, 60), 0);
+TEST_F(PanelTest, WhatIsWrongInTheSettingsFileIsToldOnceAndCountsAsAbsent) {
     show(1, pattern(0x808080));
-    for (const char* text : {"picture_main = 50 50\n", "picture_main = 50 50 50 50 50 101\n", "colour = 1\n",
-                             "timing = 1x\n", "timing\n", "timing = 99999999999999999999\n"}) {
-        write(state() / "display/settings.txt", text);
-        EXPECT_EQ(a_zvttvfapi_disp_nty_drv_reload_param(), kBadFile) << text;
-        EXPECT_EQ(a_zvttvfapi_disp_set_picture_param(0, 70), kBadFile) << text;
-        EXPECT_EQ(contentOf(state() / "display/settings.txt"), text);
+    const std::string good = "[picture]\n; by hand\nmain = 40 50 50 50 50 80\n";
+    const std::pair<const char*, const char*> rows[] = {
+            {"sub = 50 50\n",
+             "line 4: picture:sub is not 6 numbers within their limits: the factory's are used"},
+            {"\nsub = 50 50 50 50 50 101\n", "line 5: picture:sub is not 6 numbers"},
+            {"[link]\ntiming = 99999999999999999999\n", "line 5: link:timing is not 1 numbers"},
+            {"mian = 1\n", "line 4: there is no setting picture:mian"},
+            {"main\n", "line 4 is neither a parameter nor a heading"}};
+    for (const auto& [bad, told] : rows) {
+        write(state() / "settings/display.ini", good + bad);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(a_zvttvfapi_disp_nty_drv_reload_param(), kBadFile) << bad;
+        EXPECT_EQ(a_zvttvfapi_disp_nty_drv_reload_param(), kBadFile) << bad;
+        const std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(said.find(told), std::string("board: settings/display.ini: ").size()) << said;
+        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+        EXPECT_EQ(capture().at(0, 0), 0x676767U);
+        EXPECT_EQ(a_zvttvfapi_disp_set_picture_param(1, 50), 0);
+        EXPECT_EQ(contentOf(state() / "settings/display.ini"), good + bad);
     }
-    EXPECT_EQ(capture().at(0, 0), 0x9A9A9AU);
-    write(state() / "display/settings.txt", "; by hand\npicture_main = 40 50 50 50 50 80\n");
-    EXPECT_EQ(a_zvttvfapi_disp_nty_drv_reload_param(), 0);
-    EXPECT_EQ(capture().at(0, 0), 0x676767U);
 }
 
 TEST_F(PanelTest, TakesUpItsIniFilesWhenItIsToldTo) {

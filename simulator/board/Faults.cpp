@@ -1,0 +1,23 @@
+#include "simulator/board/Faults.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <mutex>
+
+namespace simulator {
+
+void tellFaults(const std::string& file, const std::vector<std::string>& faults) {
+    static std::mutex& sMutex = *new std::mutex;
+    static auto& sTold = *new std::map<std::string, std::vector<std::string>>;  // guarded by sMutex
+    const std::lock_guard<std::mutex> lock(sMutex);
+    std::vector<std::string>& told = sTold[file];
+    for (const std::string& fault : faults) {
+        if (std::find(told.begin(), told.end(), fault) == told.end()) {
+            fprintf(stderr, "board: %s: %s\n", file.c_str(), fault.c_str());
+        }
+    }
+    told = faults;
+}
+
+}  // namespace simulator
