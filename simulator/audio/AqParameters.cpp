@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
 #include "simulator/audio/Sound.h"
 #include "simulator/board/Board.h"
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Files.h"
-#include "simulator/storage/IniParser.h"
+#include "simulator/storage/IniStore.h"
 
 namespace simulator {
 namespace {
@@ -18,7 +17,8 @@ constexpr char kFolder[] = "audio";
 constexpr char kCopy[] = "aq.ini";
 constexpr mode_t kMode = 0644;
 
-constexpr char kSection[] = "aq";
+constexpr char kFormatParameter[] = "aq:format";
+constexpr char kNameParameter[] = "aq:name";
 constexpr char kFormat[] = "1";
 constexpr size_t kMaxName = 64;
 constexpr unsigned kSpeakerBands = 10;
@@ -31,30 +31,12 @@ AqFile factoryFile() {
     return file;
 }
 
-std::string readHeading(const CSimpleIniCaseA& ini, AqFile* file) {
-    CSimpleIniCaseA::TNamesDepend keys;
-    ini.GetAllKeys(kSection, keys);
-    for (const auto& key : keys) {
-        if (strcmp(key.pItem, "format") != 0 && strcmp(key.pItem, "name") != 0) {
-            return std::string("[") + kSection + "] has no parameter " + key.pItem;
-        }
-    }
-    if (strcmp(ini.GetValue(kSection, "format", ""), kFormat) != 0) {
-        return std::string("[") + kSection + "] does not say \"format = " + kFormat + "\"";
-    }
-    file->name = ini.GetValue(kSection, "name", "");
-    return file->name.size() <= kMaxName ? "" : "its name is too long";
-}
-
-std::string readParameter(const std::string& section, const std::string& key, const std::string& text,
-                          AqFile* file) {
+std::string readParameter(const std::string& name, const std::string& text, AqFile* file) {
     const std::vector<AqParameter>& known = aqFileParameters();
-    const auto found = std::find_if(known.begin(), known.end(), [&](const AqParameter& parameter) {
-        return section == parameter.section && key == parameter.key;
-    });
-    const std::string where = "[" + section + "] " + key;
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&](const AqParameter& parameter) { return name == parameter.name; });
     if (found == known.end()) {
-        return where + " is not an AQ parameter";
+        return "is not an AQ parameter";
     }
     const auto values = parseNumbers(text, found->numbers);
     if (!values) {
@@ -63,7 +45,7 @@ std::string readParameter(const std::string& section, const std::string& key, co
             limits += (limits.empty() ? "" : ", then ") + std::to_string(number.least) + " to " +
                       std::to_string(number.most);
         }
-        return where + " is \"" + text + "\"; it takes a number from " + limits;
+        return "is \"" + text + "\"; it takes a number from " + limits;
     }
     file->values[static_cast<size_t>(found - known.begin())] = *values;
     return {};
@@ -74,17 +56,17 @@ std::string readParameter(const std::string& section, const std::string& key, co
 const std::vector<AqParameter>& aqFileParameters() {
     static const auto& sParameters = *new std::vector<AqParameter>([] {
         std::vector<AqParameter> all = {// In 0.1 dB, in tenths to one, in ms.
-                                        {"drc", "threshold", {{-600, 0, 0}}},
-                                        {"drc", "ratio", {{10, 200, 10}}},
-                                        {"drc", "attack", {{1, 500, 10}}},
-                                        {"drc", "release", {{10, 5000, 200}}},
-                                        {"limiter", "threshold", {{-300, 0, -10}}},
+                                        {"drc:threshold", {{-600, 0, 0}}},
+                                        {"drc:ratio", {{10, 200, 10}}},
+                                        {"drc:attack", {{1, 500, 10}}},
+                                        {"drc:release", {{10, 5000, 200}}},
+                                        {"limiter:threshold", {{-300, 0, -10}}},
                                         // In Hz, in 0.1 dB.
-                                        {"subwoofer", "crossover", {{40, 400, 120}}},
-                                        {"subwoofer", "gain", {{-120, 120, 0}}}};
+                                        {"subwoofer:crossover", {{40, 400, 120}}},
+                                        {"subwoofer:gain", {{-120, 120, 0}}}};
         // Frequency, gain and Q as for the parametric equaliser. Bands of gain 0 do nothing.
         for (unsigned band = 0; band < kSpeakerBands; ++band) {
-            all.push_back({"speaker_eq", "band" + std::to_string(band), peqBandLimits(1000)});
+            all.push_back({"speaker_eq:band" + std::to_string(band), peqBandLimits(1000)});
         }
         return all;
     }());
@@ -93,34 +75,27 @@ const std::vector<AqParameter>& aqFileParameters() {
 
 std::string parseAqFile(const std::string& text, AqFile* file) {
     *file = factoryFile();
-    CSimpleIniCaseA ini;
-    ini.SetQuotes();
-    ini.SetMultiKey();
-    ini.SetAllowKeyOnly();
-    // The parser ends at the first NUL.
-    if (text.find('\0') != std::string::npos || ini.LoadData(text) < 0) {
+    IniContents contents;
+    if (contents.read(text) != kOk) {
         return "it is not an INI file";
     }
-    if (const std::string fault = readHeading(ini, file); !fault.empty()) {
-        return fault;
+    if (!contents.faults.empty()) {
+        return contents.faultLines().front();
     }
-    CSimpleIniCaseA::TNamesDepend sections;
-    ini.GetAllSections(sections);
-    for (const auto& section : sections) {
-        CSimpleIniCaseA::TNamesDepend keys;
-        ini.GetAllKeys(section.pItem, keys);
-        for (const auto& key : keys) {
-            CSimpleIniCaseA::TNamesDepend values;
-            ini.GetAllValues(section.pItem, key.pItem, values);
-            const std::string fault =
-                    values.size() > 1
-                            ? std::string("[") + section.pItem + "] " + key.pItem + " is given twice"
-                    : strcmp(section.pItem, kSection) == 0
-                            ? ""
-                            : readParameter(section.pItem, key.pItem, values.front().pItem, file);
-            if (!fault.empty()) {
-                return fault;
-            }
+    if (contents.get(kFormatParameter, "") != kFormat) {
+        return std::string("it does not say that ") + kFormatParameter + " is " + kFormat;
+    }
+    file->name = contents.get(kNameParameter, "");
+    if (file->name.size() > kMaxName) {
+        return "its name is too long";
+    }
+    for (const auto& [name, value] : contents.parameters) {
+        const bool heading = name == kFormatParameter || name == kNameParameter;
+        const std::string fault = value.times > 1 ? "is given twice"
+                                  : heading       ? ""
+                                                  : readParameter(name, value.text, file);
+        if (!fault.empty()) {
+            return "line " + std::to_string(value.line) + ": " + name + " " + fault;
         }
     }
     return {};
@@ -184,7 +159,7 @@ std::string AqParameters::describe() const {
     std::string text = "AQ parameters \"" + file->name + "\"\n";
     for (size_t i = 0; i < file->values.size(); ++i) {
         const AqParameter& parameter = aqFileParameters()[i];
-        text += "aq " + parameter.section + ":" + parameter.key + " =";
+        text += "aq " + parameter.name + " =";
         for (const int64_t value : file->values[i]) {
             text += " " + std::to_string(value);
         }

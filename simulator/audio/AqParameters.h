@@ -10,8 +10,7 @@ namespace simulator {
 
 /** One parameter of an AQ file: numbers separated by blanks. */
 struct AqParameter {
-    std::string section;
-    std::string key;
+    std::string name;  // "section:key"
     std::vector<Limits> numbers;
 };
 

@@ -1,13 +1,13 @@
 #include "simulator/audio/VolumeTables.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <sstream>
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
@@ -32,9 +32,8 @@ bool parse(const std::string& text, VolumeTables::Table* table) {
         return false;
     }
     for (std::string line; std::getline(lines, line);) {
-        const char* const end = line.data() + line.size();
-        const auto [rest, error] = std::from_chars(line.data(), end, table->gains.emplace_back());
-        if (error != std::errc() || rest != end || table->gains.size() > VolumeTables::kMaxEntries) {
+        if (!readNumber(line, &table->gains.emplace_back()) ||
+            table->gains.size() > VolumeTables::kMaxEntries) {
             return false;
         }
     }

@@ -1,18 +1,19 @@
 #include "simulator/board/Board.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
 
 constexpr int64_t kReady = 0;
 constexpr int64_t kNever = INT64_MAX;
-constexpr unsigned long kMaxDelayMilliseconds = 24UL * 60 * 60 * 1000;
+constexpr uint32_t kMaxDelayMilliseconds = 24U * 60 * 60 * 1000;
 
 int64_t now() {
     timespec time{};
@@ -28,17 +29,15 @@ int64_t readyTime() {
     if (strcmp(text, "no") == 0) {
         return kNever;
     }
-    char* end = nullptr;
-    errno = 0;
-    const unsigned long delay = strtoul(text, &end, 10);
-    if (text[0] < '0' || text[0] > '9' || *end != '\0' || errno != 0 || delay > kMaxDelayMilliseconds) {
+    uint32_t delay = 0;
+    if (!readNumber(text, &delay) || delay > kMaxDelayMilliseconds) {
         fprintf(stderr,
                 "board: ZVTTV_BOARD_READY is \"%s\", not \"yes\", \"no\" or a number of milliseconds "
-                "up to %lu: the board stays not ready\n",
+                "up to %u: the board stays not ready\n",
                 text, kMaxDelayMilliseconds);
         return kNever;
     }
-    return now() + static_cast<int64_t>(delay) * 1'000'000;
+    return now() + int64_t{delay} * 1'000'000;
 }
 
 /** kReady, kNever, or the time from which on it is ready, in nanoseconds of the monotonic clock. */

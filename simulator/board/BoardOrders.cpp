@@ -1,6 +1,5 @@
 #include "simulator/board/BoardOrders.h"
 
-#include <charconv>
 #include <cstdio>
 #include <sstream>
 
@@ -8,6 +7,7 @@
 #include "simulator/board/ForcedStatus.h"
 #include "simulator/board/Module.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
@@ -29,9 +29,8 @@ std::string obey(const std::string& order) {
     }
     uint32_t milliseconds = kNeverReady;
     if (!duration.empty()) {
-        const char* const end = duration.data() + duration.size();
-        const auto [rest, error] = std::from_chars(duration.data(), end, milliseconds);
-        if (error != std::errc() || rest != end || milliseconds > kMaxNotReadyMilliseconds || !more.empty()) {
+        if (!readNumber(duration, &milliseconds) || milliseconds > kMaxNotReadyMilliseconds ||
+            !more.empty()) {
             return "\"" + duration + "\" is not a number of milliseconds up to a day's";
         }
     }

@@ -1,8 +1,9 @@
 #include "simulator/board/DriveOrders.h"
 
-#include <charconv>
 #include <mutex>
 #include <sstream>
+
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
@@ -65,11 +66,7 @@ std::string driveUsage() {
 }
 
 bool readDriveNumber(const std::string& text, uint64_t most, uint64_t* number) {
-    const bool hexadecimal = text.compare(0, 2, "0x") == 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] =
-            std::from_chars(text.data() + (hexadecimal ? 2 : 0), end, *number, hexadecimal ? 16 : 10);
-    return error == std::errc() && rest == end && *number <= most;
+    return readAnyNumber(text, number) && *number <= most;
 }
 
 }  // namespace simulator

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <set>
@@ -18,6 +17,7 @@
 #include "simulator/board/DriveOrders.h"
 #include "simulator/board/StateDirectory.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
@@ -29,24 +29,6 @@ constexpr size_t kMaxLine = 2 * 1024 * 1024;
 
 std::string tooLong() {
     return "the line is longer than " + std::to_string(kMaxLine) + " bytes";
-}
-
-bool readNumber(const std::string& text, uint32_t* number) {
-    const bool hexadecimal = text.compare(0, 2, "0x") == 0 || text.compare(0, 2, "0X") == 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] =
-            std::from_chars(text.data() + (hexadecimal ? 2 : 0), end, *number, hexadecimal ? 16 : 10);
-    return error == std::errc() && rest == end;
-}
-
-int digitOf(char letter) {
-    if (letter >= '0' && letter <= '9') {
-        return letter - '0';
-    }
-    if (letter >= 'a' && letter <= 'f') {
-        return letter - 'a' + 10;
-    }
-    return letter >= 'A' && letter <= 'F' ? letter - 'A' + 10 : -1;
 }
 
 bool readHex(const std::string& text, std::vector<uint8_t>* bytes) {
@@ -76,7 +58,7 @@ std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonO
         const std::string value = equals == std::string::npos ? "" : field.substr(equals + 1);
         bool good = equals != std::string::npos;
         if (key == "value") {
-            good = good && readNumber(value, &record->u32Value);
+            good = good && readAnyNumber(value, &record->u32Value);
         } else if (key == "text") {
             record->strValue = value;
         } else if (key == "bytes") {
@@ -158,7 +140,7 @@ std::string readEventOrder(const std::string& line, EventOrder* order) {
     if (order->module == nullptr) {
         return "there is no module \"" + module + "\"";
     }
-    if (!readNumber(type, &order->type)) {
+    if (!readAnyNumber(type, &order->type)) {
         return "\"" + type + "\" is not an event type";
     }
     size_t count = 0;

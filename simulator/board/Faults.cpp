@@ -5,11 +5,18 @@
 #include <map>
 #include <mutex>
 
+#include "simulator/board/Board.h"
+#include "simulator/board/Status.h"
+
 namespace simulator {
 
 void tellFaults(const std::string& file, const std::vector<std::string>& faults) {
     static std::mutex& sMutex = *new std::mutex;
     static auto& sTold = *new std::map<std::string, std::vector<std::string>>;  // guarded by sMutex
+    // A state folder that cannot be had has been said itself.
+    if (!faults.empty() && boardState().openFolder("").status != kOk) {
+        return;
+    }
     const std::lock_guard<std::mutex> lock(sMutex);
     std::vector<std::string>& told = sTold[file];
     for (const std::string& fault : faults) {

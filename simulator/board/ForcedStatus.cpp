@@ -1,10 +1,11 @@
 #include "simulator/board/ForcedStatus.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
+
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {
@@ -21,19 +22,15 @@ ForcePoint* find(const std::string& name) {
 }
 
 template <typename Number>
-bool readNumber(std::string_view text, Number* number) {
+bool readSigned(std::string_view text, Number* number) {
     const bool negative = !text.empty() && text[0] == '-';
     text.remove_prefix(negative ? 1 : 0);
-    const bool hexadecimal = text.substr(0, 2) == "0x";
-    text.remove_prefix(hexadecimal ? 2 : 0);
     uint32_t magnitude = 0;
-    const auto [rest, error] =
-            std::from_chars(text.data(), text.data() + text.size(), magnitude, hexadecimal ? 16 : 10);
+    const bool good = readAnyNumber(text, &magnitude);
     const int64_t value = negative ? -int64_t{magnitude} : int64_t{magnitude};
     *number = static_cast<Number>(value);
     // A status of 0x80000000 or above is meant as its bits.
-    return error == std::errc() && rest == text.data() + text.size() &&
-           (*number == value || (hexadecimal && !negative));
+    return good && (*number == value || (text.substr(0, 2) == "0x" && !negative));
 }
 
 bool forceFromEnvironment() {
@@ -96,11 +93,11 @@ std::string forceStatus(const std::string& order) {
         return {};
     }
     int32_t forced = 0;
-    if (!readNumber(status, &forced)) {
+    if (!readSigned(status, &forced)) {
         return "\"" + status + "\" is not a status";
     }
     uint32_t count = calls.empty() ? 1 : ForcePoint::kAlways;
-    if ((!calls.empty() && calls != "always" && (!readNumber(calls, &count) || count == 0)) ||
+    if ((!calls.empty() && calls != "always" && (!readSigned(calls, &count) || count == 0)) ||
         !more.empty()) {
         return "\"" + calls + (more.empty() ? "" : " " + more) +
                "\" is neither a number of calls nor \"always\"";

@@ -18,6 +18,8 @@ namespace simulator {
 namespace {
 
 constexpr mode_t kFolderMode = 0700;
+constexpr int kClaimPatienceMilliseconds = 500;
+constexpr int kClaimPauseMilliseconds = 10;
 
 std::string environment(const char* name) {
     const char* value = getenv(name);
@@ -242,26 +244,30 @@ Opened StateDirectory::openFolder(const std::string& name) const {
 
 void StateDirectory::claim() const {
     Opened root = openRoot();
-    // Not at all for a folder that cannot be had: nothing is kept there.
     if (root.status != kOk) {
         return;
     }
-    if (flock(root.file.get(), LOCK_EX | LOCK_NB) == 0) {
-        root.file.release();
-        return;
+    const int folder = root.file.get();
+    // One that is just being killed is waited for.
+    bool taken = true;
+    for (int waited = 0; taken && waited <= kClaimPatienceMilliseconds; waited += kClaimPauseMilliseconds) {
+        taken = flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (taken) {
+            usleep(kClaimPauseMilliseconds * 1000);
+        }
     }
-    if (errno != EWOULDBLOCK) {
-        fprintf(stderr, "board: %s cannot be locked, see that no other service uses it: %s\n", mPath.c_str(),
-                strerror(errno));
-        return;
+    if (taken) {
+        const int holder = holderOf(folder);
+        const std::string process = holder == 0 ? "" : ", process " + std::to_string(holder) + ",";
+        fprintf(stderr,
+                "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this "
+                "one's "
+                "own\n",
+                process.c_str(), mPath.c_str());
+        exit(EXIT_FAILURE);
     }
-    const int holder = holderOf(root.file.get());
-    const std::string process = holder == 0 ? "" : " (process " + std::to_string(holder) + ")";
-    fprintf(stderr,
-            "board: another service%s keeps its state in %s: set ZVTTV_STATE_DIR to a folder of this one's "
-            "own\n",
-            process.c_str(), mPath.c_str());
-    exit(EXIT_FAILURE);
+    // Open until the process ends. Where folders cannot be locked, nobody is kept out.
+    root.file.release();
 }
 
 FileStamp::FileStamp(const struct stat& status)

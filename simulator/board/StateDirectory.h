@@ -67,7 +67,7 @@ class StateDirectory {
 
     /**
      * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
-     * another one has it: two services would overwrite what the other has acknowledged.
+     * another one has it: two services would overwrite what the other has acknowledged. Once.
      */
     void claim() const;
 

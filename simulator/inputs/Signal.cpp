@@ -1,10 +1,10 @@
 #include "simulator/inputs/Signal.h"
-
 #include <strings.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
+
+#include "simulator/board/Text.h"
 
 using namespace fapi_core;
 
@@ -67,10 +67,8 @@ constexpr Raster kRasters[] = {
         {800, 600, 60, 1056, 628},     {1024, 768, 60, 1344, 806},   {1280, 1024, 60, 1688, 1066},
         {1920, 1080, 120, 2200, 1125}, {3840, 2160, 120, 4400, 2250}};
 
-bool readNumber(const std::string& text, int64_t least, int64_t most, int64_t* number) {
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, *number);
-    return error == std::errc() && rest == end && *number >= least && *number <= most;
+bool readWithin(const std::string& text, int64_t least, int64_t most, int64_t* number) {
+    return readNumber(text, number) && *number >= least && *number <= most;
 }
 
 /** Reads "59.94" as 59940; at most three digits behind the point. */
@@ -79,7 +77,7 @@ bool readRate(const std::string& text, int64_t* rate) {
     std::string decimals = point == std::string::npos ? "" : text.substr(point + 1);
     const bool good = point == std::string::npos || (!decimals.empty() && decimals.size() <= 3);
     decimals.resize(3, '0');
-    return good && readNumber(text.substr(0, point) + decimals, kLeastRate, kMostRate, rate);
+    return good && readWithin(text.substr(0, point) + decimals, kLeastRate, kMostRate, rate);
 }
 
 bool readTiming(const std::string& word, Signal* signal) {
@@ -94,8 +92,8 @@ bool readTiming(const std::string& word, Signal* signal) {
         lines.pop_back();
     }
     int64_t width = 0, height = 0, rate = 0;
-    if (!readNumber(word.substr(0, times), 1, kMostWidth, &width) ||
-        !readNumber(lines, 1, kMostHeight, &height) || !readRate(word.substr(at + 1), &rate)) {
+    if (!readWithin(word.substr(0, times), 1, kMostWidth, &width) ||
+        !readWithin(lines, 1, kMostHeight, &height) || !readRate(word.substr(at + 1), &rate)) {
         return false;
     }
     signal->width = static_cast<uint16_t>(width);
@@ -207,10 +205,10 @@ std::string parseSignal(ZvtTvFApiInputSource_e source, const std::vector<std::st
         if (isAnalogueVideo(source) && standard != std::end(kStandards)) {
             signal->standard = static_cast<ZvtTvFApiVideoStandard_e>(standard - kStandards);
         } else if (source == INPUT_SOURCE_DTV && word.compare(0, 4, "ber=") == 0 &&
-                   readNumber(word.substr(4), 0, kMostBitErrors, &number)) {
+                   readWithin(word.substr(4), 0, kMostBitErrors, &number)) {
             signal->bitErrors = static_cast<int32_t>(number);
         } else if (adcOf(source) && word.compare(0, 6, "level=") == 0 &&
-                   readNumber(word.substr(6), 1, kMostLevel, &number)) {
+                   readWithin(word.substr(6), 1, kMostLevel, &number)) {
             signal->level = static_cast<unsigned>(number);
         } else {
             return std::string("\"") + word + "\" means nothing to the source " + nameOf(source);

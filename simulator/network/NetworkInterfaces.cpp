@@ -7,9 +7,10 @@
 #include <iterator>
 #include <optional>
 
-#include "simulator/board/Identity.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/Emmc.h"
+#include "simulator/storage/Identity.h"
 
 namespace simulator {
 namespace {
@@ -25,12 +26,6 @@ struct Interface {
 };
 constexpr Interface kInterfaces[] = {{"eth0", true}, {"wlan0", false}};
 
-int digit(char c) {
-    const char* const digits = "0123456789abcdef";
-    const char* const found = c == '\0' ? nullptr : strchr(digits, c >= 'A' && c <= 'F' ? c - 'A' + 'a' : c);
-    return found == nullptr ? -1 : static_cast<int>(found - digits);
-}
-
 /** Six groups of two hexadecimal digits, all separated by ':' or all by '-', of an address that one station
  * may have. */
 std::optional<Mac> parseMac(const char* text) {
@@ -40,8 +35,8 @@ std::optional<Mac> parseMac(const char* text) {
         return std::nullopt;
     }
     for (size_t i = 0; i < kMacBytes; ++i) {
-        const int high = digit(text[3 * i]);
-        const int low = digit(text[3 * i + 1]);
+        const int high = digitOf(text[3 * i]);
+        const int low = digitOf(text[3 * i + 1]);
         if (high < 0 || low < 0 || (i + 1 < kMacBytes && text[3 * i + 2] != text[2])) {
             return std::nullopt;
         }

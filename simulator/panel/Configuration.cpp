@@ -2,10 +2,9 @@
 
 #include <zlib.h>
 
-#include <charconv>
-
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/IniStore.h"
 
 namespace simulator {
@@ -23,29 +22,26 @@ constexpr const char* kWindowNames[kWindows] = {"main", "sub", "third"};
 constexpr const char* kTypeNames[kPqTypes] = {"basic",    "color",  "sharpness", "noise_reduction",
                                               "contrast", "motion", "gamma"};
 
-/** Reads parameters of one file; the first fault stays, is said, and ends the reading. */
+/** Reads parameters of one file. */
 class Reader {
   public:
-    explicit Reader(const char* file) : mFile(file) {}
+    explicit Reader(const char* file) : mFile(file), mStatus(boardIni().read(file, &mContents)) {
+        mStatus = mStatus == kNotFound ? kOk : mStatus;
+        mUnreadable = mStatus != kOk;
+    }
 
-    int32_t status() const { return mStatus; }
-
-    /** False when there is no such parameter, or after a fault. */
+    /** False when there is no such parameter. */
     bool text(const std::string& parameter, size_t mostBytes, std::string* value) {
-        char buffer[256];
-        const int32_t status =
-                mStatus != kOk ? mStatus : boardIni().get(mFile, parameter.c_str(), buffer, sizeof(buffer));
-        if (status == kOk && std::string(buffer).size() <= mostBytes) {
-            *value = buffer;
-            return true;
+        const auto found = mContents.parameters.find(parameter);
+        if (found == mContents.parameters.end()) {
+            return false;
         }
-        if (status == kOk || status == kTooLong) {
+        if (found->second.text.size() > mostBytes) {
             fault(parameter, "is longer than " + std::to_string(mostBytes) + " bytes");
-        } else if (status != kNotFound && mStatus == kOk) {
-            say("cannot be read (status " + std::to_string(status) + ")");
-            mStatus = status;
+            return false;
         }
-        return false;
+        *value = found->second.text;
+        return true;
     }
 
     template <typename T>
@@ -55,9 +51,7 @@ class Reader {
         if (!text(parameter, 32, &digits)) {
             return;
         }
-        const char* const end = digits.data() + digits.size();
-        const auto [rest, error] = std::from_chars(digits.data(), end, found);
-        if (error != std::errc() || rest != end || found < least || found > most) {
+        if (!readNumber(digits, &found) || found < least || found > most) {
             fault(parameter, "is not a number from " + std::to_string(least) + " to " + std::to_string(most));
             return;
         }
@@ -65,24 +59,24 @@ class Reader {
     }
 
     void fault(const std::string& parameter, const std::string& what) {
-        say(parameter + " " + what);
+        mContents.faults[mContents.parameters[parameter].line] = parameter + " " + what;
         mStatus = kBadFile;
     }
 
-    /** Nothing was wrong, unless it has been said. */
+    /** What was wrong is said. A line that means nothing does no harm. */
     int32_t end() {
-        if (mStatus == kOk) {
-            tellFaults(name(), {});
-        }
+        tellFaults(boardIni().pathOf(mFile), mUnreadable
+                                                     ? std::vector<std::string>{"cannot be read (status " +
+                                                                                std::to_string(mStatus) + ")"}
+                                                     : mContents.faultLines());
         return mStatus;
     }
 
   private:
-    std::string name() const { return std::string("ini/") + mFile + ".ini"; }
-    void say(const std::string& fault) const { tellFaults(name(), {fault}); }
-
     const char* const mFile;
-    int32_t mStatus = kOk;
+    IniContents mContents;
+    int32_t mStatus;
+    bool mUnreadable;
 };
 
 }  // namespace
@@ -114,13 +108,12 @@ int32_t loadDriverParameters(DriverParameters* parameters) {
     ini.number("backlight:pwm_min", 0, 100, &found.pwmMin);
     ini.number("backlight:pwm_max", 0, 100, &found.pwmMax);
     ini.number("frc:present", 0, 1, &found.frcPresent);
-    if (ini.status() == kOk && found.pwmMin > found.pwmMax) {
+    if (found.pwmMin > found.pwmMax) {
         ini.fault("backlight:pwm_min", "is more than pwm_max");
     }
-    if (ini.status() == kOk) {
-        *parameters = found;
-    }
-    return ini.end();
+    const int32_t status = ini.end();
+    *parameters = status == kOk ? found : *parameters;
+    return status;
 }
 
 int32_t loadPqData(PqData* data) {
@@ -131,7 +124,7 @@ int32_t loadPqData(PqData* data) {
         const std::string least = std::string("range:") + axes[i] + "_min";
         ini.number(least, -kMaxRange, kMaxRange, &found.range[i][0]);
         ini.number(std::string("range:") + axes[i] + "_max", -kMaxRange, kMaxRange, &found.range[i][1]);
-        if (ini.status() == kOk && found.range[i][0] > found.range[i][1]) {
+        if (found.range[i][0] > found.range[i][1]) {
             ini.fault(least, "is more than its max");
         }
     }
@@ -144,10 +137,9 @@ int32_t loadPqData(PqData* data) {
                      version);
         }
     }
-    if (ini.status() == kOk) {
-        *data = found;
-    }
-    return ini.end();
+    const int32_t status = ini.end();
+    *data = status == kOk ? found : *data;
+    return status;
 }
 
 }  // namespace simulator

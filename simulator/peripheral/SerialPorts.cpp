@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "simulator/board/Board.h"
-#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 namespace {

@@ -1,12 +1,12 @@
 #include "simulator/storage/BootVariables.h"
 
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/Emmc.h"
 
 namespace simulator {
@@ -32,9 +32,7 @@ int32_t readClock(unsigned* seconds) {
     int64_t offset = 0;
     const int32_t status = boardEmmc().get(kClockVariable, text, sizeof(text));
     if (status == kOk) {
-        const char* const end = text + strlen(text);
-        const auto [rest, error] = std::from_chars(text, end, offset);
-        if (error != std::errc() || rest != end) {
+        if (!readNumber(text, &offset)) {
             fprintf(stderr, "board: the variable %s is \"%s\", not a number of seconds\n", kClockVariable,
                     text);
             return kOutOfRange;

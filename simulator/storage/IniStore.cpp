@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "simulator/board/Board.h"
-#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 #include "simulator/storage/IniParser.h"
 #include "simulator/storage/IniText.h"
 
@@ -66,6 +66,39 @@ bool parse(const std::string& text, CSimpleIniCaseA& ini) {
 }
 
 }  // namespace
+
+int32_t IniContents::read(const std::string& text) {
+    CSimpleIniCaseA ini;
+    ini.SetQuotes();
+    if (!parse(text, ini)) {
+        return kBadFile;
+    }
+    size_t number = 0;
+    for (const IniLine& line : iniLines(withoutMark(text))) {
+        ++number;
+        if (line.kind == IniLine::Parameter) {
+            const std::string section(*line.section), key(line.key);
+            Value& value = parameters[section.empty() ? key : section + ":" + key];
+            value = {ini.GetValue(section.c_str(), key.c_str(), ""), number, value.times + 1};
+        } else if (line.kind == IniLine::Junk) {
+            faults[number] = "neither a parameter nor a heading";
+        }
+    }
+    return kOk;
+}
+
+std::string IniContents::get(const std::string& parameter, const std::string& otherwise) const {
+    const auto found = parameters.find(parameter);
+    return found == parameters.end() ? otherwise : found->second.text;
+}
+
+std::vector<std::string> IniContents::faultLines() const {
+    std::vector<std::string> lines;
+    for (const auto& [number, fault] : faults) {
+        lines.push_back("line " + std::to_string(number) + ": " + fault);
+    }
+    return lines;
+}
 
 struct IniStore::File {
     File(std::string fileName, const struct stat& status) : name(std::move(fileName)), stamp(status) {
@@ -151,33 +184,14 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     return kOk;
 }
 
-int32_t IniStore::read(const char* file, Contents* contents) const {
+int32_t IniStore::read(const char* file, IniContents* contents) const {
     const std::string name = fileName(file);
     std::string text;
     if (name.empty()) {
         return kBadName;
     }
-    if (const int32_t result = mFolder.read(name, kMaxFileBytes, text); result != kOk) {
-        return result;
-    }
-    CSimpleIniCaseA ini;
-    ini.SetQuotes();
-    if (!parse(text, ini)) {
-        return kBadFile;
-    }
-    size_t number = 0;
-    for (const IniLine& line : iniLines(withoutMark(text))) {
-        ++number;
-        if (line.kind == IniLine::Parameter) {
-            const std::string section(*line.section), key(line.key);
-            const char* const value = ini.GetValue(section.c_str(), key.c_str(), "");
-            contents->parameters[section + ":" + key] = {value, number};
-        } else if (line.kind == IniLine::Junk) {
-            contents->faults.push_back("line " + std::to_string(number) +
-                                       " is neither a parameter nor a heading");
-        }
-    }
-    return kOk;
+    const int32_t result = mFolder.read(name, kMaxFileBytes, text);
+    return result == kOk ? contents->read(text) : result;
 }
 
 int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string, std::string>>& values) {

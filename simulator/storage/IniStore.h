@@ -17,6 +17,28 @@ namespace simulator {
 // This room: what the board keeps. Settings and parameter files, the file system, the eMMC, keys. It knows
 // the board alone.
 
+/** What an INI text says. */
+struct IniContents {
+    /** The last value of a parameter, where it is, and how often the parameter is given. */
+    struct Value {
+        std::string text;
+        size_t line;
+        unsigned times;
+    };
+    std::map<std::string, Value> parameters;  // by "section:key", or "key"
+    /** What is wrong with lines, by their numbers; for a reader to add to. */
+    std::map<size_t, std::string> faults;
+
+    /** Reads a text; kBadFile when it is none. Lines that mean nothing are faults. */
+    int32_t read(const std::string& text);
+
+    /** The last value of a parameter, or the other text. */
+    std::string get(const std::string& parameter, const std::string& otherwise) const;
+
+    /** For tellFaults(): "line 3: ..." each. */
+    std::vector<std::string> faultLines() const;
+};
+
 /**
  * INI files in a folder of the state folder: the board's configuration in ini/, say.
  *
@@ -41,8 +63,8 @@ class IniStore {
 
     explicit IniStore(const StateDirectory& state, const char* folder = "ini");
 
-    /** The folder's name. */
-    const std::string& folder() const { return mFolder.name(); }
+    /** A file as messages call it. */
+    std::string pathOf(const char* file) const { return mFolder.name() + "/" + file + ".ini"; }
 
     ~IniStore();
     IniStore(const IniStore&) = delete;
@@ -54,18 +76,8 @@ class IniStore {
      */
     int32_t get(const char* file, const char* parameter, char* buffer, size_t size);
 
-    /** A file as it is now: the last value of each parameter, and what hands have spoiled. */
-    struct Contents {
-        struct Value {
-            std::string text;
-            size_t line;
-        };
-        std::map<std::string, Value> parameters;  // by "section:key"
-        /** "line 3: ..." for each line that means nothing. */
-        std::vector<std::string> faults;
-    };
     /** Reads a file of the folder as a whole. kNotFound, kBadName, kBadFile, or why it cannot be read. */
-    int32_t read(const char* file, Contents* contents) const;
+    int32_t read(const char* file, IniContents* contents) const;
 
     /**
      * Sets a value; on kOk it is on the disk. kBadName, kOutOfRange (the value), kBadFile, or why the

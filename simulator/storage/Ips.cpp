@@ -1,7 +1,6 @@
 #include "simulator/storage/Ips.h"
 
 #include <atomic>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -20,25 +19,26 @@ std::atomic<uint32_t> sIps{0};
 
 uint32_t readIps() {
     uint32_t ips = kIpsRead;
-    bool readable = true;
-    std::vector<std::string> faults;
+    IniContents contents;
+    const int32_t status = boardIni().read("ip", &contents);
     for (unsigned id = 0; id < kIpCount; ++id) {
         bool enabled = kIps[id].fused;
-        char value[16];
-        const std::string parameter = std::string("ip:") + kIps[id].key;
-        const int32_t result =
-                readable ? boardIni().get("ip", parameter.c_str(), value, sizeof(value)) : kNotFound;
-        if (result == kOk && (strcmp(value, "0") == 0 || strcmp(value, "1") == 0)) {
-            enabled = value[0] == '1';
-        } else if (result == kOk || result == kTooLong) {
-            faults.push_back(std::string("the value of ") + kIps[id].key + " is not 0 or 1: ignored");
-        } else if (result != kNotFound) {
-            faults.push_back("cannot be read (status " + std::to_string(result) + "): ignored");
-            readable = false;
+        if (const auto found = contents.parameters.find(std::string("ip:") + kIps[id].key);
+            found != contents.parameters.end()) {
+            const std::string& value = found->second.text;
+            enabled = value == "0" || value == "1" ? value == "1" : enabled;
+            if (value != "0" && value != "1") {
+                contents.faults[found->second.line] =
+                        "the value of " + found->first + " is not 0 or 1: ignored";
+            }
         }
         ips |= enabled ? 1U << id : 0;
     }
-    tellFaults("ini/ip.ini", faults);
+    std::vector<std::string> faults = contents.faultLines();
+    if (status != kOk && status != kNotFound) {
+        faults = {"cannot be read (status " + std::to_string(status) + "): ignored"};
+    }
+    tellFaults(boardIni().pathOf("ip"), faults);
     return ips;
 }
 

@@ -1,10 +1,10 @@
 #include "simulator/storage/KeptNumbers.h"
 
-#include <charconv>
 #include <sstream>
 
 #include "simulator/board/Faults.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 
@@ -40,9 +40,7 @@ std::optional<std::vector<int64_t>> parseNumbers(const std::string& text, const 
     std::vector<int64_t> values;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        const char* const end = word.data() + word.size();
-        const auto [rest, error] = std::from_chars(word.data(), end, values.emplace_back());
-        if (error != std::errc() || rest != end) {
+        if (!readNumber(word, &values.emplace_back())) {
             return std::nullopt;
         }
     }
@@ -56,12 +54,8 @@ KeptNumbers::KeptNumbers(IniStore& store, const char* file, std::vector<Group> g
 
 int32_t KeptNumbers::load() {
     const std::lock_guard<std::mutex> changing(mChanging);
-    IniStore::Contents contents;
-    std::vector<std::string>& faults = contents.faults;
+    IniContents contents;
     const int32_t status = mStore.read(mFile, &contents);
-    if (status != kOk && status != kNotFound) {
-        faults.push_back("cannot be read (status " + std::to_string(status) + "): the factory's are used");
-    }
     auto values = std::make_shared<std::vector<Values>>();
     for (const Group& group : mGroups) {
         const auto found = contents.parameters.find(group.parameter);
@@ -69,18 +63,22 @@ int32_t KeptNumbers::load() {
         if (found != contents.parameters.end()) {
             kept = parseNumbers(found->second.text, group.numbers);
             if (!kept) {
-                faults.push_back("line " + std::to_string(found->second.line) + ": " + group.parameter +
-                                 " is not " + std::to_string(group.numbers.size()) +
-                                 " numbers within their limits: the factory's are used");
+                contents.faults[found->second.line] = group.parameter + " is not " +
+                                                      std::to_string(group.numbers.size()) +
+                                                      " numbers within their limits: the factory's are used";
             }
             contents.parameters.erase(found);
         }
         values->push_back(kept ? *std::move(kept) : factoryNumbers(group.numbers));
     }
     for (const auto& [parameter, value] : contents.parameters) {
-        faults.push_back("line " + std::to_string(value.line) + ": there is no setting " + parameter);
+        contents.faults[value.line] = "there is no setting " + parameter;
     }
-    tellFaults(mStore.folder() + "/" + mFile + ".ini", faults);
+    std::vector<std::string> faults = contents.faultLines();
+    if (status != kOk && status != kNotFound) {
+        faults = {"cannot be read (status " + std::to_string(status) + "): the factory's are used"};
+    }
+    tellFaults(mStore.pathOf(mFile), faults);
     const std::lock_guard<std::mutex> lock(mMutex);
     mValues = std::move(values);
     return status != kOk && status != kNotFound ? status : faults.empty() ? kOk : kBadFile;

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "simulator/board/Board.h"
-#include "simulator/board/Identity.h"
-#include "simulator/board/Names.h"
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
+#include "simulator/storage/Identity.h"
 #include "simulator/storage/Sandbox.h"
 
 namespace simulator {

@@ -2,13 +2,12 @@
 
 #include <zlib.h>
 
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "simulator/board/Status.h"
+#include "simulator/board/Text.h"
 
 namespace simulator {
 
@@ -34,9 +33,7 @@ uint32_t upgradeMilliseconds(const char* variable) {
         return kDefault;
     }
     uint32_t milliseconds = 0;
-    const char* const end = text + strlen(text);
-    const auto [rest, error] = std::from_chars(text, end, milliseconds);
-    if (error != std::errc() || rest != end || milliseconds > kMost) {
+    if (!readNumber(text, &milliseconds) || milliseconds > kMost) {
         fprintf(stderr, "board: %s is \"%s\", not a number of milliseconds up to %u: %u is used\n", variable,
                 text, kMost, kDefault);
         return kDefault;

@@ -42,9 +42,10 @@ class ServiceFixture : public testing::Test {
         std::filesystem::remove(mLog);
     }
 
-    void start() {
+    void start() { startAs({getenv("ZVTTV_TEST_SERVICE")}); }
+    void startAs(const std::vector<std::string>& command) {
         mService.clear();
-        mService.emplace_back(std::vector<std::string>{getenv("ZVTTV_TEST_SERVICE")}, mLog);
+        mService.emplace_back(command, mLog);
     }
     void startAndWait() {
         start();

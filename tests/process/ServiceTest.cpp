@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiInformation.h>
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiSystem.h>
 
 #include <atomic>
 #include <map>
@@ -15,6 +16,7 @@ using ::android::hardware::ObjectReference;
 using ::android::hardware::Registry;
 using ::testing::HasSubstr;
 using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiInformation;
+using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiSystem;
 
 // In the order in which the service registers them.
 const std::vector<std::string> kInterfaces = {"Audio",      "DisplayTest", "Display", "Network",
@@ -35,6 +37,23 @@ class ServiceTest : public ServiceFixture {
         EXPECT_TRUE(call.isOk());
         return result;
     }
+    static int32_t keep(const std::string& value) {
+        return IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_set_ini_para("panel", "test:value",
+                                                                                       value);
+    }
+    static std::pair<std::string, int32_t> kept() {
+        std::pair<std::string, int32_t> value;
+        const auto call = IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_get_ini_para(
+                "panel", "test:value", [&](const hidl_string& text, int32_t status) {
+                    value = {text, status};
+                });
+        EXPECT_TRUE(call.isOk());
+        return value;
+    }
+    static int32_t fill(const std::string& file, size_t bytes) {
+        return IZvtTvFApiSystem::getService()->a_hidl_a_zvttvfapi_sys_write_file_byte(
+                file, std::vector<uint8_t>(bytes, 'x'), "a");
+    }
 };
 
 TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
@@ -44,18 +63,10 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
     }
     EXPECT_EQ(0, version().second);
     EXPECT_FALSE(version().first.empty());
-    EXPECT_EQ(0, int32_t(IZvtTvFApiInformation::getService()->a_hidl_zvttvfapi_info_set_ini_para(
-                         "panel", "test:value", "27")));
-    service().stop(SIGTERM);
+    EXPECT_EQ(0, keep("27"));
+    service().stop(SIGKILL);
     startAndWait();
-    std::pair<std::string, int32_t> value;
-    EXPECT_TRUE(IZvtTvFApiInformation::getService()
-                        ->a_hidl_zvttvfapi_info_get_ini_para("panel", "test:value",
-                                                             [&](const hidl_string& text, int32_t status) {
-                                                                 value = {text, status};
-                                                             })
-                        .isOk());
-    EXPECT_EQ(std::pair(std::string("27"), 0), value);
+    EXPECT_EQ(std::pair(std::string("27"), 0), kept());
     bool enabled = false;
     int32_t status = -1;
     EXPECT_TRUE(IZvtTvFApiInformation::getService()
@@ -66,7 +77,48 @@ TEST_F(ServiceTest, AnotherProcessWritesAndReadsParametersThatSurviveARestart) {
                                                                      })
                         .isOk());
     EXPECT_EQ(0, status);
-    EXPECT_TRUE(std::filesystem::exists(mState + "/ini/pq.ini")) << "the custom library has been started";
+    EXPECT_TRUE(eventually([this] { return std::filesystem::exists(mState + "/ini/pq.ini"); }))
+            << "the custom library has been started";
+}
+
+TEST_F(ServiceTest, ASecondServiceOnABoardEndsAndSaysWhoseItIs) {
+    startAndWait();
+    // Names are no matter: it does not come so far.
+    ChildProcess second({getenv("ZVTTV_TEST_SERVICE")}, mState + ".second");
+    EXPECT_EQ(1, second.wait());
+    EXPECT_EQ("board: another service, process " + std::to_string(service().pid()) + ", keeps its state in " +
+                      mState + ": set ZVTTV_STATE_DIR to a folder of this one's own\n",
+              contentOf(mState + ".second"));
+    std::filesystem::remove(mState + ".second");
+    EXPECT_EQ(0, keep("3"));
+    service().stop(SIGKILL);
+    startAndWait();
+    EXPECT_EQ(std::pair(std::string("3"), 0), kept());
+}
+
+TEST_F(ServiceTest, WhatTheDiskRefusesIsAStatusAndTheOlderValueStays) {
+    std::filesystem::create_directory(mState);
+    // The disk of a namespace of the service's own, where that is allowed; else no file grows beyond 64 KiB.
+    const std::string mount = "mount -t tmpfs -o size=192k tmpfs \"$ZVTTV_STATE_DIR\"";
+    const bool mounts = system(("unshare -rm sh -c '" + mount + "' 2>/dev/null").c_str()) == 0;
+    const std::string disk = mounts ? "exec unshare -rm sh -c '" + mount + "; exec \"$ZVTTV_TEST_SERVICE\"'"
+                                    : "ulimit -f 128; trap '' XFSZ; exec \"$ZVTTV_TEST_SERVICE\"";
+    startAs({"/bin/sh", "-c", disk});
+    ASSERT_TRUE(eventually([this] { return isRegistered("Manager"); })) << log();
+    ASSERT_EQ(0, keep("old"));
+    int32_t status = 0;
+    for (int i = 0; i < 64 && status == 0; ++i) {
+        status = fill("/large", 4096);
+    }
+    EXPECT_EQ(-113, status);
+    if (mounts) {
+        EXPECT_EQ(-113, keep("new"));
+        EXPECT_THAT(log(), HasSubstr("ini/panel.ini cannot be written: No space left on device\n"));
+        EXPECT_EQ(std::pair(std::string("old"), 0), kept());
+        EXPECT_EQ(0, int32_t(IZvtTvFApiSystem::getService()->a_hidl_a_zvttvfapi_sys_remove_file("/large")));
+    }
+    EXPECT_EQ(0, keep("new"));
+    EXPECT_EQ(std::pair(std::string("new"), 0), kept());
 }
 
 TEST_F(ServiceTest, EachInterfaceAnswersTheRecordedHashOfItsFile) {

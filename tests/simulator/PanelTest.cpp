@@ -365,7 +365,7 @@ TEST_F(PanelTest, WhatIsWrongInTheSettingsFileIsToldOnceAndCountsAsAbsent) {
             {"\nsub = 50 50 50 50 50 101\n", "line 5: picture:sub is not 6 numbers"},
             {"[link]\ntiming = 99999999999999999999\n", "line 5: link:timing is not 1 numbers"},
             {"mian = 1\n", "line 4: there is no setting picture:mian"},
-            {"main\n", "line 4 is neither a parameter nor a heading"}};
+            {"main\n", "line 4: neither a parameter nor a heading"}};
     for (const auto& [bad, told] : rows) {
         write(state() / "settings/display.ini", good + bad);
         testing::internal::CaptureStderr();

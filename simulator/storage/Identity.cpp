@@ -1,12 +1,13 @@
-#include "simulator/board/Identity.h"
+#include "simulator/storage/Identity.h"
 
 #include <sys/random.h>
 
 #include <cstdio>
-#include <sstream>
+#include <string>
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
+#include "simulator/storage/IniStore.h"
 
 namespace simulator {
 namespace {
@@ -29,11 +30,6 @@ int32_t create(StateFolder& root) {
     return root.create(kFile, text + "\n", kMode);
 }
 
-std::string trimmed(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
-}
-
 }  // namespace
 
 int32_t readIdentity(Identity* identity) {
@@ -47,20 +43,10 @@ int32_t readIdentity(Identity* identity) {
     if (status != kOk) {
         return status;
     }
-    std::istringstream lines(content);
-    for (std::string line; std::getline(lines, line);) {
-        const size_t equals = line.find('=');
-        const std::string key = trimmed(line.substr(0, equals));
-        const std::string value = equals == std::string::npos ? "" : trimmed(line.substr(equals + 1));
-        for (const auto& [name, field] : {std::pair("model", &identity->model),
-                                          {"serial", &identity->serial},
-                                          {"customer", &identity->customer}}) {
-            if (key == name) {
-                *field = value;
-            }
-        }
-    }
-    return identity->serial.empty() ? kBadFile : kOk;
+    IniContents contents;
+    status = contents.read(content);
+    *identity = {contents.get("model", ""), contents.get("serial", ""), contents.get("customer", "")};
+    return status != kOk ? status : identity->serial.empty() ? kBadFile : kOk;
 }
 
 }  // namespace simulator

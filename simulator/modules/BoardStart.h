@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+// What the custom library has of the board, which is the other library's. One that takes that library's place
+// may lack it: then these are null.
+
+#pragma GCC visibility push(default)
+
+/** Keeps the state folder for this process; ends it when another service has that (StateDirectory::claim()).
+ */
+[[gnu::weak]] void boardStartClaim();
+
+/** Makes what is missing of what a set leaves the factory with; 0 or a status. */
+[[gnu::weak]] int32_t boardStartDeliver();
+
+#pragma GCC visibility pop
