@@ -15,16 +15,20 @@ class DeviceLog {
     /// Puts back the flag as it was when the program started.
     ~DeviceLog() { u8TvFactoryDebug = 1; }
 
-    /// The lines since the last time, in order, as "D Tag: <name:#> text": priority, tag, and the text to the
-    /// letter, except that the source line's number reads #, in a doubled prefix too if it is the same
-    /// number.
-    std::vector<std::string> takeLines() {
+    /// A line as "D Tag: <name:#> text": priority, tag, and the text to the letter, except that the source
+    /// line's number reads #, in a doubled prefix too if it is the same number.
+    static std::string shown(const LogLine& line) {
         static const std::regex doubled(R"(^(<[^>]*:(\d+)> .*\()\2\)\])"), number(R"(^(<[^>]*:)\d+> )");
+        const std::string text = std::regex_replace(line.text, doubled, "$1#)]");
+        return std::string(1, "??VDIWEFS"[line.priority]) + ' ' + line.tag + ": " +
+               std::regex_replace(text, number, "$1#> ");
+    }
+
+    /// The lines since the last time, in order.
+    std::vector<std::string> takeLines() {
         std::vector<std::string> lines;
         for (const LogLine& line : mLog.takeLines()) {
-            const std::string text = std::regex_replace(line.text, doubled, "$1#)]");
-            lines.push_back(std::string(1, "??VDIWEFS"[line.priority]) + ' ' + line.tag + ": " +
-                            std::regex_replace(text, number, "$1#> "));
+            lines.push_back(shown(line));
         }
         return lines;
     }

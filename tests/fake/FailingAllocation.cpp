@@ -6,6 +6,7 @@
 
 namespace {
 
+thread_local FailingAllocation::Of sKind;
 thread_local int sRefused = 0;  // 0: none
 thread_local int sAsked = 0;
 thread_local size_t sRefusedBytes = 0;
@@ -14,7 +15,10 @@ thread_local const void* sWatched = nullptr;
 thread_local size_t sWatchedSize = 0;
 thread_local std::vector<uint8_t> sWatchedBytes;
 
-bool refuses(size_t size) {
+bool refuses(size_t size, FailingAllocation::Of kind = FailingAllocation::Of::Blocks) {
+    if (kind != sKind) {
+        return false;
+    }
     const bool refused = ++sAsked == sRefused;
     if (refused) {
         sRefusedBytes = size;
@@ -32,11 +36,13 @@ void* __real_malloc(size_t size);
 void* __real_calloc(size_t count, size_t size);
 void __real_free(void* block);
 void* __real__Znam(size_t size);
+void* __real__Znwm(size_t size);
 
 void* __wrap_malloc(size_t size);
 void* __wrap_calloc(size_t count, size_t size);
 void __wrap_free(void* block);
 void* __wrap__Znam(size_t size);
+void* __wrap__Znwm(size_t size);
 
 void* __wrap_malloc(size_t size) {
     void* const block = refuses(size) ? nullptr : __real_malloc(size);
@@ -63,9 +69,17 @@ void* __wrap__Znam(size_t size) {
     }
     return __real__Znam(size);
 }
+
+void* __wrap__Znwm(size_t size) {
+    if (refuses(size, FailingAllocation::Of::Objects)) {
+        throw std::bad_alloc();
+    }
+    return __real__Znwm(size);
+}
 }
 
-FailingAllocation::FailingAllocation(int nth) {
+FailingAllocation::FailingAllocation(int nth, Of kind) {
+    sKind = kind;
     sRefused = nth;
     sAsked = 0;
     sRefusedBytes = 0;

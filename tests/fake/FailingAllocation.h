@@ -5,11 +5,13 @@
 #include <vector>
 
 /// Refuses one allocation of the calling thread: while it lives, the n-th one, counted from 1, of those whose
-/// size a client may choose: calloc, malloc and new[] (a scratch buffer, a text or vector of a result). One
-/// at a time on a thread. In a program that links it, memory that malloc gives out is filled with 0xA5.
+/// size a client may choose: calloc, malloc and new[] (a scratch buffer, a text or vector of a result); or of
+/// those of plain new, which containers ask. One at a time on a thread. In a program that links it, memory
+/// that malloc gives out is filled with 0xA5.
 class FailingAllocation {
   public:
-    explicit FailingAllocation(int nth);
+    enum class Of { Blocks, Objects };
+    explicit FailingAllocation(int nth, Of kind = Of::Blocks);
     ~FailingAllocation();
     FailingAllocation(const FailingAllocation&) = delete;
     FailingAllocation& operator=(const FailingAllocation&) = delete;

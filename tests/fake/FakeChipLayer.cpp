@@ -1,50 +1,32 @@
 #include "tests/fake/FakeChipLayer.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <iomanip>
-#include <sstream>
-#include <type_traits>
+#include <cstring>
 
 #include "chiplayer/chiplayer.h"
+#include "tests/support/Shortened.h"
 
 namespace {
 
 FakeChipLayer* sCurrent = nullptr;
 
-// Data that the service hands over with its length.
-template <typename T>
-struct Data {
-    T* data;
-    size_t size;
-    operator T*() const { return data; }  // NOLINT(google-explicit-constructor)
-};
-
-template <typename T>
-Data<T> data(T* data, size_t size) {
-    return {data, size};
+FakeChipLayer& current() {
+    if (sCurrent == nullptr) {
+        std::fputs("a chip-layer function was called without a FakeChipLayer\n", stderr);
+        std::abort();
+    }
+    return *sCurrent;
 }
 
-template <typename T>
-void describe(std::ostream& out, const Data<T>& argument) {
-    out << '<' << std::hex << std::setfill('0');
-    for (size_t i = 0; i < argument.size; ++i) {
-        out << std::setw(2) << +argument.data[i];
+std::string hexOf(const void* bytes, size_t size) {
+    std::string digits;
+    for (size_t i = 0; i < size; ++i) {
+        const uint8_t byte = static_cast<const uint8_t*>(bytes)[i];
+        digits += {"0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
     }
-    out << std::dec << '>';
-}
-
-template <typename T>
-void describe(std::ostream& out, const T& argument) {
-    if constexpr (std::is_same_v<T, const char*> || std::is_same_v<T, const unsigned char*>) {
-        out << '"' << argument << '"';
-    } else if constexpr (std::is_enum_v<T>) {
-        out << +static_cast<std::underlying_type_t<T>>(argument);
-    } else if constexpr (std::is_arithmetic_v<T>) {
-        out << +argument;
-    } else {
-        out << (std::is_pointer_v<T> ? "*" : "{}");
-    }
+    return '<' + shortened(digits, 2) + '>';
 }
 
 }  // namespace
@@ -57,28 +39,52 @@ FakeChipLayer::~FakeChipLayer() {
     sCurrent = nullptr;
 }
 
-FakeChipLayer& FakeChipLayer::current() {
-    if (sCurrent == nullptr) {
-        std::fputs("a chip-layer function was called without a FakeChipLayer\n", stderr);
-        std::abort();
-    }
-    return *sCurrent;
+FakeCall::FakeCall(const char* name)
+    : mChip(current()), mName(name + sizeof("a_zvttvfapi_") - 1), mText(std::string(name) + '(') {}
+
+FakeCall& FakeCall::text(const void* text) {
+    return add('"' + shortened(static_cast<const char*>(text)) + '"');
 }
 
-template <typename Function, typename... Arguments>
-typename std::function<Function>::result_type FakeChipLayer::called(const char* name, Function* function,
-                                                                    Arguments&&... arguments) {
-    std::ostringstream call;
-    [[maybe_unused]] const char* separator = "";
-    call << name << '(';
-    ((call << std::exchange(separator, ", "), describe(call, arguments)), ...);
-    call << ')';
-    mCalls.push_back(call.str());
-    const auto action = mActions.find(keyOf(function));
-    if (action == mActions.end()) {
-        return static_cast<typename std::function<Function>::result_type>(mOtherwise);
+// A record that points to others: what it points to is a part of it.
+template <>
+FakeCall& FakeCall::data(const _ZvtFApiDisptstBurnModeParam* data, size_t) {
+    return value(data->u8Interval).data(data->pColorTable, data->u8ColorCount).value(data->u8ColorCount);
+}
+
+FakeCall& FakeCall::output(const char* name, void* output, size_t size) {
+    mOutputs.push_back({name, output, size});
+    const auto* const bytes = static_cast<const uint8_t*>(output);
+    const bool zero = std::all_of(bytes, bytes + size, [](uint8_t byte) { return byte == 0; });
+    return add(zero ? "*" : '*' + hexOf(output, size));
+}
+
+FakeCall& FakeCall::add(const std::string& argument) {
+    mText += (mText.back() == '(' ? "" : ", ") + argument;
+    return *this;
+}
+
+FakeCall& FakeCall::bytes(const void* bytes, size_t size) {
+    return add(hexOf(bytes, size));
+}
+
+void FakeCall::record() {
+    mText += ')';
+    if (mChip.mObserver) {
+        mChip.mObserver(mText);
     }
-    return std::any_cast<std::function<Function>&>(action->second)(std::forward<Arguments>(arguments)...);
+    mChip.mCalls.push_back(mText);
+}
+
+int32_t FakeCall::answered() {
+    for (const Output& output : mOutputs) {
+        if (const auto written = mChip.mOutputs.extract(output.name)) {
+            const std::string& bytes = written.mapped();
+            std::memcpy(output.place, bytes.data(), std::min(bytes.size(), output.size));
+        }
+    }
+    const auto result = mChip.mResults.find(mName);
+    return result == mChip.mResults.end() ? mChip.mOtherwise : result->second;
 }
 
 // The fake functions, from the headers.

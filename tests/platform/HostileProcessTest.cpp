@@ -220,13 +220,12 @@ TEST(HostileProcessTest, IsRefusedAndHarmsNobody) {
     ONLY_ON_BINDER();
     const std::string log = testing::TempDir() + "/hostile.log";
     const ChildProcess server({"/proc/self/exe", "--role=server"}, log);
-    char word = 0;
-    ASSERT_TRUE(read(server.output(), &word, 1) == 1 && word == 'r');
+    ASSERT_EQ('r', server.word());
     const sp<IProbe> innocent = IProbe::getService();
     RawProcess hostile;
     const uint32_t probe = hostile.find(IProbe::descriptor);
     const uint32_t handles = hostile.find(IHandles::descriptor);
-    constexpr uint32_t kManager = 0, kEcho = 1, kAskBack = 4, kNote = 8, kNone = 999;
+    constexpr uint32_t kManager = 0, kEcho = 1, kAskBack = 4, kNote = 7, kNone = 999;
     constexpr uint64_t kOurs = 0x1000;
     const auto ask = [&] { return Raw::of(IProbe::descriptor).object(BINDER_TYPE_BINDER, kOurs, kOurs); };
     const auto asks = [&](uint32_t type, uint64_t value) {

@@ -63,6 +63,12 @@ class MessageBuilder {
         mHead.kind = kind;
     }
 
+    MessageBuilder& to(const android::hardware::ObjectReference& object, uint32_t code) {
+        mHead.object = object.object;
+        mHead.nonce = object.nonce;
+        mHead.code = code;
+        return *this;
+    }
     template <typename T>
     MessageBuilder& scalar(const T& value) {
         append(mScalars, &value, sizeof(value));
@@ -79,8 +85,15 @@ class MessageBuilder {
     }
     /** An object by its number; 0: null. */
     MessageBuilder& object(uint64_t number) {
-        mPieces.push_back({number == 0 ? 0u : 1u, android::hardware::kIsObject, 0, 0});
-        return number == 0 ? *this : strayReference(number);
+        if (number != 0) {
+            return object({{}, number, 0});
+        }
+        mPieces.push_back({0, android::hardware::kIsObject, 0, 0});
+        return *this;
+    }
+    MessageBuilder& object(const android::hardware::ObjectReference& reference) {
+        mPieces.push_back({1, android::hardware::kIsObject, 0, 0});
+        return strayReference(reference);
     }
     /** Descriptors of the native handle that the last buffer is. */
     MessageBuilder& descriptors(uint32_t count) {
@@ -88,9 +101,9 @@ class MessageBuilder {
         mHead.descriptorCount = static_cast<uint16_t>(mHead.descriptorCount + count);
         return *this;
     }
-    /** The reference of an object, which has no piece. */
-    MessageBuilder& strayReference(uint64_t number) {
-        mReferences.push_back({{}, number, 0});
+    /** A reference that has no piece. */
+    MessageBuilder& strayReference(const android::hardware::ObjectReference& reference) {
+        mReferences.push_back(reference);
         return *this;
     }
     MessageBuilder& record(const void* data, size_t size, uint32_t parent = android::hardware::kNoParent,

@@ -71,7 +71,7 @@ TEST(Message, WhatItSaysOfItsOwnShapeIsCheckedBeforeAnythingIsRead) {
             {"two objects in one", object([](auto& o) { o.size = 2; }), "one or null"},
             {"an object within something", object([](auto& o) { o.parentOffset = 8; }), "one or null"},
             {"a null object with a reference", object([](auto& o) { o.size = 0; }), "every reference"},
-            {"a reference too many", MessageBuilder().object(7).buffer("").strayReference(8),
+            {"a reference too many", MessageBuilder().object(7).buffer("").strayReference({{}, 8, 0}),
              "every reference"},
             {"an object without a reference",
              MessageBuilder().object(7).object(0).lieInPiece(1, [](auto& o) { o.size = 1; }), "every object"},

@@ -4,10 +4,12 @@
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 
-#include "platform/socket/Encoder.h"
+#include "tests/platform/MessageBuilder.h"
 
 namespace android::hardware {
 namespace {
@@ -24,11 +26,11 @@ class OneWayChannelTest : public testing::Test {
         ASSERT_EQ(channel->open(UniqueFd(fds[0]), epoll.get()), OK);
     }
     void welcome() {
-        MessageHeader head{};
-        head.kind = MessageKind::Welcome;
-        Encoder encoder;
-        encoder.encode(head);
-        ASSERT_TRUE(sendAll(peer.get(), encoder.gather()));
+        const std::vector<uint8_t> bytes = MessageBuilder(MessageKind::Welcome).bytes();
+        ASSERT_EQ(::send(peer.get(), bytes.data(), 10, 0), 10);
+        EXPECT_EQ(channel->update(), Event::None) << "it comes in pieces";
+        ASSERT_EQ(::send(peer.get(), &bytes[10], bytes.size() - 10, 0),
+                  static_cast<ssize_t>(bytes.size()) - 10);
     }
     status_t send(const std::string& bytes) {
         iovec vector{const_cast<char*>(bytes.data()), bytes.size()};
@@ -103,12 +105,24 @@ TEST_F(OneWayChannelTest, WhatWaitsForAPeerThatDoesNotReadIsLimitedAndArrivesInO
         ASSERT_EQ(receiveSome(peer.get(), arrived.data(), arrived.size(), MSG_DONTWAIT), 100'000);
         EXPECT_EQ(send("though the kernel has room"), OK);
         EXPECT_TRUE(arrived + read() == accepted + "though the kernel has room");
+        epoll_event event{};
+        EXPECT_EQ(epoll_wait(epoll.get(), &event, 1, 0), 0) << "nobody waits for room any more";
         // One of the longest transactions has its head beside it.
         EXPECT_TRUE(channel->hasRoomFor(kMaxOneWayBytes + sizeof(MessageHeader)));
         EXPECT_FALSE(channel->hasRoomFor(kMaxMessageBytes));
         EXPECT_EQ(send(std::string(kMaxMessageBytes, 'm')), FAILED_TRANSACTION);
         EXPECT_EQ(read(), "") << "whole or not at all";
     }
+}
+
+TEST_F(OneWayChannelTest, ItsEndIsNoticedByWhoAwaitsTheWelcome) {
+    connect();
+    const auto start = std::chrono::steady_clock::now();
+    std::thread waiter([this] { channel->awaitWelcome(20'000); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    channel->end();
+    waiter.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST_F(OneWayChannelTest, ItEndsForGoodWithItsPeer) {

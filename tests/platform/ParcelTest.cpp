@@ -1,3 +1,4 @@
+#include <cutils/native_handle.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hwbinder/Parcel.h>
@@ -29,59 +30,6 @@ status_t readVec(const Parcel& parcel, const hidl_vec<T>** vec, size_t* child) {
     const status_t status = parcel.readBuffer(sizeof(**vec), &handle, reinterpret_cast<const void**>(vec));
     return status != OK ? status
                         : readEmbeddedFromParcel(const_cast<hidl_vec<T>&>(**vec), parcel, handle, 0, child);
-}
-
-TEST(Parcel, WhatIsWrittenIsReadBackInItsOrder) {
-    const hidl_string text = "of several words";
-    const hidl_vec<hidl_vec<hidl_string>> nested{{"a", ""}, {}, {std::string(5000, 'b')}};
-    Parcel out;
-    size_t handle = 0;
-    size_t child = 0;
-    EXPECT_TRUE(out.writeInterfaceToken("a@1.0::IA") == OK && out.writeInt8(-8) == OK &&
-                out.writeUint64(UINT64_MAX) == OK && out.writeDouble(0.5) == OK && out.writeBool(true) == OK);
-    EXPECT_EQ(out.writeBuffer(&text, sizeof(text), &handle), OK);
-    EXPECT_EQ(writeEmbeddedToParcel(text, &out, handle, 0), OK);
-    EXPECT_EQ(out.writeStrongBinder(nullptr), OK);
-    EXPECT_EQ(out.writeBuffer(&nested, sizeof(nested), &handle), OK);
-    EXPECT_EQ(writeEmbeddedToParcel(nested, &out, handle, 0, &child), OK);
-    for (size_t i = 0; i < nested.size(); ++i) {
-        size_t grandchild = 0;
-        EXPECT_EQ(writeEmbeddedToParcel(nested[i], &out, child, i * sizeof(nested[i]), &grandchild), OK);
-        for (size_t j = 0; j < nested[i].size(); ++j) {
-            EXPECT_EQ(writeEmbeddedToParcel(nested[i][j], &out, grandchild, j * sizeof(text)), OK);
-        }
-    }
-
-    Encoder encoder;
-    ASSERT_EQ(encoder.encode({}, out, nullptr), OK);
-    Parcel in;
-    receive(bytesOf(encoder.gather()), &in);
-    int8_t s8 = 0;
-    uint64_t u64 = 0;
-    double real = 0;
-    bool flag = false;
-    EXPECT_TRUE(in.enforceInterface("a@1.0::IA"));
-    EXPECT_TRUE(in.readInt8(&s8) == OK && in.readUint64(&u64) == OK && in.readDouble(&real) == OK &&
-                in.readBool(&flag) == OK);
-    EXPECT_TRUE(s8 == -8 && u64 == UINT64_MAX && real == 0.5 && flag);
-    const hidl_string* gotText = nullptr;
-    ASSERT_EQ(readText(in, &gotText), OK);
-    EXPECT_EQ(*gotText, text);
-    sp<IBinder> object;
-    EXPECT_EQ(in.readNullableStrongBinder(&object), OK);
-    EXPECT_EQ(object, nullptr);
-    const hidl_vec<hidl_vec<hidl_string>>* gotNested = nullptr;
-    ASSERT_EQ(readVec(in, &gotNested, &child), OK);
-    for (size_t i = 0; i < gotNested->size(); ++i) {
-        auto& row = const_cast<hidl_vec<hidl_string>&>((*gotNested)[i]);
-        size_t grandchild = 0;
-        ASSERT_EQ(readEmbeddedFromParcel(row, in, child, i * sizeof(row), &grandchild), OK);
-        for (size_t j = 0; j < row.size(); ++j) {
-            ASSERT_EQ(readEmbeddedFromParcel(row[j], in, grandchild, j * sizeof(text)), OK);
-        }
-    }
-    EXPECT_EQ(*gotNested, nested);
-    EXPECT_EQ(in.readInt8(&s8), NOT_ENOUGH_DATA);
 }
 
 TEST(Parcel, ATextThatIsNotWhatItsRecordSaysIsRefused) {
@@ -144,6 +92,39 @@ TEST(Parcel, ASequenceThatIsNotWhatItsRecordSaysIsRefused) {
     }
 }
 
+TEST(Parcel, ANativeHandleThatIsNotWhatItSaysIsRefused) {
+    struct Case {
+        const char* name;
+        std::vector<int> words;  // version, descriptors, integers, and these
+        uint32_t descriptors;
+        status_t expected;
+    };
+    constexpr int kVersion = sizeof(native_handle_t);
+    const Case cases[] = {
+            {"as it says", {kVersion, 1, 1, 0, 77}, 1, OK},
+            {"of another version", {kVersion + 1, 1, 1, 0, 77}, 1, BAD_VALUE},
+            {"longer", {kVersion, 1, 1, 0, 77, 78}, 1, BAD_VALUE},
+            {"shorter", {kVersion, 1, 2, 0, 77}, 1, BAD_VALUE},
+            {"more descriptors than come", {kVersion, 2, 0, 0, 0}, 1, BAD_VALUE},
+            {"fewer descriptors", {kVersion, 1, 1, 0, 0}, 2, BAD_VALUE},
+            {"fewer than none", {kVersion, -1, 3, 0, 0}, 0, BAD_VALUE},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.name);
+        const size_t size = each.words.size() * sizeof(int);
+        Parcel parcel;
+        receive(MessageBuilder()
+                        .scalar<uint64_t>(size)
+                        .record(each.words.data(), size)
+                        .descriptors(each.descriptors)
+                        .bytes(),
+                &parcel);
+        const native_handle_t* handle = nullptr;
+        EXPECT_EQ(parcel.readNullableNativeHandleNoDup(&handle), each.expected);
+        EXPECT_EQ(handle != nullptr, each.expected == OK);
+    }
+}
+
 TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
     Parcel parcel;
     receive(MessageBuilder()
@@ -151,6 +132,7 @@ TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
                     .buffer(std::string("ok\0", 3), 0)
                     .reference(1, 1)
                     .buffer("12345678", 2)
+                    .buffer("more")
                     .bytes(),
             &parcel);
     const hidl_string* text = nullptr;
@@ -161,8 +143,12 @@ TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
     // Whatever a stub does with its arguments, no byte of the message is given to the allocator.
     const_cast<hidl_string*>(text)->clear();
     const_cast<hidl_vec<uint64_t>*>(numbers)->resize(0);
+    // What is no buffer has no number that could be a parent's.
+    const void* data = nullptr;
+    size_t handle = 0;
+    EXPECT_EQ(parcel.readEmbeddedBuffer(4, &handle, kNoParent, 0, &data), BAD_VALUE);
     // A second pass over the same bytes finds nothing that it may read.
-    EXPECT_EQ(readText(parcel, &text), NOT_ENOUGH_DATA);
+    EXPECT_EQ(readText(parcel, &text), BAD_VALUE);
 }
 
 TEST(Parcel, AnyByteFromAPeerMakesABooleanOfThisProcess) {
@@ -287,17 +273,22 @@ TEST(Parcel, ABuffersPlaceInItsParentIsCheckedWhenItIsWritten) {
         status_t expected;
     };
     for (const auto& [parent, offset, expected] :
-         {Case{0, 0, OK}, Case{0, 8, OK}, Case{0, 9, BAD_VALUE}, Case{0, SIZE_MAX - 7, BAD_VALUE},
-          Case{0, 4, BAD_VALUE}, Case{1, 0, BAD_VALUE}, Case{2, 0, BAD_VALUE}, Case{3, 0, BAD_VALUE}}) {
+         {Case{0, 0, OK}, Case{0, 8, OK}, Case{0, 9, BAD_VALUE}, Case{0, 16, BAD_VALUE},
+          Case{0, SIZE_MAX - 7, BAD_VALUE}, Case{0, 4, BAD_VALUE}, Case{1, 0, BAD_VALUE},
+          Case{2, 0, BAD_VALUE}, Case{4, 0, BAD_VALUE}, Case{5, 0, BAD_VALUE}}) {
+        NATIVE_HANDLE_DECLARE_STORAGE(storage, 8, 0);
         Parcel parcel;
         const char bytes[16] = {};
         size_t handle = 0;
         ASSERT_TRUE(parcel.writeBuffer(bytes, 16, &handle) == OK &&
-                    parcel.writeBuffer(bytes, 7, &handle) == OK && parcel.writeStrongBinder(nullptr) == OK);
+                    parcel.writeBuffer(bytes, 7, &handle) == OK && parcel.writeStrongBinder(nullptr) == OK &&
+                    parcel.writeNativeHandleNoDup(native_handle_init(storage, 8, 0)) == OK);
         EXPECT_EQ(parcel.writeEmbeddedBuffer(bytes, 16, &handle, parent, offset), expected)
                 << parent << " " << offset;
+        EXPECT_EQ(parcel.writeBuffer(bytes, kMaxTransactionBytes + 1, &handle), FAILED_TRANSACTION);
         Encoder encoder;
-        EXPECT_EQ(encoder.encode({}, parcel, nullptr), expected) << "nobody looked at the write";
+        EXPECT_EQ(encoder.encode({}, parcel, nullptr), expected == OK ? FAILED_TRANSACTION : expected)
+                << "the first failure, though nobody looked at it";
     }
 }
 

@@ -15,6 +15,7 @@ TEST(Process, IsOneHoweverManyEndpointsAndConnectionsItHasUpToItsShare) {
     std::shared_ptr<Process> process = processes.get({100, 1});
     EXPECT_EQ(processes.get({100, 1}), process);
     EXPECT_NE(processes.get({101, 1}), process);
+    EXPECT_NE(processes.get({100, 2}), process);
     EXPECT_NE(processes.get({0, 1}), processes.get({0, 1})) << "of other namespaces nothing is known";
     size_t endpoints = 0;
     size_t connections = 0;

@@ -30,6 +30,7 @@
 #include "platform/socket/Limits.h"
 #include "platform/socket/Registry.h"
 #include "platform/socket/Socket.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Descriptors.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/Transport.h"
@@ -146,17 +147,6 @@ class Probe : public IProbe {
         _hidl_cb(mRecipient->cookies);
         return Void();
     }
-    Return<void> forgetDead() override {
-        const std::lock_guard<std::mutex> lock(mLock);
-        const std::lock_guard<std::mutex> deathLock(mRecipient->lock);
-        for (const uint64_t cookie : mRecipient->cookies) {
-            for (auto it = mListeners.begin(); it != mListeners.end();) {
-                it = it->first == cookie ? mListeners.erase(it) : std::next(it);
-            }
-        }
-        return Void();
-    }
-
     Return<void> note(uint32_t number) override {
         if (number == mRecipient->notes) {
             ++mRecipient->notes;
@@ -217,8 +207,7 @@ class Probe : public IProbe {
 
 class Listener : public IProbeListener {
   public:
-    Return<void> notice(uint32_t number, const hidl_string&) override {
-        mOrdered = mOrdered && number == mCount % mRound;
+    Return<void> notice(uint32_t, const hidl_string&) override {
         ++mCount;
         return Void();
     }
@@ -227,14 +216,10 @@ class Listener : public IProbeListener {
         return Void();
     }
 
-    void expectRoundsOf(uint32_t round) { mRound = round; }
     uint32_t count() const { return mCount; }
-    bool ordered() const { return mOrdered; }
 
   private:
     std::atomic<uint32_t> mCount{0};
-    std::atomic<bool> mOrdered{true};
-    uint32_t mRound = UINT32_MAX;
 };
 
 int playServer(const std::string& name, bool fewDescriptors, size_t threads) {
@@ -308,36 +293,26 @@ int playPoster() {
     return 0;
 }
 
-/** As many slow calls as there are connections. */
-int playHog() {
+/** Calls on as many connections as there may be: once and slowly, or for ever. */
+int playBusy(bool forEver) {
     const sp<IProbe> probe = IProbe::getService();
     std::vector<std::thread> threads;
     std::atomic<int> failed{0};
     for (int i = 0; i < 16; ++i) {
-        threads.emplace_back([&] { failed += probe->sleep(300).isOk() ? 0 : 1; });
-    }
-    dprintf(STDOUT_FILENO, "r");
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    return failed;
-}
-
-/** Calls in a loop on as many connections as there may be. */
-int playLooper() {
-    const sp<IProbe> probe = IProbe::getService();
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 16; ++i) {
         threads.emplace_back([&] {
-            while (probe->sleep(0).isOk()) {
+            while (probe->sleep(forEver ? 0 : 300).isOk()) {
+                if (!forEver) {
+                    return;
+                }
             }
+            ++failed;
         });
     }
     dprintf(STDOUT_FILENO, "r");
     for (std::thread& thread : threads) {
         thread.join();
     }
-    return 0;
+    return failed;
 }
 
 /** Registers objects through the manager. Ends with the number of the step that failed, or 0. */
@@ -394,59 +369,20 @@ int playStranger() {
 
 // The test's side.
 
-/** A process that plays a role; it ends with this object at the latest. */
-class Player {
-  public:
-    explicit Player(const std::string& role) {
-        int fds[2];
-        EXPECT_EQ(0, pipe2(fds, O_CLOEXEC));
-        mPid = fork();
-        if (mPid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes leaves nobody behind
-            dup2(fds[1], STDOUT_FILENO);
-            execl("/proc/self/exe", "role", ("--role=" + role).c_str(), nullptr);
-            _exit(127);
-        }
-        close(fds[1]);
-        mOutput = fds[0];
+/** A process that plays a role. Its word is 'r' for ready, 'f' for failed. */
+struct Player : ChildProcess {
+    explicit Player(const std::string& role) : ChildProcess({"/proc/self/exe", "--role=" + role}) {}
+    static Player ready(const std::string& role) {
+        Player player(role);
+        EXPECT_EQ('r', player.word());
+        return player;
     }
-    Player(Player&& other) noexcept
-        : mPid(std::exchange(other.mPid, -1)), mOutput(std::exchange(other.mOutput, -1)) {}
-    ~Player() {
-        kill(SIGKILL);
-        close(mOutput);
-    }
-
-    /** Waits for the role's word: 'r' ready, 'f' failed, 0 when it ended without one. */
-    char word() const {
-        char letter = 0;
-        return read(mOutput, &letter, 1) == 1 ? letter : '\0';
-    }
-    void signal(int number) const { ::kill(mPid, number); }
-    void kill(int number) {
-        if (mPid > 0) {
-            ::kill(mPid, number);
-            wait();
-        }
-    }
-    int wait() {
-        int status = 0;
-        waitpid(mPid, &status, 0);
-        mPid = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    pid_t pid() const { return mPid; }
-
-  private:
-    pid_t mPid;
-    int mOutput;
 };
 
 class ProcessTest : public testing::Test {
   protected:
     sp<IProbe> start(const std::string& role = "server") {
-        mServer.emplace_back(role);
-        EXPECT_EQ('r', mServer.back().word());
+        mServer.push_back(Player::ready(role));
         return IProbe::getService();
     }
     const Player& server() const { return mServer.back(); }
@@ -462,6 +398,15 @@ class ProcessTest : public testing::Test {
                              result = {delivered, failed};
                          }).isOk());
         return result;
+    }
+
+    /** Over sockets, of a service that is there. */
+    static android::hardware::Endpoint endpoint() {
+        android::hardware::ObjectReference reference;
+        pid_t pid = 0;
+        EXPECT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
+                                       .find(IProbe::descriptor, "default", &reference, &pid));
+        return reference.endpoint;
     }
 
     std::vector<Player> mServer;
@@ -705,13 +650,6 @@ TEST_F(ProcessTest, AResultThatNoMessageCarriesIsATransportErrorForItsCallAlone)
     EXPECT_EQ(900u * 1024, size);
 }
 
-TEST_F(ProcessTest, AServiceMayCallItsClientBackFromInsideTheClientsCall) {
-    const sp<IProbe> probe = start();
-    std::string answer;
-    EXPECT_TRUE(probe->askBack(new Listener, "well", [&](const hidl_string& text) { answer = text; }).isOk());
-    EXPECT_EQ("well!", answer);
-}
-
 /** Kills who calls it, and answers all the same. */
 class Avenger : public Listener {
   public:
@@ -729,89 +667,25 @@ class Avenger : public Listener {
     const pid_t mCaller;
 };
 
-TEST_F(ProcessTest, ACallEndsWithItsServerWhileACallBackIsServed) {
+TEST_F(ProcessTest, AServiceMayCallItsClientBackAndTheCallEndsIfItDiesMeanwhile) {
     const sp<IProbe> probe = start();
+    std::string answer;
+    EXPECT_TRUE(probe->askBack(new Listener, "well", [&](const hidl_string& text) { answer = text; }).isOk());
+    EXPECT_EQ("well!", answer);
     EXPECT_TRUE(probe->askBack(new Avenger(mServer.back().pid()), "well", [](const auto&) {}).isDeadObject());
-}
-
-TEST_F(ProcessTest, OneWayCallsReachEveryListenerInOrder) {
-    const sp<IProbe> probe = start();
-    const sp<Listener> first = new Listener;
-    const sp<Listener> second = new Listener;
-    first->expectRoundsOf(500);
-    second->expectRoundsOf(500);
-    ASSERT_TRUE(probe->listen(first).withDefault(false));
-    ASSERT_TRUE(probe->listen(second).withDefault(false));
-    EXPECT_EQ(std::pair(1000u, 0u), notify(probe, 500, "hello"));
-    EXPECT_TRUE(eventually([&] { return first->count() == 500 && second->count() == 500; }));
-    EXPECT_TRUE(first->ordered() && second->ordered());
 }
 
 TEST_F(ProcessTest, EachLinkOfAKilledClientReportsItsOwnCookie) {
     const sp<IProbe> probe = start();
-    Player one("listener1");
-    ASSERT_EQ('r', one.word());
-    Player two("listener2");
-    ASSERT_EQ('r', two.word());
-    Player three("listener1");
-    ASSERT_EQ('r', three.word());
-    two.kill(SIGKILL);
+    Player one = Player::ready("listener1");
+    Player two = Player::ready("listener2");
+    Player three = Player::ready("listener1");
+    two.stop(SIGKILL);
     EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 2; }));
     std::vector<uint64_t> cookies = deathsOf(probe);
     std::sort(cookies.begin(), cookies.end());
     EXPECT_EQ((std::vector<uint64_t>{101, 102}), cookies);
     EXPECT_EQ(std::pair(2u, 2u), notify(probe, 1, "x")) << "only the dead one's deliveries fail";
-}
-
-TEST_F(ProcessTest, AStoppedClientDelaysNobodyAndLosesOnlyWhatItsQueueCanNotHold) {
-    const sp<IProbe> probe = start();
-    Player stopped("listener1");
-    ASSERT_EQ('r', stopped.word());
-    stopped.signal(SIGSTOP);
-    const sp<Listener> awake = new Listener;
-    ASSERT_TRUE(probe->listen(awake).withDefault(false));
-    const auto begin = std::chrono::steady_clock::now();
-    uint32_t failures = 0;
-    for (uint32_t sent = 50; sent <= 1000; sent += 50) {
-        failures += notify(probe, 50, std::string(4000, 'x')).second;
-        ASSERT_TRUE(eventually([&] { return awake->count() == sent; }))
-                << "none of the failures is the other's";
-    }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
-    EXPECT_GT(failures, 0u);
-    EXPECT_LT(failures, 1000u);
-    stopped.signal(SIGCONT);
-    EXPECT_TRUE(eventually([&] { return notify(probe, 1, "x") == std::pair(2u, 0u); })) << "it catches up";
-    EXPECT_TRUE(deathsOf(probe).empty());
-}
-
-TEST_F(ProcessTest, ClientsThatComeAndGoLeaveNoDescriptorBehind) {
-    const sp<IProbe> probe = start();
-    const auto storm = [&](int rounds) {
-        for (int i = 0; i < rounds; ++i) {
-            std::vector<Player> listeners;
-            for (int j = 0; j < 10; ++j) {
-                listeners.emplace_back(j % 2 == 0 ? "listener1" : "caller");
-            }
-            for (int j = 0; j < 10; ++j) {
-                if (j % 2 == 0) {
-                    EXPECT_EQ('r', listeners[j].word());
-                } else {
-                    EXPECT_EQ(0, listeners[j].wait());
-                }
-            }
-            EXPECT_TRUE(notify(probe, 3, "x").first > 0);
-        }
-    };
-    storm(1);
-    ASSERT_TRUE(eventually([&] { return deathsOf(probe).size() == 5; }));
-    EXPECT_TRUE(probe->forgetDead().isOk());
-    const size_t before = openDescriptors(server().pid());
-    storm(10);
-    EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 55; }));
-    EXPECT_TRUE(probe->forgetDead().isOk());
-    EXPECT_TRUE(eventually([&] { return openDescriptors(server().pid()) <= before; }))
-            << before << " before, " << openDescriptors(server().pid()) << " after";
 }
 
 TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
@@ -831,7 +705,7 @@ TEST_F(ProcessTest, ANameCanBeTakenAgainFromADeadProcessButNotFromALiveOne) {
         EXPECT_EQ('f', rival.word());
         EXPECT_EQ(1, rival.wait());
     }
-    mServer.back().kill(SIGKILL);
+    mServer.back().stop(SIGKILL);
     const Return<void> late = probe->blob(1, [](const auto&) {});
     EXPECT_TRUE(late.isDeadObject());
     EXPECT_TRUE(eventually([] { return IProbe::tryGetService() == nullptr; }));
@@ -852,16 +726,12 @@ TEST_F(ProcessTest, GetServiceWaitsForTheService) {
 TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
     ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("poor-server");
-    android::hardware::ObjectReference reference;
-    pid_t pid = 0;
-    ASSERT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
-                                   .find(IProbe::descriptor, "default", &reference, &pid));
     EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk());
     {
         std::vector<android::hardware::UniqueFd> connections;
         for (int i = 0; i < 100; ++i) {
             android::hardware::Credentials credentials;
-            connections.push_back(android::hardware::connectTo(reference.endpoint, &credentials));
+            connections.push_back(android::hardware::connectTo(endpoint(), &credentials));
         }
         EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk()) << "who is connected is served";
     }
@@ -871,8 +741,7 @@ TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
 
 TEST_F(ProcessTest, AReferenceOutlivesTheProcessThatHandedItOn) {
     const sp<IProbe> probe = start();
-    Player keeper("keeper");
-    ASSERT_EQ('r', keeper.word());
+    Player keeper = Player::ready("keeper");
     const sp<IProbe> toKeeper = IProbe::getService("keeper");
     for (int i = 0; i < 30; ++i) {
         ASSERT_EQ(0, Player("giver").wait());
@@ -886,8 +755,7 @@ TEST_F(ProcessTest, AReferenceOutlivesTheProcessThatHandedItOn) {
 
 TEST_F(ProcessTest, ASecondRegistrationLeavesTheFirstIntact) {
     const sp<IProbe> probe = start();
-    Player keeper("keeper");
-    ASSERT_EQ('r', keeper.word());
+    Player keeper = Player::ready("keeper");
     for (const char* name : {"default", "second", "second", "keeper"}) {
         const bool taken = std::string(name) == "keeper";
         for (const bool itself : {true, false}) {
@@ -912,7 +780,7 @@ TEST_F(ProcessTest, ADeathIsReportedAfterAllThatTheDeadSentBefore) {
     server().signal(SIGSTOP);
     poster.signal(SIGCONT);
     EXPECT_EQ('r', poster.word());
-    poster.kill(SIGKILL);
+    poster.stop(SIGKILL);
     server().signal(SIGCONT);
     ASSERT_TRUE(eventually([&] { return deathsOf(probe).size() == 1; }));
     EXPECT_TRUE(probe->notes([](uint32_t count, const hidl_vec<uint32_t>& atDeaths) {
@@ -925,8 +793,7 @@ TEST_F(ProcessTest, OneProcessLeavesThreadsToOthers) {
     ONLY_OVER_SOCKETS();
     const sp<IProbe> probe = start("large-server");
     for (const char* role : {"hog", "looper"}) {
-        Player busy(role);
-        ASSERT_EQ('r', busy.word());
+        Player busy = Player::ready(role);
         EXPECT_TRUE(eventually([&] {
             return std::distance(std::filesystem::directory_iterator(
                                          "/proc/" + std::to_string(server().pid()) + "/task"),
@@ -979,18 +846,15 @@ TEST_F(ProcessTest, AForkedChildIsAProcessOfItsOwn) {
     const sp<IProbe> probe = start();
     const sp<Listener> mine = new Listener;
     ASSERT_TRUE(probe->listen(mine).withDefault(false));
-    const pid_t child = fork();
-    if (child == 0) {
+    ChildProcess child([&] {
         const Return<void> slept = probe->sleep(0);
         const bool refused = !slept.isOk() && slept.status().transactionError() == android::INVALID_OPERATION;
         const sp<IProbe> own = IProbe::tryGetService();
         const bool served = own != nullptr && own->sleep(0).isOk();
-        _exit(!refused ? 2 : !served ? 3 : 0);
-    }
+        return !refused ? 2 : !served ? 3 : 0;
+    });
     EXPECT_TRUE(probe->sleep(0).isOk());
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(0, WEXITSTATUS(status)) << "2: its parent's proxy works, 3: its own does not";
+    EXPECT_EQ(0, child.wait()) << "2: its parent's proxy works, 3: its own does not";
     for (int i = 0; i < 20; ++i) {
         EXPECT_TRUE(probe->sleep(1).isOk());
     }
@@ -1000,51 +864,25 @@ TEST_F(ProcessTest, AForkedChildIsAProcessOfItsOwn) {
 }
 
 TEST_F(ProcessTest, ProcessesOfOtherPidNamespacesAreAllServed) {
-    const sp<IProbe> probe = start();
-    std::vector<pid_t> spaces;
-    int fds[2];
-    ASSERT_EQ(0, pipe2(fds, O_CLOEXEC));
-    for (int i = 0; i < 9; ++i) {
-        spaces.push_back(fork());
-        if (spaces.back() == 0) {
-            if (unshare(CLONE_NEWPID) != 0) {
-                _exit(77);
-            }
-            const pid_t inner = fork();
-            if (inner == 0) {
-                prctl(PR_SET_PDEATHSIG, SIGKILL);
-                dup2(fds[1], STDOUT_FILENO);
-                execl("/proc/self/exe", "role", "--role=listener1", nullptr);
-                _exit(127);
-            }
-            waitpid(inner, nullptr, 0);
-            _exit(0);
-        }
-    }
-    close(fds[1]);
-    int served = 0;
-    for (char letter = 0; served < 9 && read(fds[0], &letter, 1) == 1;) {
-        served += letter == 'r' ? 1 : 0;
-    }
-    close(fds[0]);
-    int denied = 0;
-    if (served > 0) {
-        EXPECT_EQ(9, served);
-        EXPECT_EQ(std::pair(9u, 0u), notify(probe, 1, "x"));
-    }
-    for (const pid_t pid : spaces) {
-        int status = 0;
-        if (served > 0) {
-            ::kill(pid, SIGKILL);
-        }
-        waitpid(pid, &status, 0);
-        denied += WIFEXITED(status) && WEXITSTATUS(status) == 77 ? 1 : 0;
-    }
-    if (denied == 9) {
+    const std::vector<std::string> apart{"/usr/bin/unshare", "--pid", "--fork", "--kill-child"};
+    const auto unshared = [&](std::vector<std::string> command) {
+        command.insert(command.begin(), apart.begin(), apart.end());
+        return ChildProcess(command);
+    };
+    if (unshared({"/bin/true"}).wait() != 0) {
         SUCCEED() << "no PID namespaces here";
         return;
     }
-    EXPECT_EQ(9, served);
+    const sp<IProbe> probe = start();
+    std::vector<ChildProcess> spaces;
+    for (int i = 0; i < 9; ++i) {
+        spaces.push_back(unshared({std::filesystem::read_symlink("/proc/self/exe"), "--role=listener1"}));
+    }
+    for (const ChildProcess& each : spaces) {
+        EXPECT_EQ('r', each.word());
+    }
+    EXPECT_EQ(std::pair(9u, 0u), notify(probe, 1, "x"));
+    spaces.clear();
     EXPECT_TRUE(eventually([&] { return deathsOf(probe).size() == 9; }));
 }
 
@@ -1063,8 +901,7 @@ TEST_F(ProcessTest, LackOfDescriptorsForOneWayMessagesIsNoDeath) {
     };
     {
         // A sanitizer looks at the objects of a new type through a pipe: it is to know them by now.
-        Player keeper("keeper");
-        ASSERT_EQ('r', keeper.word());
+        Player keeper = Player::ready("keeper");
         EXPECT_TRUE(IProbe::getService("keeper")->linkToDeath(new Counter, 1).withDefault(false));
         // Of this process: the link fails and can be tried again.
         rlimit usual{};
@@ -1110,27 +947,18 @@ TEST_F(ProcessTest, AProcessOfAnotherUserIsRefused) {
         ASSERT_EQ(0, chmod("/dev/hwbinder", 0600));
         return;
     }
-    android::hardware::ObjectReference reference;
-    pid_t pid = 0;
-    ASSERT_EQ(android::OK, android::hardware::Registry(android::hardware::Registry::defaultPath())
-                                   .find(IProbe::descriptor, "default", &reference, &pid));
-    // Plain system calls only: the child is a copy of a process with threads.
-    const pid_t child = fork();
-    if (child == 0) {
+    ChildProcess stranger([target = endpoint()] {
         constexpr uid_t kNobody = 65534;
         if (setresuid(kNobody, kNobody, kNobody) != 0) {
-            _exit(2);
+            return 2;
         }
         // The listener is root's, so this side has nothing against it.
         android::hardware::Credentials credentials;
-        const android::hardware::UniqueFd fd = android::hardware::connectTo(reference.endpoint, &credentials);
+        const android::hardware::UniqueFd fd = android::hardware::connectTo(target, &credentials);
         char byte;
-        _exit(!fd.ok() ? 3 : read(fd.get(), &byte, 1) == 0 ? 0 : 4);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(0, WEXITSTATUS(status)) << "0: hung up on";
+        return !fd.ok() ? 3 : read(fd.get(), &byte, 1) == 0 ? 0 : 4;
+    });
+    EXPECT_EQ(0, stranger.wait()) << "0: hung up on";
 }
 
 }  // namespace
@@ -1145,8 +973,8 @@ int main(int argc, char** argv) {
             {"listener2", [] { return playListener(2); }},
             {"giver", playGiver},
             {"poster", playPoster},
-            {"hog", playHog},
-            {"looper", playLooper},
+            {"hog", [] { return playBusy(false); }},
+            {"looper", [] { return playBusy(true); }},
             {"registrar", playRegistrar},
             {"caller", playCaller},
             {"mute", playMute},

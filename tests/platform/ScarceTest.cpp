@@ -108,7 +108,10 @@ TEST_F(ScarceTest, AnyAllocationMayFailAndTheNextAttemptWorks) {
             EXPECT_EQ((std::vector<status_t>{OK, OK, OK, OK, UNKNOWN_TRANSACTION, OK, OK, OK}), attempt())
                     << "allocation " << n;
             EXPECT_EQ(0, deaths->count) << "allocation " << n;
-            EXPECT_TRUE(eventually([&] { return client.transport.exports().size() == 1; })) << n;
+            EXPECT_TRUE(eventually([&] {
+                return client.transport.exports().size() == 1 && server.transport.exports().size() == 1;
+            })) << "allocation "
+                << n << ": what was not sent is nobody's";
         }
         EXPECT_TRUE(eventually([&] { return server.transport.peerCount() == 0; })) << "allocation " << n;
     }
@@ -134,6 +137,10 @@ TEST_F(ScarceTest, AMessageThatThereIsNoMemoryForIsRefusedAndItsObjectsAreReleas
         return proxy->transact(flags == 0 ? kSum : kNote, data, &reply, flags);
     };
     ASSERT_EQ(OK, send(0));
+    sRefusedFrom = 150'000;
+    EXPECT_EQ(NO_MEMORY, send(IBinder::FLAG_ONEWAY)) << "no room for a queue";
+    sRefusedFrom = SIZE_MAX;
+    EXPECT_TRUE(eventually([&] { return alive == 0 && client.exports().size() == 0; })) << alive;
     ASSERT_EQ(OK, send(IBinder::FLAG_ONEWAY));
     ASSERT_TRUE(eventually([&] { return server.object->noted().size() == 1; }));
     sRefusedFrom = 150'000;

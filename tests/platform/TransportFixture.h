@@ -26,19 +26,7 @@ namespace android::hardware {
 
 using namespace std::chrono_literals;
 
-enum Method : uint32_t {
-    kAdd = 1,
-    kKeep,
-    kBlob,
-    kBlock,
-    kNote,
-    kSelf,
-    kSum,
-    kReturn,
-    kPolicy,
-    kNest,
-    kSleep
-};
+enum Method : uint32_t { kAdd = 1, kKeep, kBlob, kBlock, kNote, kSelf, kSum, kReturn, kPolicy, kNest };
 
 /** An object with methods of every shape that the transport tells apart. */
 class Probe : public BHwBinder {
@@ -88,10 +76,6 @@ class Probe : public BHwBinder {
                 reply->writeInt32(deeper + 1);
                 break;
             }
-            case kSleep:
-                std::this_thread::sleep_for(std::chrono::milliseconds(number));
-                reply->writeInt32(number);
-                break;
             case kBlob:
                 blob.assign(static_cast<size_t>(number), 0xA5);
                 reply->writeBuffer(blob.data(), blob.size(), &handle);

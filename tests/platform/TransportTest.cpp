@@ -7,16 +7,6 @@
 namespace android::hardware {
 namespace {
 
-TEST_F(TransportTest, ACallReturnsTheObjectsAnswerOrItsError) {
-    Transport client;
-    const sp<IBinder> proxy = objectFor(client);
-    int32_t result = 0;
-    EXPECT_EQ(OK, call(proxy, kAdd, 41, &result));
-    EXPECT_EQ(42, result);
-    EXPECT_EQ(UNKNOWN_TRANSACTION, call(proxy, 99, 0));
-    EXPECT_EQ(OK, call(proxy, kAdd, 1, &result)) << "a refused call leaves the connection usable";
-}
-
 TEST_F(TransportTest, MessagesUpToTheLimitPassAndLongerOnesFailForTheirCallAlone) {
     Transport client;
     const sp<IBinder> proxy = objectFor(client);
@@ -41,21 +31,6 @@ TEST_F(TransportTest, MessagesUpToTheLimitPassAndLongerOnesFailForTheirCallAlone
             if (size > 0) {
                 EXPECT_EQ(0xA5, static_cast<const uint8_t*>(bytes)[size - 1]);
             }
-        }
-    }
-    for (const auto& [size, expected] : {std::pair(5000, OK), std::pair(900 * 1024, OK),
-                                         std::pair(int(kMaxTransactionBytes), FAILED_TRANSACTION)}) {
-        const std::vector<uint8_t> argument(static_cast<size_t>(size), 7);
-        Parcel data;
-        Parcel reply;
-        data.writeInt32(size);
-        size_t handle = 0;
-        ASSERT_EQ(OK, data.writeBuffer(argument.data(), argument.size(), &handle));
-        ASSERT_EQ(expected, proxy->transact(kSum, data, &reply)) << size;
-        int32_t last = 0;
-        if (expected == OK) {
-            EXPECT_EQ(OK, reply.readInt32(&last));
-            EXPECT_EQ(7, last);
         }
     }
 }
@@ -105,41 +80,6 @@ TEST_F(TransportTest, OneWayCallsReachTheirObjectInOrder) {
     EXPECT_TRUE(std::is_sorted(notes.begin(), notes.end()));
 }
 
-TEST_F(TransportTest, AReceiverThatIsBusyDelaysNoSenderAndLosesOnlyItsOwnOverflow) {
-    Transport receiver;
-    receiver.pool().setMaxThreads(1, false);
-    const sp<IBinder> proxy = objectFor(receiver);
-    const sp<Probe> listener = new Probe;
-    ASSERT_EQ(OK, pass(proxy, listener));
-    const sp<IBinder> toListener = object->kept;
-    ASSERT_EQ(OK, call(toListener, kBlock, 0, nullptr, IBinder::FLAG_ONEWAY));
-    ASSERT_TRUE(eventually([&] { return listener->blocked == 1; }));
-
-    const std::vector<uint8_t> payload(4000, 1);
-    int accepted = 0;
-    status_t status = OK;
-    const auto start = std::chrono::steady_clock::now();
-    while (status == OK && accepted < 10000) {
-        Parcel data;
-        data.writeInt32(accepted);
-        size_t handle = 0;
-        data.writeBuffer(payload.data(), payload.size(), &handle);
-        status = toListener->transact(kNote, data, nullptr, IBinder::FLAG_ONEWAY);
-        accepted += status == OK ? 1 : 0;
-    }
-    EXPECT_EQ(FAILED_TRANSACTION, status);
-    EXPECT_GE(accepted * 4000u, kMaxOneWayBytes / 2);
-    EXPECT_LT(accepted * 4000u, kMaxOneWayBytes + kControlBlockBytes) << "beside what the receiver has read";
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-    EXPECT_EQ(OK, call(proxy, kAdd, 1)) << "others are served meanwhile";
-
-    listener->release();
-    ASSERT_TRUE(eventually([&] { return listener->noted().size() == static_cast<size_t>(accepted); }));
-    const std::vector<int> notes = listener->noted();
-    EXPECT_TRUE(std::is_sorted(notes.begin(), notes.end())) << "what was accepted arrives, in order";
-    EXPECT_EQ(OK, call(toListener, kNote, accepted, nullptr, IBinder::FLAG_ONEWAY));
-}
-
 TEST_F(TransportTest, ThreadsStartAsCallsNeedThemAndNeverExceedTheMaximum) {
     Transport client;
     const sp<IBinder> proxy = objectFor(client);
@@ -160,26 +100,6 @@ TEST_F(TransportTest, ThreadsStartAsCallsNeedThemAndNeverExceedTheMaximum) {
     EXPECT_EQ(6, object->blocked) << "waiting calls were served in the end";
 }
 
-TEST_F(TransportTest, MoreCallersThanConnectionsTakeTurns) {
-    Transport client;
-    const sp<IBinder> proxy = objectFor(client);
-    std::atomic<int> wrong{0};
-    std::vector<std::thread> callers;
-    for (size_t i = 0; i < 3 * kMaxCallConnections; ++i) {
-        callers.emplace_back([&, i] {
-            for (int j = 0; j < 50; ++j) {
-                int32_t result = 0;
-                const auto argument = static_cast<int32_t>(1000 * i) + j;
-                wrong += call(proxy, kAdd, argument, &result) != OK || result != argument + 1;
-            }
-        });
-    }
-    for (std::thread& caller : callers) {
-        caller.join();
-    }
-    EXPECT_EQ(0, wrong);
-}
-
 TEST_F(TransportTest, CallsNestAsDeepAsTheLimitWithoutAnyOtherThread) {
     Transport client;  // without a pool
     sp<IBinder> proxy = get(client, reference);
@@ -196,7 +116,7 @@ TEST_F(TransportTest, CallsNestAsDeepAsTheLimitWithoutAnyOtherThread) {
     }
 }
 
-TEST_F(TransportTest, ManyThreadsNestTheirCallsAndNoneHangs) {
+TEST_F(TransportTest, MoreThreadsThanConnectionsNestTheirCallsAndNoneHangs) {
     server.pool().setMaxThreads(10, false);
     for (const size_t threads : {size_t{12}, 3 * kMaxCallConnections}) {
         // Both clients are one process, whose connections are limited.
@@ -210,7 +130,7 @@ TEST_F(TransportTest, ManyThreadsNestTheirCallsAndNoneHangs) {
                 const sp<Probe> mine = new Probe;
                 for (int j = 0; j < 20; ++j) {
                     int32_t reached = 0;
-                    wrong += Probe::nest(proxy, 3 + j % 4, mine, &reached) != OK || reached != 3 + j % 4;
+                    wrong += Probe::nest(proxy, 1 + j % 6, mine, &reached) != OK || reached != 1 + j % 6;
                 }
             });
         }
@@ -266,33 +186,48 @@ TEST_F(TransportTest, WhatIsCalledOnceTheResultsAreOutGoesAWayOfItsOwn) {
     asking->takeKept();
 }
 
-TEST_F(TransportTest, OneWayMessagesToABusyProcessAreTakenAndRefusedAsOnTheDevice) {
+TEST_F(TransportTest, OneWayMessagesToABusyProcessDelayNobodyAndAreTakenAndRefusedAsOnTheDevice) {
     Transport receiver;
+    receiver.pool().setMaxThreads(1, false);
     const sp<IBinder> proxy = objectFor(receiver);
     const sp<Probe> listener = new Probe;
     ASSERT_EQ(OK, pass(proxy, listener));
     const sp<IBinder> toListener = object->kept;
+    int32_t taken = 0;
     const auto post = [&](size_t bytes) {
         const std::vector<uint8_t> payload(bytes, 1);
         Parcel data;
         size_t handle = 0;
-        data.writeInt32(0);
+        data.writeInt32(taken);
         data.writeBuffer(payload.data(), payload.size(), &handle);
-        return toListener->transact(kNote, data, nullptr, IBinder::FLAG_ONEWAY);
+        const status_t status = toListener->transact(kNote, data, nullptr, IBinder::FLAG_ONEWAY);
+        taken += status == OK ? 1 : 0;
+        return status;
     };
     constexpr size_t kHead = 8 + 40 + 8;
     EXPECT_EQ(OK, post(kMaxOneWayBytes - kHead)) << "an idle process takes the largest";
     EXPECT_EQ(FAILED_TRANSACTION, post(kMaxOneWayBytes - kHead + 8)) << "but nothing beyond it";
     ASSERT_TRUE(eventually([&] { return listener->noted().size() == 1; }));
-    ASSERT_EQ(OK, call(toListener, kBlock, 0, nullptr, IBinder::FLAG_ONEWAY));
-    ASSERT_TRUE(eventually([&] { return listener->blocked == 1; }));
-    int taken = 0;
-    while (taken < 20 && post(60'000) == OK) {
-        ++taken;
+    for (const size_t bytes : {60'000, 4'000}) {
+        listener->released = false;
+        ASSERT_EQ(OK, call(toListener, kBlock, 0, nullptr, IBinder::FLAG_ONEWAY));
+        ASSERT_TRUE(eventually([&] { return listener->blocked == (bytes == 4'000 ? 2 : 1); }));
+        const int before = taken;
+        const auto start = std::chrono::steady_clock::now();
+        while (taken < 1000 && post(bytes) == OK) {
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+        if (bytes == 60'000) {
+            EXPECT_EQ(8, taken - before);
+        }
+        EXPECT_GE((taken - before) * bytes, kMaxOneWayBytes / 2);
+        EXPECT_LT((taken - before) * bytes, kMaxOneWayBytes + kControlBlockBytes);  // which has been read
+        EXPECT_EQ(OK, call(proxy, kAdd, 1)) << "others are served meanwhile";
+        listener->release();
+        EXPECT_TRUE(eventually([&] { return listener->noted().size() == static_cast<size_t>(taken); }));
     }
-    EXPECT_EQ(8, taken);
-    listener->release();
-    EXPECT_TRUE(eventually([&] { return listener->noted().size() == 9; })) << "what was taken arrives";
+    const std::vector<int> notes = listener->noted();
+    EXPECT_TRUE(std::is_sorted(notes.begin(), notes.end())) << "what was taken arrives, in order";
     EXPECT_EQ(OK, post(60'000));
 }
 

@@ -3,19 +3,24 @@
 
 #include <gmock/gmock.h>
 #include <hidl/HidlTransportSupport.h>
+#include <sys/ioctl.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
+#include <thread>
 
 #include "tests/process/ServiceFixture.h"
 #include "tests/support/Descriptors.h"
+#include "tools/fapictl/Text.h"
+#include "tools/fapictl/Watcher.h"
 
 namespace {
 
 using ::android::sp;
 using ::android::hardware::Return;
-using ::android::hardware::Void;
+using ::fapictl::Event;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -23,52 +28,35 @@ using ::testing::Value;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
 using Record = ZvtTvFApiEventCommonObject;
 
-class Watcher : public IZvtTvFApiCallbackManager {
-  public:
-    using Listener = std::function<void(const std::string& module, uint32_t type, const Record (&)[4])>;
-    explicit Watcher(Listener listener) : mListener(std::move(listener)) {}
-
-#define WATCHER_METHOD(module)                                                              \
-    Return<void> notify##module##Event(uint32_t type, const Record& one, const Record& two, \
-                                       const Record& three, const Record& four) override {  \
-        const std::lock_guard<std::mutex> lock(mMutex);                                     \
-        if (mListener) {                                                                    \
-            mListener(#module, type, {one, two, three, four});                              \
-        }                                                                                   \
-        return Void();                                                                      \
-    }
-    WATCHER_METHOD(Sys)
-    WATCHER_METHOD(Disp)
-    WATCHER_METHOD(DispTst)
-    WATCHER_METHOD(Info)
-    WATCHER_METHOD(InpSrc)
-    WATCHER_METHOD(Prphrl)
-    WATCHER_METHOD(Aud)
-    WATCHER_METHOD(Net)
-    WATCHER_METHOD(Tv)
-#undef WATCHER_METHOD
-
-    /** Waits for the listener; from then on events, which nobody can unsubscribe from, go nowhere. */
-    void end() {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mListener = nullptr;
-    }
-
-  private:
-    std::mutex mMutex;
-    Listener mListener;
-};
-
-/** A watcher of this process that listens as long as what it tells of is there. */
+/** Events that this process receives for as long as it is there; nobody can unsubscribe. */
 class Listening {
   public:
-    explicit Listening(Watcher::Listener listener) : mWatcher(new Watcher(std::move(listener))) {}
-    ~Listening() { mWatcher->end(); }
+    using Sink = std::function<void(const Event&)>;
+    explicit Listening(Sink sink) : mShared(std::make_shared<Shared>()) { mShared->sink = std::move(sink); }
+    ~Listening() {
+        const std::lock_guard<std::mutex> lock(mShared->mutex);
+        mShared->sink = nullptr;
+    }
     Listening(const Listening&) = delete;
-    operator const sp<Watcher>&() const { return mWatcher; }
+
+    bool begin() const {
+        const sp<IZvtTvFApiCallbackManager> watcher =
+                new fapictl::Watcher({}, [shared = mShared](const Event& event) {
+                    const std::lock_guard<std::mutex> lock(shared->mutex);
+                    if (shared->sink) {
+                        shared->sink(event);
+                    }
+                });
+        return IZvtTvFApiManager::getService()->a_hidl_a_zvttvfapi_mngr_set_callback(watcher).withDefault(
+                       -1) == 0;
+    }
 
   private:
-    const sp<Watcher> mWatcher;
+    struct Shared {
+        std::mutex mutex;
+        Sink sink;
+    };
+    const std::shared_ptr<Shared> mShared;
 };
 
 int32_t post(uint32_t type, const Record& first = {}) {
@@ -77,23 +65,17 @@ int32_t post(uint32_t type, const Record& first = {}) {
     return posted.withDefault(INT32_MIN);
 }
 
-bool watch(const sp<Watcher>& watcher) {
-    return IZvtTvFApiManager::getService()->a_hidl_a_zvttvfapi_mngr_set_callback(watcher).withDefault(-1) ==
-           0;
-}
-
 int playWatcher() {
-    if (!watch(new Watcher([](const std::string&, uint32_t, const Record(&records)[4]) {
-            if (write(STDOUT_FILENO, &records[0].u32Value, sizeof(uint32_t)) < 0) {
-                _exit(1);
-            }
-        }))) {
+    const Listening listening([](const Event& event) {
+        if (write(STDOUT_FILENO, &event.records[0].value, sizeof(uint32_t)) < 0) {
+            _exit(1);
+        }
+    });
+    const uint32_t registered = UINT32_MAX;
+    if (!listening.begin() || write(STDOUT_FILENO, &registered, sizeof(registered)) != sizeof(registered)) {
         return 1;
     }
-    const uint32_t registered = UINT32_MAX;
-    const bool told = write(STDOUT_FILENO, &registered, sizeof(registered)) == sizeof(registered);
-    pause();
-    return told ? 0 : 1;
+    return pause();
 }
 
 class EventsTest : public ServiceFixture {
@@ -117,34 +99,42 @@ class EventsTest : public ServiceFixture {
 TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
     std::mutex lock;
     std::vector<std::string> seen;
-    const Listening local([&](const std::string& module, uint32_t type, const Record(&records)[4]) {
+    const auto shown = [](uint32_t value, const std::string& text, const std::vector<uint8_t>& bytes) {
+        return " " + std::to_string(value) + text + fapictl::toHex(bytes);
+    };
+    const Listening local([&](const Event& event) {
         const std::lock_guard<std::mutex> guard(lock);
-        seen.push_back(module + " " + std::to_string(type) + " " + toString(records[0]) +
-                       toString(records[3]));
+        std::string line = event.module;
+        line += " " + std::to_string(event.type);
+        for (const Event::Record& record : event.records) {
+            line += shown(record.value, record.text, record.bytes);
+        }
+        seen.push_back(line);
     });
-    ASSERT_TRUE(watch(local));
+    ASSERT_TRUE(local.begin());
     const ChildProcess other = watcher();
-    const std::pair<const char*, const char*> modules[] = {
-            {"sys", "Sys"},       {"net", "Net"},       {"disp", "Disp"}, {"disptst", "DispTst"},
-            {"prphrl", "Prphrl"}, {"inpsrc", "InpSrc"}, {"aud", "Aud"},   {"info", "Info"}};
     uint32_t value = 0;
     std::vector<std::string> expected;
     const auto expect = [&](const std::string& module, uint32_t type, const Record& first,
                             const Record& last) {
-        expected.push_back(module + " " + std::to_string(type) + " " + toString(first) + toString(last));
+        const auto text = [&](const Record& record) {
+            return shown(record.u32Value, record.strValue, record.vecValue);
+        };
+        expected.push_back(module + " " + std::to_string(type) + text(first) + text({}) + text({}) +
+                           text(last));
         EXPECT_TRUE(eventually([&] {
             const std::lock_guard<std::mutex> guard(lock);
             return seen == expected;
         })) << module;
         EXPECT_EQ(first.u32Value, next(other));
     };
-    for (const auto& [name, method] : modules) {
+    for (const std::string name : {"sys", "net", "disp", "disptst", "prphrl", "inpsrc", "aud", "info"}) {
         ++value;
-        raise(std::string(name) + " 0x10005 value=" + std::to_string(value) + ",text=signal - - bytes=00ff");
-        expect(method, 0x10005, {value, "signal", {}}, {0, "", {0, 255}});
+        raise(name + " 0x10005 value=" + std::to_string(value) + ",text=signal - - bytes=00ff");
+        expect(name, 0x10005, {value, "signal", {}}, {0, "", {0, 255}});
     }
     EXPECT_EQ(0, post(0x1000000, {77, "posted", {1}}));
-    expect("Tv", 0x1000000, {77, "posted", {1}}, {});
+    expect("tv", 0x1000000, {77, "posted", {1}}, {});
     EXPECT_EQ(-2, post(0x2000000));
     raise("sys 1 text=" + std::string(3 * 1024 * 1024, 'x'));
     EXPECT_TRUE(eventually([this] { return log().find("the line is longer") != std::string::npos; }));
@@ -177,6 +167,37 @@ TEST_F(EventsTest, TheToolShowsTheEventsOfACallWhileItRuns) {
             mState + "/shown");
     EXPECT_EQ(0, tool.wait());
     EXPECT_THAT(contentOf(mState + "/shown"), HasSubstr("0x00010001  value=50 text=\"/tuner.fw\""));
+}
+
+TEST_F(EventsTest, AWatchInTheBackgroundIsNotInterruptedAndOneThatIsStuckEndsAtTheSecondTime) {
+    const auto watch = [this](const std::string& before) {
+        const std::string errors = mState + "/watching" + before;
+        ChildProcess tool({"/bin/sh", "-c", before + "exec $ZVTTV_TEST_FAPICTL watch --json"}, errors);
+        EXPECT_TRUE(eventually([&] { return contentOf(errors).find("watching") != std::string::npos; }));
+        return tool;
+    };
+    ChildProcess background = watch("trap '' INT; ");
+    background.signal(SIGINT);
+    EXPECT_EQ(0, post(0x10000));
+    EXPECT_EQ('{', background.word());
+    background.signal(SIGTERM);
+    EXPECT_EQ(0, background.wait());
+
+    ChildProcess stuck = watch("");
+    for (int i = 0; i < 20; ++i) {  // twice what a pipe holds
+        post(0x10000, {1, std::string(6000, 'x'), {}});
+    }
+    int before = 0;
+    EXPECT_TRUE(eventually([&] {
+        int written = 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ioctl(stuck.output(), FIONREAD, &written);
+        return written > 0 && std::exchange(before, written) == written;
+    }));
+    stuck.signal(SIGTERM);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stuck.signal(SIGTERM);
+    EXPECT_EQ(-SIGTERM, stuck.wait());
 }
 
 TEST_F(EventsTest, AKilledClientIsRemovedAndTheOthersStay) {
@@ -218,14 +239,14 @@ TEST_F(EventsTest, AStoppedClientDelaysNobodyAndGetsWhatItsQueueHeldInOrder) {
 TEST_F(EventsTest, AClientMayPostAndRegisterFromInsideItsCallback) {
     std::atomic<int> seen{0};
     std::atomic<int> nested{0};
-    const Listening inner([&](const std::string&, uint32_t, const auto&) { ++nested; });
-    const Listening outer([&](const std::string&, uint32_t type, const auto&) {
+    const Listening inner([&](const Event&) { ++nested; });
+    const Listening outer([&](const Event& event) {
         if (++seen == 1) {
-            EXPECT_TRUE(watch(inner));
-            EXPECT_EQ(0, post(type + 1));
+            EXPECT_TRUE(inner.begin());
+            EXPECT_EQ(0, post(event.type + 1));
         }
     });
-    ASSERT_TRUE(watch(outer));
+    ASSERT_TRUE(outer.begin());
     EXPECT_EQ(0, post(0x10000));
     EXPECT_TRUE(eventually([&] { return seen == 2 && nested == 1; }));
 }
@@ -235,11 +256,13 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     startAndWait();
     std::atomic<uint32_t> received{0};
     std::atomic<bool> ordered{true};
-    const Listening survivor([&](const std::string&, uint32_t, const Record(&records)[4]) {
-        ordered = ordered && records[0].u32Value == received;
+    const Listening survivor([&](const Event& event) {
+        ordered = ordered && event.records[0].value == received;
         ++received;
     });
-    ASSERT_TRUE(watch(survivor));
+    watcher();  // the service has all that it keeps once a first client has come and gone
+    EXPECT_TRUE(eventually([] { return post(0x10000) == 0; }));
+    ASSERT_TRUE(survivor.begin());
     EXPECT_NE(INT32_MIN, post(0x2000000));
     const size_t before = openDescriptors(service().pid());
     uint32_t sent = 0;
@@ -271,6 +294,5 @@ int main(int argc, char** argv) {
         return playWatcher();
     }
     testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder folder;
     return RUN_ALL_TESTS();
 }

@@ -13,24 +13,6 @@ namespace {
 
 using nlohmann::json;
 
-/** What the tool printed, and how it ended. */
-struct Ran {
-    std::string out;
-    int code;
-};
-
-Ran fapictl(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), getenv("ZVTTV_TEST_FAPICTL"));
-    ChildProcess tool(arguments, "");
-    Ran ran{"", 0};
-    char bytes[65536];
-    for (ssize_t got; (got = read(tool.output(), bytes, sizeof(bytes))) > 0;) {
-        ran.out.append(bytes, static_cast<size_t>(got));
-    }
-    ran.code = tool.wait();
-    return ran;
-}
-
 /** A value of the type that every client can send: zero, empty, no object. */
 std::string plainest(const std::string& type, const json& types) {
     if (type.compare(0, 4, "vec<") == 0) {
@@ -53,8 +35,7 @@ class EveryMethodTest : public ServiceFixture {
     /** Calls each method with the plainest arguments; its results by "Interface method". */
     static std::map<std::string, json> callAll() {
         std::map<std::string, json> answers;
-        const Ran listed = fapictl({"introspect", "--json"});
-        for (const json& interface : json::parse(listed.out)) {
+        for (const json& interface : json::parse(tool({"introspect", "--json"}))) {
             if (!interface["service"]) {
                 continue;
             }
@@ -66,12 +47,11 @@ class EveryMethodTest : public ServiceFixture {
                 for (const json& argument : method["arguments"]) {
                     call.push_back(plainest(argument["type"], interface["types"]));
                 }
-                const Ran ran = fapictl(call);
-                EXPECT_THAT(ran.code, testing::AnyOf(0, 1)) << name;
-                const json answer = json::parse(ran.out, nullptr, false);
-                EXPECT_TRUE(answer.is_object()) << name << ": " << ran.out;
+                const std::string out = tool(call, testing::AnyOf(0, 1));
+                const json answer = json::parse(out, nullptr, false);
+                EXPECT_TRUE(answer.is_object()) << name << ": " << out;
                 for (const json& result : method["results"]) {
-                    EXPECT_TRUE(answer.contains(std::string(result["name"]))) << name << ": " << ran.out;
+                    EXPECT_TRUE(answer.contains(std::string(result["name"]))) << name << ": " << out;
                 }
                 answers[name] = answer;
             }
@@ -89,7 +69,7 @@ class EveryMethodTest : public ServiceFixture {
         }
         for (const auto& [interface, calls] : expected) {
             EXPECT_THAT(
-                    fapictl({"debug", interface}).out,
+                    tool({"debug", interface}),
                     testing::AllOf(testing::StartsWith("interface: " + descriptorOf(interface) + "\n"),
                                    testing::HasSubstr("\ncalls served: " + std::to_string(calls) + "\n")));
         }
@@ -139,9 +119,3 @@ TEST_F(EveryMethodTest, IsRefusedOnABoardThatIsNotReadyButForThoseThatSayOtherwi
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder folder;
-    return RUN_ALL_TESTS();
-}

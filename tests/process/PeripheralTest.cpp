@@ -14,22 +14,6 @@ class PeripheralTest : public ServiceFixture {
   protected:
     PeripheralTest() { startAndWait(); }
 
-    static std::string outputOf(const ChildProcess& child) {
-        std::string text;
-        char chunk[4096];
-        for (ssize_t got; (got = read(child.output(), chunk, sizeof(chunk))) > 0;) {
-            text.append(chunk, static_cast<size_t>(got));
-        }
-        return text;
-    }
-    /** What the tool prints. */
-    static std::string tool(std::vector<std::string> words, int code = 0) {
-        words.insert(words.begin(), getenv("ZVTTV_TEST_FAPICTL"));
-        ChildProcess child(words, "/dev/null");
-        const std::string text = outputOf(child);
-        EXPECT_EQ(code, child.wait()) << words[1] << ": " << text;
-        return text;
-    }
     static std::string call(std::vector<std::string> words, int code = 0) {
         words.insert(words.begin(), {"call", "peripheral"});
         words.push_back("--json");
@@ -63,7 +47,7 @@ TEST_F(PeripheralTest, ATerminalOnTheFactoryUartAndAGpioLineReachAWatchingClient
     }));
     call({"set_gpio_monitor_onoff", "true", "12", "1", "0"});
     std::ofstream(mState + "/raise") << "gpio 12 1" << std::endl;
-    const std::string events = outputOf(watching);
+    const std::string events = watching.readAll();
     const size_t second = events.find('\n') + 1;
     EXPECT_THAT(events.substr(0, second), AllOf(HasSubstr(R"("type":1048577)"), HasSubstr("0102ff0a")));
     EXPECT_THAT(events.substr(second), AllOf(HasSubstr(R"("type":1048579)"), HasSubstr(R"("value":12)")));
@@ -88,9 +72,3 @@ TEST_F(PeripheralTest, TheToolBringsAnEdidThatTheServiceKeepsOverARestart) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder registry;
-    return RUN_ALL_TESTS();
-}

@@ -2,6 +2,7 @@
 
 #include <android/hidl/manager/1.0/IServiceManager.h>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <hidl/ServiceManagement.h>
 #include <signal.h>
@@ -69,6 +70,15 @@ class ServiceFixture : public testing::Test {
             std::filesystem::remove(file);
         }
     }
+    /** What the tool prints. */
+    static std::string tool(std::vector<std::string> words, const testing::Matcher<int>& code = 0,
+                            const std::string& errors = "/dev/null") {
+        words.insert(words.begin(), getenv("ZVTTV_TEST_FAPICTL"));
+        ChildProcess child(words, errors);
+        const std::string text = child.readAll();
+        EXPECT_THAT(child.wait(), code) << words[1] << ": " << text;
+        return text;
+    }
     static std::string contentOf(const std::string& path) {
         std::stringstream text;
         text << std::ifstream(path).rdbuf();
@@ -84,17 +94,13 @@ class ServiceFixture : public testing::Test {
     std::vector<ChildProcess> mService;  // one at most
 };
 
-/** For main(): a registry of the program's own, which its children inherit. */
-class RegistryFolder {
-  public:
-    RegistryFolder() {
-        if (mkdtemp(mPath) == nullptr || setenv("HIDL_RUNTIME_DIR", mPath, 1) != 0) {
-            perror("mkdtemp");
-            abort();
-        }
+/** A registry of the program's own, which its children inherit. */
+class RegistryFolder : public testing::Environment {
+    void SetUp() override {
+        ASSERT_TRUE(mkdtemp(mPath) != nullptr && setenv("HIDL_RUNTIME_DIR", mPath, 1) == 0);
     }
-    ~RegistryFolder() { std::filesystem::remove_all(mPath); }
+    void TearDown() override { std::filesystem::remove_all(mPath); }
 
-  private:
     char mPath[32] = "/tmp/service-test-XXXXXX";
 };
+inline testing::Environment* const gRegistryFolder = testing::AddGlobalTestEnvironment(new RegistryFolder);

@@ -19,18 +19,6 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager;
 
-std::string tool(std::vector<std::string> words) {
-    words.insert(words.begin(), getenv("ZVTTV_TEST_FAPICTL"));
-    ChildProcess child(words, "/dev/null");
-    std::string text;
-    char chunk[4096];
-    for (ssize_t got; (got = read(child.output(), chunk, sizeof(chunk))) > 0;) {
-        text.append(chunk, static_cast<size_t>(got));
-    }
-    EXPECT_EQ(0, child.wait()) << words[1];
-    return text;
-}
-
 using StateTest = ServiceFixture;
 
 TEST_F(StateTest, APersonReadsTheStateOfAllInterfacesFromAnotherProcess) {
@@ -115,9 +103,3 @@ TEST_F(StateTest, AReaderThatIsGoneOrDoesNotReadHarmsNobody) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    testing::InitGoogleTest(&argc, argv);
-    const RegistryFolder folder;
-    return RUN_ALL_TESTS();
-}

@@ -2,9 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -14,24 +17,35 @@
 #include "service/frame/FapiInterface.h"
 #include "service/frame/Log.h"
 #include "service/frame/Scratch.h"
+#include "service/frame/Text.h"
+#include "service/frame/Twin.h"
 #include "tests/fake/DeviceLog.h"
+#include "tests/fake/FailingAllocation.h"
 #include "tests/fake/FakeChipLayer.h"
 
-// A pair of enumerations whose values from 2 on are one to the chip layer.
-enum class HidlMode : int8_t {};
-enum ChipMode : int8_t { MODE_0, MODE_1, MODE_OTHER };
+// An enumeration and a record with padding, as the chip layer and as clients have them.
+namespace fapi_core {
+enum Mode : int8_t { MODE_0, MODE_1, MODE_OTHER };
+struct Pair {
+    uint8_t u8First;
+    uint16_t u16Second;
+    uint8_t u8Third;
+};
+}  // namespace fapi_core
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
+enum class Mode : int8_t {};
 template <>
-struct ChipTwin<HidlMode> {
-    using type = ChipMode;
-    static constexpr type last = MODE_OTHER;
+struct ChipTwin<Mode> {
+    using type = fapi_core::Mode;
+    static constexpr type last = fapi_core::MODE_OTHER;
 };
+struct Pair : fapi_core::Pair {};
+FAPI_TWIN(Pair, u8First, u16Second, u8Third);
 
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 struct INothing {
@@ -42,35 +56,19 @@ struct INothing {
             const ::android::hardware::hidl_vec<hidl_string>& options) = 0;
 };
 struct Nothing : FapiInterface<INothing> {
-    using FapiInterface::fapiReady;
     using FapiInterface::forward;
 };
 
-constexpr char kAskStatus[] = "a_zvttvfapi_common_get_fapi_status()";
-
 TEST(Guard, OnlyMinusFiveStopsACallAndReadinessIsAskedOncePerCall) {
-    struct {
-        int32_t readiness;
-        int32_t status;
-    } const rows[] = {{-5, FAPI_NOT_READY}, {0, 33},      {-1, 33}, {-4, 33}, {1, 33},
-                      {INT_MIN, 33},        {INT_MAX, 33}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.readiness);
-        FakeChipLayer chip;
-        chip.returns(a_zvttvfapi_common_get_fapi_status, row.readiness);
-        chip.returns(a_zvttvfapi_net_init, 33);
-        EXPECT_EQ(Nothing::forward(a_zvttvfapi_net_init), row.status);
-        const std::vector<std::string> asked = {kAskStatus};
-        const std::vector<std::string> askedAndCalled = {kAskStatus, "a_zvttvfapi_net_init()"};
-        EXPECT_EQ(chip.takeCalls(), row.status == FAPI_NOT_READY ? asked : askedAndCalled);
-    }
-}
-
-TEST(Guard, ReadinessIsNeverRemembered) {
     FakeChipLayer chip;
-    for (const int32_t readiness : {-5, 0, -5}) {
-        chip.returns(a_zvttvfapi_common_get_fapi_status, readiness);
-        EXPECT_EQ(Nothing::fapiReady(), readiness == 0);
+    chip.returns("net_init", 33);
+    // Never remembered.
+    for (const int32_t readiness : {0, -5, -1, -4, 1, INT_MIN, -5, INT_MAX}) {
+        chip.returns("common_get_fapi_status", readiness);
+        EXPECT_EQ(Nothing::forward(a_zvttvfapi_net_init), readiness == -5 ? -5 : 33);
+        std::vector<std::string> calls = {"a_zvttvfapi_common_get_fapi_status()", "a_zvttvfapi_net_init()"};
+        calls.resize(readiness == -5 ? 1 : 2);
+        EXPECT_EQ(chip.takeCalls(), calls) << readiness;
     }
 }
 
@@ -82,14 +80,66 @@ static_assert(!isChipArgument<bool, int>, "a number as a flag");
 static_assert(!isChipArgument<unsigned char*, const hidl_string&>, "writable text");
 static_assert(!isChipArgument<unsigned int*, int32_t*>, "another sign behind a pointer");
 static_assert(!isChipArgument<unsigned char*, const uint8_t*>, "constness lost");
-static_assert(!isChipArgument<ChipMode, int8_t>, "a number as an enumeration");
-static_assert(!isChipArgument<unsigned int, HidlMode>, "an enumeration as a number");
+static_assert(!isChipArgument<fapi_core::Mode, int8_t>, "a number as an enumeration");
+static_assert(!isChipArgument<unsigned int, Mode>, "an enumeration as a number");
 static_assert(!isChipArgument<unsigned int&, uint32_t>, "an output that nobody would see");
 static_assert(!isChipArgument<unsigned short*, Cell<uint32_t>>, "a cell of another width");
 static_assert(isChipArgument<void*, uint8_t*> && isChipArgument<unsigned long long, uint64_t>);
 
-TEST(Scratch, MoreBytesThanCanBeCountedAreRefused) {
+TEST(Convert, ValuesBeyondTheLastBecomeTheLastNegativeOnesToo) {
+    for (int value = INT8_MIN; value <= INT8_MAX; ++value) {
+        EXPECT_EQ(toTwin(Mode(value)), value == 0 || value == 1 ? value : fapi_core::MODE_OTHER);
+    }
+}
+
+TEST(Convert, OnlyFieldsCrossBothWaysAndPaddingIsZero) {
+    const auto cross = [](auto stFrom, auto stTo) {
+        constexpr uint8_t kSoiled[] = {1, 2, 3, 4, 5, 6}, kFields[] = {1, 0, 3, 4, 5, 0};
+        std::memcpy(static_cast<void*>(&stFrom), kSoiled, sizeof(stFrom));
+        std::memset(static_cast<void*>(&stTo), 0xA5, sizeof(stTo));
+        copyTwin(stFrom, stTo);
+        EXPECT_EQ(0, std::memcmp(&stTo, kFields, sizeof(kFields)));
+    };
+    cross(Pair(), fapi_core::Pair());
+    cross(fapi_core::Pair(), Pair());
+}
+
+TEST(Convert, ALentTextIsTheClientsOwn) {
+    const hidl_string text("text");
+    EXPECT_EQ(static_cast<const void*>(static_cast<unsigned char*>(lend(text))), text.c_str());
+    EXPECT_EQ(static_cast<const void*>(static_cast<unsigned int*>(lend(text))), text.c_str());
+}
+
+TEST(Text, WhatNoHidlTextCanHoldIsRefused) {
+    // More than memory is worth: the same pages again and again.
+    constexpr size_t kPart = 16 << 20, kAll = size_t{UINT32_MAX} + 1;
+    const int fd = memfd_create("part", MFD_CLOEXEC);
+    ASSERT_EQ(0, ftruncate(fd, kPart));
+    auto* const text = static_cast<uint8_t*>(
+            mmap(nullptr, kAll, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+    ASSERT_NE(MAP_FAILED, static_cast<void*>(text));
+    for (size_t at = 0; at < kAll; at += kPart) {
+        ASSERT_NE(MAP_FAILED, mmap(text + at, kPart, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_FIXED, fd, 0));
+    }
+    std::memset(text, 'x', kPart);
+    hidl_string copy("as it was");
+    EXPECT_FALSE(copyText(text, UINT32_MAX, &copy));
+    EXPECT_EQ(copy, "as it was");
+    munmap(text, kAll);
+    close(fd);
+}
+
+TEST(Scratch, ASizeIsCountedToTheByteAndNeverZero) {
     EXPECT_FALSE(Scratch<uint16_t>::uncleared(SIZE_MAX / 2 + 2)) << "two bytes, if nobody looks";
+    EXPECT_FALSE(Scratch<uint16_t>::zeroed(SIZE_MAX));
+    for (const auto make : {Scratch<uint16_t>::zeroed, Scratch<uint16_t>::uncleared}) {
+        for (const uint64_t count : {0, 1, 3}) {
+            EXPECT_EQ(make(count).size(), count);
+            const FailingAllocation refused(1);
+            EXPECT_FALSE(make(count));
+            EXPECT_EQ(refused.refusedBytes(), count == 0 ? 2 : 2 * count);
+        }
+    }
 }
 
 size_t residentPages() {
@@ -111,40 +161,20 @@ TEST(Scratch, AZeroedBufferCostsNoMemoryUntilItIsTouched) {
     EXPECT_LT(residentPages() - between, between - before + 1000);
 }
 
-void writeEveryKindOfLine(int32_t s32Status, int& counter) {
-    FAPI_LOGD("text");
-    FAPI_LOGI("%d values\n", ++counter);
-    FAPI_LOGE("%d%d%d%d%d%d%d%d", 1, 2, 3, 4, 5, 6, 7, 8);
-    FAPI_LOG(ANDROID_LOG_DEBUG, "chip_function", "()...\n");
-    FAPI_LOGE_DOUBLED(FAPI_TEXT_INVALID_INPUT);
-    FAPI_LOG_OUTCOME("chip_function", s32Status);
-    FAPI_LOG_OUTCOME("chip_function", 0);
-}
-
-TEST(Log, LinesReachTheLogToTheLetter) {
-    int counter = 0;
-    DeviceLog log;
-    writeEveryKindOfLine(3, counter);
-    EXPECT_THAT(log.takeLines(),
-                ElementsAre("D Frame(server): <writeEveryKindOfLine:#> text",
-                            "I Frame(server): <writeEveryKindOfLine:#> 1 values\n",
-                            "E Frame(server): <writeEveryKindOfLine:#> 12345678",
-                            "D Frame(server): <chip_function:#> ()...\n",
-                            "E Frame(server): <writeEveryKindOfLine:#> [writeEveryKindOfLine(#)]"
-                            "Invalid input param from Java!\n",
-                            "E Frame(server): <writeEveryKindOfLine:#> chip_function Fail!\n",
-                            "D Frame(server): <writeEveryKindOfLine:#> chip_function OK!\n"));
-}
-
 TEST(Log, TheFlagIsTestedAtEachLineAndAnyValueButZeroLetsItThrough) {
     int counter = 0;
     DeviceLog log(0);
-    writeEveryKindOfLine(-1, counter);
+    const auto writeLines = [&] {
+        FAPI_LOGD("%d%d%d%d%d%d%d%d", ++counter, 2, 3, 4, 5, 6, 7, 8);
+        FAPI_LOG_OUTCOME("text", counter);
+    };
+    writeLines();
     EXPECT_THAT(log.takeLines(), IsEmpty());
     EXPECT_EQ(counter, 0) << "a line that is not written computes nothing";
     u8TvFactoryDebug = 0x80;
-    writeEveryKindOfLine(-1, counter);
-    EXPECT_EQ(log.takeLines().size(), 7u);
+    writeLines();
+    EXPECT_EQ(log.takeLines(), (std::vector<std::string>{"D Frame(server): <operator():#> 12345678",
+                                                         "E Frame(server): <operator():#> text Fail!\n"}));
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <future>
 #include <thread>
 
-#include "chiplayer/chiplayer.h"
 #include "simulator/board/Status.h"
 
 using namespace simulator;
@@ -16,10 +15,6 @@ namespace {
 
 using Handler = fapi_core::ZvtTvFApiEventHandler;
 using Object = const ZvtTvFApiEventCommonObject&;
-
-int ignore(unsigned, Object, Object, Object, Object) {
-    return 0;
-}
 
 /** What a handler of the tests shares with them. */
 struct Stage {
@@ -55,39 +50,6 @@ int waitAtTheSlowOne(unsigned type, Object, Object, Object, Object) {
 }
 
 }  // namespace
-
-TEST(Modules, AllEightRefuseStepsOutOfOrder) {
-#define LIFECYCLE(m)                                                                          \
-    {                                                                                         \
-#m, a_zvttvfapi_##m##_init, a_zvttvfapi_##m##_deinit, a_zvttvfapi_##m##_reg_callback, \
-                a_zvttvfapi_##m##_unreg_callback                                              \
-    }
-    const struct {
-        const char* name;
-        int32_t (*init)();
-        int32_t (*deinit)();
-        int32_t (*reg)(Handler);
-        int32_t (*unreg)();
-    } modules[] = {LIFECYCLE(sys),  LIFECYCLE(aud),    LIFECYCLE(disp), LIFECYCLE(disptst),
-                   LIFECYCLE(info), LIFECYCLE(inpsrc), LIFECYCLE(net),  LIFECYCLE(prphrl)};
-#undef LIFECYCLE
-    // Two rounds: a module can be set up again. Side by side, so that a slot shared by two modules shows.
-    for (int round = 0; round < 2; ++round) {
-        for (const auto& m : modules) {
-            EXPECT_EQ(m.deinit(), kNotSetUp) << m.name;
-            EXPECT_EQ(m.unreg(), kNotSetUp) << m.name;
-            EXPECT_EQ(m.reg(nullptr), kOutOfRange) << m.name;
-            EXPECT_EQ(m.reg(ignore), kOk) << m.name;
-            EXPECT_EQ(m.reg(ignore), kAlreadySetUp) << m.name;
-            EXPECT_EQ(m.init(), kOk) << m.name;
-            EXPECT_EQ(m.init(), kAlreadySetUp) << m.name;
-        }
-        for (const auto& m : modules) {
-            EXPECT_EQ(m.deinit(), kOk) << m.name;
-            EXPECT_EQ(m.unreg(), kOk) << m.name;
-        }
-    }
-}
 
 TEST_F(ModuleTest, AnEventReachesTheHandlerWithItsFourRecordsAndReturnsItsResult) {
     setUp([](unsigned type, Object a, Object b, Object c, Object d) {

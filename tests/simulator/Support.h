@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -42,15 +40,9 @@ inline void write(const std::string& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
 }
 
-/** What a new probe process printed, on either stream; a line with its exit status follows unless it is 0. */
-inline std::string probe(const std::string& environment, const std::string& arguments) {
-    const std::string command = "env -u HOME -u XDG_STATE_HOME -u ZVTTV_STATE_DIR " + environment +
-                                " " PROBE " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) {
-        output += static_cast<char>(c);
-    }
-    const int status = pclose(pipe);
-    return status == 0 ? output : output + "exit " + std::to_string(WEXITSTATUS(status));
+/** The state folder of this process's own board, chosen before anything asks for it. */
+inline const TemporaryFolder& ownState() {
+    static const TemporaryFolder sState;
+    return sState;
 }
+inline const int sOwnStateChosen = setenv("ZVTTV_STATE_DIR", ownState().path().c_str(), 1);

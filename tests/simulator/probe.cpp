@@ -1,8 +1,16 @@
-// Calls a chip-layer function named on the command line and prints its status and result.
+// A board for the tests, set up as the service does it: a command a line on standard input, an answer a line
+// on standard output.
 //
-// Environment: PROBE_TRACE prints what is done to the disk; PROBE_DIE_AT=fsync|rename ends the process
-// instead of doing that; PROBE_FILE_LIMIT=<bytes> makes larger files fail; PROBE_UID gives up root for that
-// user.
+//   INTERFACE METHOD WORDS...    the results of the service's method
+//   module NAME STEP             init, deinit, reg_callback, unreg_callback: the status
+//   board init|level|status      what the library itself answers
+//   events N                     what has been raised once it is N events; none is left
+//   hold TYPE                    handlers of that event wait until another is held
+//   LINE &                       nothing; `done` waits and has the answer
+//
+// Environment: PROBE_TRACE puts what is done to the disk before the answer; PROBE_DIE_AT=fsync|rename ends
+// the process instead of doing that; PROBE_FILE_LIMIT=<bytes> makes larger files fail; PROBE_UID gives up
+// root for that user. All but the last begin with the first command.
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -12,68 +20,165 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <future>
+#include <iostream>
+#include <map>
+#include <mutex>
 #include <string>
-#include <thread>
+#include <vector>
 
+#include "adapters/audio/ZvtTvFApiAudio.h"
+#include "adapters/display/ZvtTvFApiDisplay.h"
+#include "adapters/displaytest/ZvtTvFApiDisplayTest.h"
+#include "adapters/information/ZvtTvFApiInformation.h"
+#include "adapters/inputsource/ZvtTvFApiInputSource.h"
+#include "adapters/network/ZvtTvFApiNetwork.h"
+#include "adapters/peripheral/ZvtTvFApiPeripheral.h"
+#include "adapters/system/ZvtTvFApiSystem.h"
 #include "chiplayer/chiplayer.h"
+#include "tests/cases/Method.h"
+#include "tests/support/Shortened.h"
+#include "tools/fapictl/FactoryPackage.h"
+#include "tools/fapictl/Names.h"
+#include "tools/fapictl/Text.h"
+
+using namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation;
+using fapi_core::ZvtTvFApiEventCommonObject;
 
 namespace {
 
+std::mutex sMutex;
+std::condition_variable sRaised, sReleased;
+unsigned sHeld = 0;                // guarded by sMutex; the type of event whose handler waits
+std::vector<std::string> sEvents;  // guarded by sMutex
+std::string sTrace;                // guarded by sMutex
+int sLevel = 0;                    // as the service asks for it, once and first of all
+bool sFaults = false;              // set once, by the first command
+
 void hook(const char* name, const char* detail) {
+    if (!sFaults) {
+        return;
+    }
     if (const char* moment = getenv("PROBE_DIE_AT"); moment != nullptr && strcmp(moment, name) == 0) {
         _exit(42);
     }
     if (getenv("PROBE_TRACE") != nullptr) {
-        printf("%s %s, ", name, detail);
+        const std::lock_guard<std::mutex> lock(sMutex);
+        sTrace += std::string(name) + " " + detail + ", ";
     }
 }
 
-const unsigned char* bytes(const char* text) {
-    return reinterpret_cast<const unsigned char*>(text);
+/** NUMBER[,TEXT][:BYTES] */
+std::string shown(const ZvtTvFApiEventCommonObject& record) {
+    const std::string text = shortened(fapictl::escaped(std::string(record.strValue)));
+    const std::string bytes(record.vecValue.begin(), record.vecValue.end());
+    return std::to_string(static_cast<int32_t>(record.u32Value)) + (text.empty() ? "" : "," + text) +
+           (bytes.empty() ? "" : ":" + shortened(fapictl::escaped(bytes)));
 }
 
-/** Storage commands of module sys; false for another one. */
-bool sysCommand(const std::string& command, int argc, char** argv) {
-    if (command == "env-set" && argc == 4) {
-        printf("%d", a_zvttvfapi_sys_set_emmc_env_var(bytes(argv[2]), bytes(argv[3])));
-    } else if (command == "env-get" && argc == 3) {
-        unsigned char value[1024] = {};
-        const int status = a_zvttvfapi_sys_get_emmc_env_var(bytes(argv[2]), value, sizeof(value));
-        printf("%d %s", status, reinterpret_cast<char*>(value));
-    } else if (command == "area-write" && argc == 5) {
-        printf("%d", a_zvttvfapi_sys_write_emmc(reinterpret_cast<unsigned char*>(argv[2]),
-                                                static_cast<unsigned>(atoi(argv[3])),
-                                                static_cast<unsigned>(strlen(argv[4])),
-                                                reinterpret_cast<unsigned char*>(argv[4])));
-    } else if (command == "area-read" && argc == 5) {
-        unsigned char data[64] = {};
-        const int status = a_zvttvfapi_sys_read_emmc(reinterpret_cast<unsigned char*>(argv[2]),
-                                                     static_cast<unsigned>(atoi(argv[3])),
-                                                     static_cast<unsigned>(atoi(argv[4])), data);
-        printf("%d %s", status, reinterpret_cast<char*>(data));
-    } else if (command == "seal" && argc == 5) {
-        printf("%d",
-               a_zvttvfapi_sys_secure_storage_encrypt_key(bytes(argv[2]), bytes(argv[3]), bytes(argv[4]),
-                                                          static_cast<unsigned char>(strlen(argv[4]))));
-    } else {
-        return false;
+using Object = const ZvtTvFApiEventCommonObject&;
+int see(unsigned type, Object first, Object second, Object third, Object fourth) {
+    char number[16];
+    snprintf(number, sizeof(number), "0x%x", type);
+    std::string event = number;
+    for (const std::string& record : {shown(first), shown(second), shown(third), shown(fourth)}) {
+        event += " " + record;
     }
-    return true;
+    while (event.size() > 2 && event.compare(event.size() - 2, 2, " 0") == 0) {
+        event.resize(event.size() - 2);  // empty records at the end
+    }
+    if (type == INPSRC_EVENT_SIGNAL_LOCK || type == INPSRC_EVENT_TIMING) {
+        // A handler may call the library, which then answers for what has happened.
+        fapi_core::ZvtTvFApiVideoTiming timing{};
+        a_zvttvfapi_inpsrc_get_input_timing(timing);
+        event += " seen " + std::to_string(timing.u16VActive);
+    }
+    std::unique_lock<std::mutex> lock(sMutex);
+    sEvents.push_back(event);
+    sRaised.notify_all();
+    sReleased.wait(lock, [&] { return sHeld != type; });
+    return type == 0x1ffff ? -1 : 0;
 }
 
-/** The status at once, and when the board has become ready, which must not be before the given time. */
-void waitUntilReady(int milliseconds) {
-    const auto start = std::chrono::steady_clock::now();
-    printf("%d", a_zvttvfapi_common_get_fapi_status());
-    while (a_zvttvfapi_common_get_fapi_status() != 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+#define STEPS(m)                                                                             \
+    {                                                                                        \
+#m, {                                                                                \
+            {"init", a_zvttvfapi_##m##_init}, {"deinit", a_zvttvfapi_##m##_deinit},          \
+                    {"reg_callback", [] { return a_zvttvfapi_##m##_reg_callback(see); }},    \
+                    {"unreg_callback", a_zvttvfapi_##m##_unreg_callback},                    \
+                    {"reg_nothing", [] { return a_zvttvfapi_##m##_reg_callback(nullptr); }}, \
+        }                                                                                    \
     }
-    const auto waited = std::chrono::steady_clock::now() - start;
-    printf(waited < std::chrono::milliseconds(milliseconds) ? " early" : " in time");
+const std::map<std::string, std::map<std::string, int32_t (*)()>> kModules = {
+        STEPS(aud),    STEPS(disp), STEPS(disptst), STEPS(info),
+        STEPS(inpsrc), STEPS(net),  STEPS(prphrl),  STEPS(sys)};
+#undef STEPS
+
+const std::map<std::string, int (*)()> kBoard = {{"init", _a_zvttvfapi_custom_init},
+                                                 {"level", [] { return sLevel; }},
+                                                 {"status", a_zvttvfapi_common_get_fapi_status}};
+
+std::string eventsOnce(size_t count) {
+    std::unique_lock<std::mutex> lock(sMutex);
+    sRaised.wait_for(lock, std::chrono::seconds(20), [=] { return sEvents.size() >= count; });
+    std::string all;
+    for (const std::string& event : std::exchange(sEvents, {})) {
+        all += (all.empty() ? "" : "; ") + event;
+    }
+    return all;
+}
+
+std::string carryOut(const std::string& line) {
+    static const std::map<std::string, fapictl::sp<fapictl::IBase>> sObjects = {
+            {"Audio", new ZvtTvFApiAudio},
+            {"Display", new ZvtTvFApiDisplay},
+            {"DisplayTest", new ZvtTvFApiDisplayTest},
+            {"Information", new ZvtTvFApiInformation},
+            {"InputSource", new ZvtTvFApiInputSource},
+            {"Network", new ZvtTvFApiNetwork},
+            {"Peripheral", new ZvtTvFApiPeripheral},
+            {"System", new ZvtTvFApiSystem}};
+    std::vector<std::string> words = cases::split(line);
+    if (words.at(0) == "module") {
+        return std::to_string(kModules.at(words.at(1)).at(words.at(2))());
+    }
+    if (words[0] == "board") {
+        return std::to_string(kBoard.at(words.at(1))());
+    }
+    if (words[0] == "hold") {
+        const std::lock_guard<std::mutex> lock(sMutex);
+        sHeld = static_cast<unsigned>(std::stoul(words.at(1), nullptr, 0));
+        sReleased.notify_all();
+        return "0";
+    }
+    if (words[0] == "events") {
+        return eventsOnce(std::stoul(words.at(1)));
+    }
+    const fapictl::Interface& interface = fapictl::findInterface(fapictl::factoryPackage(), words[0]);
+    const fapictl::Method& method = cases::findMethod(words[0], words.at(1));
+    words.erase(words.begin(), words.begin() + 2);
+    std::string results =
+            cases::showAll(cases::call(sObjects.at(fapictl::shortName(interface)), method, words));
+    const std::lock_guard<std::mutex> lock(sMutex);
+    return std::exchange(sTrace, "") + results;
+}
+
+std::string answer(const std::string& line) {
+    try {
+        return carryOut(line);
+    } catch (const std::exception& failure) {
+        return std::string("not understood: ") + failure.what();
+    }
+}
+
+void limitFiles(const char* bytes) {
+    const rlimit size{strtoul(bytes, nullptr, 10), RLIM_INFINITY};
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &size);
 }
 
 }  // namespace
@@ -90,49 +195,34 @@ extern "C" int renameat(int oldFolder, const char* oldName, int newFolder, const
     return static_cast<int>(syscall(SYS_renameat2, oldFolder, oldName, newFolder, newName, 0));
 }
 
-int main(int argc, char** argv) {
-    if (const char* limit = getenv("PROBE_FILE_LIMIT")) {
-        const rlimit size{strtoul(limit, nullptr, 10), RLIM_INFINITY};
-        signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &size);
-    }
+int main() {
     if (const char* uid = getenv("PROBE_UID")) {
         if (setuid(static_cast<uid_t>(strtoul(uid, nullptr, 10))) != 0 || prctl(PR_SET_DUMPABLE, 1) != 0) {
             return 2;
         }
     }
-    const std::string command = argc > 1 ? argv[1] : "";
-    if (command == "get" && argc == 4) {
-        unsigned char value[2048] = {};
-        const int status =
-                a_zvttvfapi_info_get_ini_para(bytes(argv[2]), bytes(argv[3]), value, sizeof(value));
-        printf("%d %s", status, reinterpret_cast<char*>(value));
-    } else if (command == "set" && argc == 5) {
-        printf("%d", a_zvttvfapi_info_set_ini_para(bytes(argv[2]), bytes(argv[3]), bytes(argv[4])));
-    } else if (command == "count" && argc == 4) {
-        int failed = 0;
-        for (int i = 0; i < atoi(argv[3]); ++i) {
-            const std::string key = std::string(argv[2]) + ":" + std::to_string(i);
-            failed += a_zvttvfapi_info_set_ini_para(bytes("count"), bytes(key.c_str()), bytes("1")) != 0;
+    sLevel = _a_zvttvfapi_custom_init_debug_level();
+    for (const char* step : {"reg_callback", "init"}) {
+        for (const auto& module : kModules) {
+            module.second.at(step)();
         }
-        printf("%d", failed);
-    } else if (command == "status") {
-        printf("%d", a_zvttvfapi_common_get_fapi_status());
-    } else if (command == "wait" && argc == 3) {
-        waitUntilReady(atoi(argv[2]));
-    } else if (command == "ip" && argc == 3) {
-        unsigned char enabled = 7;
-        const int status =
-                a_zvttvfapi_info_get_ip_enable_status(static_cast<unsigned>(atoi(argv[2])), &enabled);
-        printf("%d %d", status, enabled);
-    } else if (command == "capture" && argc == 3) {
-        printf("%d", a_zvttvfapi_disp_capture_screen_to_usb(bytes(argv[2]), 0));
-    } else if (command == "level") {
-        printf("%d", _a_zvttvfapi_custom_init_debug_level());
-    } else if (command == "init") {
-        printf("%d", _a_zvttvfapi_custom_init());
-    } else if (!sysCommand(command, argc, argv)) {
-        return 2;
+    }
+    _a_zvttvfapi_custom_init();
+    if (const char* bytes = getenv("PROBE_FILE_LIMIT")) {
+        limitFiles(bytes);
+    }
+    std::future<std::string> background;
+    for (std::string line; std::getline(std::cin, line);) {
+        sFaults = true;
+        if (line == "done") {
+            std::cout << background.get() << std::endl;
+        } else if (line.size() > 2 && line.compare(line.size() - 2, 2, " &") == 0) {
+            line.resize(line.size() - 2);
+            background = std::async(std::launch::async, answer, line);
+            std::cout << std::endl;
+        } else {
+            std::cout << answer(line) << std::endl;
+        }
     }
     return 0;
 }

@@ -49,15 +49,18 @@ class Manager : public vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManag
         if (module >= std::size(kMethods)) {
             return -2;
         }
+        int32_t status = 0;
         for (const auto& callback : mCallbacks) {
-            (callback.get()->*kMethods[module])(type, object1, object2, object3, object4).isOk();
+            if (!(callback.get()->*kMethods[module])(type, object1, object2, object3, object4).isOk()) {
+                status = -1;
+            }
         }
         if (type == kDie) {
             // A client may not get what it has not read when the sender dies.
             std::this_thread::sleep_for(std::chrono::milliseconds(300));
             _exit(0);
         }
-        return 0;
+        return status;
     }
 
   private:

@@ -285,7 +285,7 @@ struct Signature<android::hardware::Return<R> (I::*)(P...)> {
 };
 
 template <auto M>
-Reply callMethod(IBase& service, const Json& json) {
+void callMethod(IBase& service, const Json& json, Reply& reply) {
     using S = Signature<decltype(M)>;
     auto& target = static_cast<typename S::Interface&>(service);
     // Records are filled in place, never assigned: what lies between their fields stays zero, as it is made
@@ -298,7 +298,6 @@ Reply callMethod(IBase& service, const Json& json) {
             },
             arguments);
 
-    Reply reply;
     // Results are gone when the callback returns: this copies them.
     const auto take = [&reply](const auto&... result) {
         (reply.results.push_back(Codec<std::decay_t<decltype(result)>>::toJson(result)), ...);
@@ -315,7 +314,7 @@ Reply callMethod(IBase& service, const Json& json) {
     if (!status.isOk()) {
         reply.failure = status.description();
         reply.dead = status.isDeadObject();
-        return reply;
+        return;
     }
     if constexpr (S::kHasValue) {
         take(static_cast<std::tuple_element_t<0, typename S::Results>>(status));
@@ -323,7 +322,6 @@ Reply callMethod(IBase& service, const Json& json) {
     if (reply.results.size() != std::tuple_size_v<typename S::Results>) {
         reply.failure = "the service answered without results";
     }
-    return reply;
 }
 
 template <class... T>

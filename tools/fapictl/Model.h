@@ -77,8 +77,17 @@ struct Method {
     std::vector<Field> arguments;
     std::vector<Field> results;
 
-    /** Requires an object of the method's interface and one valid value for each argument, in order. */
-    Reply (*call)(IBase& service, const Json& arguments);
+    /**
+     * Requires an object of the method's interface, one valid value for each argument, in order, and a reply
+     * of which nothing is set. It has the results from the moment at which the service delivers them.
+     */
+    void (*callInto)(IBase& service, const Json& arguments, Reply& reply);
+
+    Reply call(IBase& service, const Json& values) const {
+        Reply reply;
+        callInto(service, values, reply);
+        return reply;
+    }
 };
 
 struct Interface {

@@ -1,0 +1,225 @@
+// Runs the rows of the .cases files. A row is an input, "->", and what comes of it: behind the arrow, or on
+// the lines below, indented. The section says what is done with the words of an input, which are those of
+// tests/cases/Method.h or stand between 'single quotes' as they are. FILES is a folder; "..." is any text.
+
+#include <ctime>
+#include <fstream>
+#include <functional>
+#include <map>
+
+#include "tests/cases/Method.h"
+#include "tests/support/Shortened.h"
+#include "tests/tools/Service.h"
+#include "tests/tools/Thing.h"
+#include "tools/fapictl/Arguments.h"
+#include "tools/fapictl/Complete.h"
+#include "tools/fapictl/Display.h"
+#include "tools/fapictl/Events.h"
+#include "tools/fapictl/FactoryPackage.h"
+#include "tools/fapictl/Text.h"
+#include "tools/fapictl/Values.h"
+
+namespace fapictl {
+namespace {
+
+using Words = std::vector<std::string>;
+
+const Interface& thing() {
+    return findInterface(testPackage(), "Thing");
+}
+
+/** The value of the type that an argument of this name has. */
+std::string value(const Words& words) {
+    for (const Method& method : thing().methods) {
+        for (const Field& argument : method.arguments) {
+            if (argument.label.name == words.at(0)) {
+                const Type& type = *argument.type;
+                const Json value = parseValue(type, words.at(1), "x");
+                // What the tool prints can be given back to it.
+                EXPECT_EQ(checkValue(type, forPrograms(type, value), "x"), value);
+                return forPrograms(type, value).dump();
+            }
+        }
+    }
+    throw std::invalid_argument(words[0]);
+}
+
+/** The arguments of a call, all of which come back from it under their names. */
+std::string bind(const Words& words) {
+    const Method& method = findMethod(thing(), words.at(0));
+    const Json arguments = bindArguments(method, {words.begin() + 1, words.end()});
+    const android::sp<test::fapictl::V1_0::Thing> object = new test::fapictl::V1_0::Thing;
+    const Reply reply = method.call(*object, arguments);
+    EXPECT_EQ(reply.failure, "");
+    for (size_t i = 0; i < std::min(arguments.size(), method.results.size()); ++i) {
+        if (method.results[i].label.name == method.arguments[i].label.name) {
+            EXPECT_EQ(reply.results.at(i), arguments[i]) << method.arguments[i].label.name;
+        }
+    }
+    return cases::showAll(arguments);
+}
+
+Json record(const Words& words) {
+    const Method& post = findMethod(findInterface(factoryPackage(), "Manager"), "post_event");
+    return parseEventRecord(*post.arguments[1].type, words.at(0), "record 2");
+}
+
+/** An event with this record as its second: for people, then for programs. */
+std::string event(const Words& words) {
+    const Json fields = record(words);
+    const auto time = std::chrono::system_clock::time_point(std::chrono::milliseconds(1700000000007));
+    const std::vector<uint8_t>& bytes = fields["vecValue"].get_binary();
+    const Event::Record second = {fields["u32Value"], fields["strValue"], bytes};
+    const Event event = {time, "sys", 0x10001, {{{}, second, {}, {}}}};
+    return shortened(eventLine(12, event) + '\n' + jsonText(eventJson(12, event), false));
+}
+
+std::string joined(const Words& words) {
+    std::string all;
+    for (const std::string& word : words) {
+        all += (all.empty() ? "" : " ") + word;
+    }
+    return all;
+}
+
+std::string shown(const Ran& ran) {
+    const std::string code = "exit " + std::to_string(static_cast<int>(ran.code));
+    if (ran.out.empty() && ran.err.rfind("fapictl: ", 0) == 0 && ran.err.find('\n') + 1 == ran.err.size()) {
+        return code + ran.err.substr(7);
+    }
+    std::string all = ran.out;
+    std::istringstream errors(ran.err);
+    for (std::string line; std::getline(errors, line);) {
+        all += "! " + line + '\n';
+    }
+    return ran.code == Exit::Success ? all : all + code;
+}
+
+const std::map<std::string, std::function<std::string(const Words&)>> kSections = {
+        {"[value]", value},
+        {"[bind]", bind},
+        {"[record]", [](const Words& words) { return cases::showAll(record(words)); }},
+        {"[event]", event},
+        {"[interface]", [](const Words& words) { return findInterface(testPackage(), words.at(0)).name; }},
+        {"[method]", [](const Words& words) { return findMethod(thing(), words.at(0)).name; }},
+        {"[slips]",
+         [](const Words& words) { return std::to_string(editDistance(words.at(0), words.at(1))); }},
+        {"[nearest]",
+         [](const Words& words) {
+             return nearest(words.at(0), {words.begin() + 1, words.end()});
+         }},
+        {"[complete]", [](const Words& words) { return joined(complete(testPackage(), words)); }},
+        {"[thing]", [](const Words& words) { return shown(ran(testPackage(), words)); }},
+        {"[factory]", [](const Words& words) { return shown(ran(factoryPackage(), words)); }},
+};
+
+std::string replaced(std::string text, const std::string& what, const std::string& with) {
+    for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+        text.replace(at, what.size(), with);
+    }
+    return text;
+}
+
+/** Writes what stands between single quotes as cases::split() reads it. */
+std::string withoutSingleQuotes(const std::string& input) {
+    std::string out;
+    bool inside = false;
+    for (const char c : input) {
+        inside = inside != (c == '\'');
+        out += c == '\''                           ? "\""
+               : inside && (c == '"' || c == '\\') ? std::string{'\\', c}
+                                                   : std::string(1, c);
+    }
+    return out;
+}
+
+bool matches(std::string_view text, std::string_view pattern) {
+    const size_t gap = pattern.find("...");
+    if (gap == std::string_view::npos) {
+        return text == pattern;
+    }
+    if (text.substr(0, gap) != pattern.substr(0, gap)) {
+        return false;
+    }
+    const std::string_view rest = pattern.substr(gap + 3);
+    for (size_t at = gap; at <= text.size(); ++at) {
+        if (matches(text.substr(at), rest)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+struct Row {
+    std::string place;  // file:line
+    std::string section;
+    std::string input;
+    std::string expected;
+};
+
+std::vector<Row> rowsOf(const std::string& name) {
+    std::vector<Row> rows;
+    std::ifstream file(FAPICTL_CASES "/" + name);
+    std::string section;
+    std::string blank;  // lines, which belong to what is expected if more of it follows
+    size_t number = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++number;
+        const size_t arrow = (' ' + line + ' ').find(" -> ");
+        if (line.empty()) {
+            blank += '\n';
+        } else if (line[0] == ' ') {
+            std::string& expected = rows.at(rows.size() - 1).expected;
+            expected += (expected.empty() ? "" : "\n") + blank + line.substr(4);
+            blank.clear();
+        } else if (kSections.count(line) > 0) {
+            section = line;
+        } else if (line[0] != '#') {
+            blank.clear();
+            rows.push_back({name + ":" + std::to_string(number), section, line.substr(0, arrow),
+                            line.substr(std::min(arrow + 3, line.size()))});
+        }
+    }
+    EXPECT_FALSE(rows.empty()) << name;
+    return rows;
+}
+
+class Cases : public Service, public testing::WithParamInterface<const char*> {
+  protected:
+    Cases() {
+        setenv("TZ", "UTC-2", 1);
+        tzset();
+        std::filesystem::create_directory(mFiles);
+        std::ofstream(mFiles + "/bytes") << "\n@dead\n";
+        std::ofstream(mFiles + "/numbers") << "1\n2\n3\n";
+        std::ofstream(mFiles + "/with, comma") << std::string("\0,\xff", 3);
+    }
+    ~Cases() override { std::filesystem::remove_all(mFiles); }
+
+    std::string outcome(const Row& row) const {
+        try {
+            const std::string words = withoutSingleQuotes(replaced(row.input, "FILES", mFiles));
+            const std::string out = kSections.at(row.section)(cases::split(words));
+            return replaced(out.substr(0, out.find_last_not_of('\n') + 1), mFiles, "FILES");
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.code, Exit::Usage);
+            return replaced(failure.what(), mFiles, "FILES");
+        }
+    }
+
+  private:
+    const std::string mFiles = sDirectory.path + "/files";
+};
+
+TEST_P(Cases, Hold) {
+    startAndWait("default");
+    for (const Row& row : rowsOf(GetParam())) {
+        const std::string got = outcome(row);
+        EXPECT_TRUE(matches(got, row.expected)) << row.place << ": " << row.input << "->\n" << got;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Cases, testing::Values("values.cases", "events.cases", "commands.cases"));
+
+}  // namespace
+}  // namespace fapictl
