@@ -19,6 +19,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
@@ -51,13 +52,15 @@ using fapi_core::ZvtTvFApiEventCommonObject;
 
 namespace {
 
-std::mutex sMutex;
-std::condition_variable sRaised, sReleased;
-unsigned sHeld = 0;                // guarded by sMutex; the type of event whose handler waits
-std::vector<std::string> sEvents;  // guarded by sMutex
-std::string sTrace;                // guarded by sMutex
+// Never destroyed: the board's threads raise events while the process exits.
+std::mutex& sMutex = *new std::mutex;
+std::condition_variable& sRaised = *new std::condition_variable;
+std::condition_variable& sReleased = *new std::condition_variable;
+unsigned sHeld = 0;  // guarded by sMutex; the type of event whose handler waits
+std::vector<std::string>& sEvents = *new std::vector<std::string>;  // guarded by sMutex
+std::string& sTrace = *new std::string;                             // guarded by sMutex
 int sLevel = 0;                    // as the service asks for it, once and first of all
-bool sFaults = false;              // set once, by the first command
+std::atomic<bool> sFaults{false};  // set once, by the first command
 
 void hook(const char* name, const char* detail) {
     if (!sFaults) {
