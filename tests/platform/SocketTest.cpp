@@ -9,9 +9,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <thread>
 #include <vector>
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Descriptors.h"
 
 namespace android::hardware {
@@ -77,6 +79,20 @@ TEST(Descriptors, AreClosedWhenMoreComeThanAMessageMayHave) {
     }
     EXPECT_EQ(openDescriptors(getpid()), before + kMaxDescriptors);
     EXPECT_TRUE(all.isOverfull());
+}
+
+TEST(UniqueFd, AForkedChildHasNoneOfTheRuntimesDescriptorsButThoseThatWereLetGo) {
+    const auto zero = [] { return UniqueFd(open("/dev/zero", O_RDONLY | O_CLOEXEC)); };
+    const UniqueFd owned = zero();
+    const int released = zero().release();
+    ChildProcess child([&] {
+        const auto isThere = [](int fd) {
+            return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)) == "/dev/zero";
+        };
+        return (isThere(owned.get()) ? 1 : 0) + (isThere(released) ? 0 : 2);
+    });
+    EXPECT_EQ(0, child.wait());
+    close(released);
 }
 
 }  // namespace
