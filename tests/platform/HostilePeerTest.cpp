@@ -259,6 +259,42 @@ TEST_F(TransportTest, APeerThatNeverReadsItsRepliesHoldsNoThread) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
 }
 
+TEST_F(TransportTest, AStreamThatNeverPausesLeavesTheOnlyThreadToOthersInTurn) {
+    struct Slow : Probe {
+        status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                            TransactCallback callback) override {
+            std::this_thread::sleep_for(code == kNote ? 100us : 0us);
+            return Probe::onTransact(code, data, reply, flags, callback);
+        }
+    };
+    Partner single(1);
+    ObjectReference slow;
+    ASSERT_EQ(OK, single.transport.publish(new Slow, &slow));
+    Attacker attacker(slow.endpoint);
+    const UniqueFd fd = attacker.connect(MessageKind::HelloControl);
+    const Bytes one = MessageBuilder(MessageKind::OneWay).to(slow, kNote).scalar<int32_t>(0).bytes();
+    Bytes many;
+    for (int i = 0; i < 1000; ++i) {
+        many.insert(many.end(), one.begin(), one.end());
+    }
+    std::atomic<bool> ends{false};
+    std::thread stream([&] {
+        while (!ends) {
+            Attacker::send(fd, many);
+        }
+    });
+    std::atomic<int> served{0};
+    std::thread caller([&] {
+        Transport client;
+        served += call(get(client, slow), kAdd, 1) == OK ? 1 : 0;
+    });
+    EXPECT_TRUE(eventually([&] { return served == 1; }));
+    ends = true;
+    ::shutdown(fd.get(), SHUT_RDWR);
+    stream.join();
+    caller.join();
+}
+
 TEST_F(TransportTest, FloodsOfWhatBreaksNoRuleGrowNothing) {
     const ObjectReference made = publishMaker();
     Transport client;
