@@ -1,19 +1,25 @@
 #include <android/hidl/base/1.0/BpHwBase.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <hidl/HidlTransportSupport.h>
 #include <hidl/Static.h>
 #include <hidl/TaskRunner.h>
+#include <unistd.h>
 #include <zvttv/test/probe/1.0/BnHwProbe.h>
 #include <zvttv/test/probe/1.0/BnHwProbeListener.h>
 #include <zvttv/test/probe/1.0/BpHwProbe.h>
 #include <zvttv/test/probe/1.0/BpHwProbeListener.h>
 
+#include <chrono>
 #include <condition_variable>
+#include <future>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 #include "tests/platform/MessageBuilder.h"
+#include "tests/support/Descriptors.h"
 
 namespace android::hardware {
 namespace {
@@ -79,6 +85,7 @@ TEST(HidlVec, ResizingKeepsWhatFitsAndClearsTheRest) {
     numbers.resize(2);
     EXPECT_EQ(numbers, (std::vector<uint16_t>{9, 2}));
     hidl_vec<uint16_t> moved = std::move(numbers);
+    EXPECT_EQ(numbers.size(), 0u);
     EXPECT_EQ(moved.size(), 2u);
     moved.resize(0);
     EXPECT_EQ(moved.begin(), moved.end());
@@ -94,6 +101,20 @@ TEST(HidlVec, CopiesAreDeep) {
     EXPECT_EQ(texts.size(), 1u);
     const std::vector<hidl_string> standard = copy;
     EXPECT_TRUE(standard.size() == 2 && standard[0] == "c" && copy != texts);
+}
+
+TEST(HidlHandle, ACopyHasDescriptorsOfItsOwnAndClosesThem) {
+    native_handle_t* const native = native_handle_create(1, 0);
+    native->data[0] = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const size_t before = openDescriptors(getpid());
+    {
+        hidl_handle handle;
+        handle.setTo(native, true);
+        const hidl_handle copy = handle;
+        EXPECT_NE(copy->data[0], native->data[0]);
+        EXPECT_EQ(openDescriptors(getpid()), before + 1);
+    }
+    EXPECT_EQ(openDescriptors(getpid()), before - 1);
 }
 
 TEST(HidlEnum, ARangeGivesEveryValueInDeclaredOrder) {
@@ -141,6 +162,17 @@ TEST(Objects, ALocalObjectHasOneStubWhileAnybodyHoldsItAndANewOneLater) {
     EXPECT_EQ(old.promote(), nullptr);
     EXPECT_EQ(listener->getStrongCount(), 1);
     EXPECT_NE(toBinder(listener), nullptr);
+
+    // Of two threads that make a stub at one time, the first wins; the other's ends.
+    details::BnMap stubs;
+    const sp<NoObject> first = new NoObject;
+    const sp<NoObject> second = new NoObject;
+    EXPECT_EQ(stubs.getOrSet(listener.get(), first), first);
+    EXPECT_EQ(stubs.getOrSet(listener.get(), second), first);
+    stubs.eraseIfEqual(listener.get(), second.get());
+    EXPECT_EQ(stubs.get(listener.get()), first);
+    stubs.eraseIfEqual(listener.get(), first.get());
+    EXPECT_EQ(stubs.get(listener.get()), nullptr);
 }
 
 TEST(Objects, AnObjectOfAnotherInterfaceIsNoneOfTheOneAskedFor) {
@@ -191,6 +223,19 @@ TEST(TaskRunner, RunsWhatItTookInOrderAndRefusesMoreThanItsLimit) {
     std::unique_lock guard(lock);
     changed.wait(guard, [&] { return done.size() == 2; });
     EXPECT_EQ(done, (std::vector<int>{0, 1}));
+}
+
+TEST(TaskRunner, WhatATaskHoldsEndsWithItAndMayPushTasks) {
+    std::promise<void> released;
+    std::promise<void> done;
+    details::TaskRunner runner;
+    runner.start(2);
+    EXPECT_TRUE(runner.push(
+            [waits = released.get_future().share(), held = std::shared_ptr<void>(nullptr, [&](void*) {
+                                                        runner.push([&] { done.set_value(); });
+                                                    })] { waits.wait(); }));
+    released.set_value();
+    EXPECT_EQ(done.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
 }  // namespace

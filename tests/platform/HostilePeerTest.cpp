@@ -2,6 +2,7 @@
 
 #include <cutils/native_handle.h>
 #include <malloc.h>
+#include <sys/eventfd.h>
 
 #include "tests/platform/MessageBuilder.h"
 #include "tests/platform/TransportFixture.h"
@@ -120,10 +121,77 @@ TEST_F(TransportTest, AnEndpointIsOneProcessWithOneConnectionForOneWayMessages) 
     EXPECT_EQ(0, impostor.wait());
     const UniqueFd control = attacker.connect(MessageKind::HelloControl);
     EXPECT_EQ(OK, Attacker::status(control)) << "welcome";
+    // A hello may come in pieces: the first has been read when a later connection is served.
+    Credentials credentials;
+    const UniqueFd slow = connectTo(server.endpoint(), &credentials);
+    const Bytes hello = MessageBuilder(MessageKind::HelloCall).to({{}, 4711, 1}, 0).bytes();
+    Attacker::send(slow, {hello.begin(), hello.begin() + 10});
+    const UniqueFd quick = attacker.connect(MessageKind::HelloCall);
+    Attacker::send(quick, message);
+    EXPECT_EQ(OK, Attacker::status(quick));
+    Attacker::send(slow, {hello.begin() + 10, hello.end()});
+    Attacker::send(slow, message);
+    EXPECT_EQ(OK, Attacker::status(slow));
     EXPECT_TRUE(Attacker::isCut(attacker.connect(MessageKind::HelloControl)));
     EXPECT_TRUE(Attacker::isCut(Attacker(server.endpoint()).connect(MessageKind::HelloCall, 8)));
     EXPECT_TRUE(
             Attacker::isCut(Attacker(server.endpoint(), server.endpoint()).connect(MessageKind::HelloCall)));
+}
+
+/** A process that an object's proxy and death link lead to; it does only what the test does for it. */
+struct RawPeer : Attacker {
+    explicit RawPeer(Partner& partner, const sp<Deaths>& deaths, const Endpoint& self = randomEndpoint())
+        : Attacker(partner.transport.endpoint(), self) {
+        const UniqueFd listening = listenOn(self);
+        EXPECT_EQ(OK, partner.transport.resolve({self, 1, 1}, &proxy));
+        EXPECT_EQ(OK, proxy->linkToDeath(deaths));
+        for (UniqueFd* each : {&calls, &control}) {
+            each->reset(accept4(listening.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        }
+        send(control, MessageBuilder(MessageKind::Welcome).bytes());
+    }
+
+    sp<IBinder> proxy;
+    UniqueFd calls;
+    UniqueFd control;
+};
+
+TEST_F(TransportTest, AGonePeersLastMessagesAreServedBeforeItsDeathIsToldAndNoneLater) {
+    std::atomic<size_t> noted{SIZE_MAX};  // when the death was told
+    static std::mutex sGate;
+    std::atomic<bool> waits{false};
+    const UniqueFd event(eventfd(0, EFD_CLOEXEC));
+    Partner partner(1);
+    const sp<Deaths> deaths = new Deaths([&] { noted = partner.object->noted().size(); });
+    // While the platform thread waits, the peer ends, and what it sent last is not accepted yet.
+    sGate.lock();
+    ASSERT_EQ(OK, partner.transport.whenReadable(event.get(), [&] {
+        eventfd_t count;
+        eventfd_read(event.get(), &count);
+        waits = true;
+        const std::lock_guard<std::mutex> passes(sGate);
+    }));
+    RawPeer last(partner, deaths);
+    eventfd_write(event.get(), 1);
+    ASSERT_TRUE(eventually([&] { return waits.load(); }));
+    last.control.reset();
+    Attacker::send(
+            last.connect(MessageKind::HelloControl),
+            MessageBuilder(MessageKind::OneWay).to(partner.reference, kNote).scalar<int32_t>(0).bytes());
+    sGate.unlock();
+    EXPECT_TRUE(eventually([&] { return deaths->count == 1; }));
+    EXPECT_EQ(1u, noted);
+
+    const LogCapture log;
+    RawPeer busy(partner, deaths);
+    const UniqueFd served = busy.connect(MessageKind::HelloCall);
+    Attacker::send(served, MessageBuilder().to(partner.reference, kBlock).scalar<int32_t>(0).bytes());
+    ASSERT_TRUE(eventually([&] { return partner.object->blocked == 1; }));
+    busy.control.reset();
+    EXPECT_TRUE(eventually([&] {
+        busy.connect(MessageKind::HelloCall);
+        return log.contains("a peer that has ended does not come back");
+    }));
 }
 
 TEST_F(TransportTest, WhatDoesNotExistIsAnErrorReply) {
@@ -189,6 +257,42 @@ TEST_F(TransportTest, APeerThatNeverReadsItsRepliesHoldsNoThread) {
         ASSERT_EQ(OK, call(proxy, kAdd, i));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
+}
+
+TEST_F(TransportTest, AStreamThatNeverPausesLeavesTheOnlyThreadToOthersInTurn) {
+    struct Slow : Probe {
+        status_t onTransact(uint32_t code, const Parcel& data, Parcel* reply, uint32_t flags,
+                            TransactCallback callback) override {
+            std::this_thread::sleep_for(code == kNote ? 100us : 0us);
+            return Probe::onTransact(code, data, reply, flags, callback);
+        }
+    };
+    Partner single(1);
+    ObjectReference slow;
+    ASSERT_EQ(OK, single.transport.publish(new Slow, &slow));
+    Attacker attacker(slow.endpoint);
+    const UniqueFd fd = attacker.connect(MessageKind::HelloControl);
+    const Bytes one = MessageBuilder(MessageKind::OneWay).to(slow, kNote).scalar<int32_t>(0).bytes();
+    Bytes many;
+    for (int i = 0; i < 1000; ++i) {
+        many.insert(many.end(), one.begin(), one.end());
+    }
+    std::atomic<bool> ends{false};
+    std::thread stream([&] {
+        while (!ends) {
+            Attacker::send(fd, many);
+        }
+    });
+    std::atomic<int> served{0};
+    std::thread caller([&] {
+        Transport client;
+        served += call(get(client, slow), kAdd, 1) == OK ? 1 : 0;
+    });
+    EXPECT_TRUE(eventually([&] { return served == 1; }));
+    ends = true;
+    ::shutdown(fd.get(), SHUT_RDWR);
+    stream.join();
+    caller.join();
 }
 
 TEST_F(TransportTest, FloodsOfWhatBreaksNoRuleGrowNothing) {

@@ -123,15 +123,26 @@ TEST(Parcel, ANativeHandleThatIsNotWhatItSaysIsRefused) {
         EXPECT_EQ(parcel.readNullableNativeHandleNoDup(&handle), each.expected);
         EXPECT_EQ(handle != nullptr, each.expected == OK);
     }
+    std::vector<int> many(3 + NATIVE_HANDLE_MAX_FDS + 1);
+    many[0] = kVersion;
+    many[1] = NATIVE_HANDLE_MAX_FDS + 1;
+    Parcel sent;
+    EXPECT_EQ(sent.writeNativeHandleNoDup(reinterpret_cast<native_handle_t*>(many.data())), BAD_VALUE);
 }
 
 TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
+    native_handle_t empty{};
+    empty.version = sizeof(empty);
     Parcel parcel;
     receive(MessageBuilder()
                     .reference(2, 7)
                     .buffer(std::string("ok\0", 3), 0)
                     .reference(1, 1)
                     .buffer("12345678", 2)
+                    .reference(1)  // which a handle takes for what it owns
+                    .scalar<uint64_t>(sizeof(empty))
+                    .record(&empty, sizeof(empty), 4)
+                    .descriptors(0)
                     .buffer("more")
                     .bytes(),
             &parcel);
@@ -143,9 +154,14 @@ TEST(Parcel, AReceivedValueOwnsNothingAndPointsIntoItsMessage) {
     // Whatever a stub does with its arguments, no byte of the message is given to the allocator.
     const_cast<hidl_string*>(text)->clear();
     const_cast<hidl_vec<uint64_t>*>(numbers)->resize(0);
-    // What is no buffer has no number that could be a parent's.
     const void* data = nullptr;
     size_t handle = 0;
+    ASSERT_EQ(parcel.readBuffer(sizeof(hidl_handle), &handle, &data), OK);
+    auto& received = *static_cast<hidl_handle*>(const_cast<void*>(data));
+    ASSERT_EQ(readEmbeddedFromParcel(received, parcel, handle, 0), OK);
+    EXPECT_TRUE(received != nullptr);
+    received.setTo(nullptr, false);
+    // What is no buffer has no number that could be a parent's.
     EXPECT_EQ(parcel.readEmbeddedBuffer(4, &handle, kNoParent, 0, &data), BAD_VALUE);
     // A second pass over the same bytes finds nothing that it may read.
     EXPECT_EQ(readText(parcel, &text), BAD_VALUE);

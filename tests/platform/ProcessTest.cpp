@@ -11,12 +11,14 @@
 #include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utils/misc.h>
 #include <zvttv/test/probe/1.0/IHandles.h>
 #include <zvttv/test/probe/1.0/IProbe.h>
+#include <zvttv/test/probe/1.0/ISpecialHandles.h>
 
 #include <atomic>
 #include <chrono>
@@ -26,6 +28,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/binding/Backend.h"
 #include "platform/binding/Descriptors.h"
 #include "platform/socket/Limits.h"
 #include "platform/socket/Registry.h"
@@ -33,6 +36,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Descriptors.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/Transport.h"
 
 namespace {
@@ -54,6 +58,7 @@ using zvttv::test::probe::V1_0::Everything;
 using zvttv::test::probe::V1_0::IHandles;
 using zvttv::test::probe::V1_0::IProbe;
 using zvttv::test::probe::V1_0::IProbeListener;
+using zvttv::test::probe::V1_0::ISpecialHandles;
 using zvttv::test::probe::V1_0::Leaf;
 
 // The server's side.
@@ -77,8 +82,12 @@ class Handle {
     native_handle_t* const mHandle;
 };
 
-class Handles : public IHandles {
+template <typename Interface>
+class HandlesOf : public Interface {
   public:
+    using Carrier = IHandles::Carrier;
+    using echo_cb = IHandles::echo_cb;
+    using make_cb = IHandles::make_cb;
     Return<void> echo(const hidl_handle& one, const hidl_vec<Carrier>& more, echo_cb _hidl_cb) override {
         _hidl_cb(one, more);
         return Void();
@@ -88,6 +97,7 @@ class Handles : public IHandles {
         return Void();
     }
 };
+using Handles = HandlesOf<IHandles>;
 
 class Probe : public IProbe {
   public:
@@ -337,6 +347,24 @@ int playRegistrar() {
     return listed.isOk() && instances == hidl_vec<hidl_string>{"default", "own"} ? 0 : 4;
 }
 
+/** Registers an object of two interfaces where one name is taken, then another; and neither calls nor joins.
+ */
+int playSpecial() {
+    android::hardware::configureRpcThreadpool(1, false);
+    wp<ISpecialHandles> refused;
+    {
+        const sp<ISpecialHandles> special = new HandlesOf<ISpecialHandles>;
+        refused = special;
+        if (special->registerAsService() == android::OK) {
+            return 1;
+        }
+    }
+    const sp<ISpecialHandles> special = new HandlesOf<ISpecialHandles>;
+    const bool registered = special->registerAsService("special") == android::OK;
+    dprintf(STDOUT_FILENO, "%c", registered && refused.promote() == nullptr ? 'r' : 'f');
+    return pause();
+}
+
 /** Registers objects that never say what they are: more than one process may, so that one is refused. */
 int playMute() {
     struct Mute : Handles {
@@ -510,6 +538,34 @@ TEST_F(ProcessTest, AServiceIsFoundInEveryWayThatTheManagerOffers) {
         EXPECT_FALSE(probe->enrol("anothers", false).withDefault(true));
     }
     EXPECT_TRUE(manager->registerPassthroughClient(IProbe::descriptor, "default").isOk());
+}
+
+TEST_F(ProcessTest, AnObjectIsRegisteredUnderAllItsInterfacesOrNone) {
+    ONLY_OVER_SOCKETS();
+    start();
+    const Player special = Player::ready("special");
+    EXPECT_EQ(nullptr, ISpecialHandles::tryGetService()) << "of a refused one, the other name is free";
+    const sp<ISpecialHandles> found = ISpecialHandles::tryGetService("special");
+    ASSERT_NE(nullptr, found);
+    EXPECT_TRUE(found->ping().isOk());
+    EXPECT_NE(nullptr, IHandles::tryGetService("special"));
+}
+
+TEST_F(ProcessTest, AServiceThatCanNotBeReachedIsTriedAgain) {
+    ONLY_OVER_SOCKETS();
+    const android::hardware::Endpoint target = android::hardware::randomEndpoint();
+    android::hardware::Registry registry(android::hardware::Registry::defaultPath());
+    ASSERT_EQ(android::OK, registry.take(IProbe::descriptor, "slow", {target, 1, 1}));
+    const LogCapture log;
+    std::atomic<bool> isFound{false};
+    std::thread waiter([&] {
+        isFound = android::hardware::Backend::self().names().get(IProbe::descriptor, "slow", true) != nullptr;
+    });
+    EXPECT_TRUE(eventually([&] { return log.contains("waiting for"); }));
+    const android::hardware::UniqueFd listening = android::hardware::listenOn(target);
+    EXPECT_TRUE(eventually([&] { return isFound.load(); })) << "though nothing changes in the registry";
+    EXPECT_EQ(android::OK, registry.take(IProbe::descriptor, "change", {target, 1, 1}));
+    waiter.join();
 }
 
 TEST_F(ProcessTest, RegistrantsThatNeverAnswerLeaveTheManagerToOthers) {
@@ -733,6 +789,12 @@ TEST_F(ProcessTest, RunningOutOfDescriptorsRefusesConnectionsAndNothingElse) {
             android::hardware::Credentials credentials;
             connections.push_back(android::hardware::connectTo(endpoint(), &credentials));
         }
+        EXPECT_TRUE(eventually([&] {
+            return std::count_if(connections.begin(), connections.end(), [](const auto& each) {
+                       char byte;
+                       return recv(each.get(), &byte, 1, MSG_DONTWAIT) == 0;
+                   }) > 50;
+        })) << "what has no room is hung up on at once";
         EXPECT_TRUE(probe->blob(1, [](const auto&) {}).isOk()) << "who is connected is served";
     }
     EXPECT_TRUE(eventually([] { return Player("caller").wait() == 0; }))
@@ -978,6 +1040,7 @@ int main(int argc, char** argv) {
             {"registrar", playRegistrar},
             {"caller", playCaller},
             {"mute", playMute},
+            {"special", playSpecial},
             {"stranger", playStranger},
     };
     const std::string role = argc > 1 ? argv[1] : "";

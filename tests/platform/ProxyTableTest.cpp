@@ -45,6 +45,9 @@ TEST_F(ProxyTableTest, AnObjectHasOneProxyAndAllReferencesAreOwedWhenItEnds) {
     EXPECT_EQ(owed(), Owed()) << "a new proxy keeps what is owed";
     proxy.clear();  // ends, and is not taken out before it has a successor
     proxy = table.get(peer, {7, 1}, 1);
+    const sp<RemoteObject> predecessor = ProxyTable().get(peer, {7, 1}, 0);
+    table.forget(predecessor.get());
+    EXPECT_FALSE(table.empty());
     forget(proxy);
     EXPECT_TRUE(table.empty());
     table.owe({8, 1}, 5);

@@ -288,6 +288,15 @@ TEST_F(TransportTest, ObjectsThatNobodyReadsAreReleasedWhileTheirReceiverLives) 
         EXPECT_TRUE(eventually([&] { return alive == 0 && client.exports().size() == before; }))
                 << test.name << ": " << alive;
     }
+    const sp<IBinder> dead = get(client, Partner().reference);
+    {
+        Parcel data;
+        Parcel reply;
+        data.writeStrongBinder(new Probe(&alive));
+        data.writeStrongBinder(dead);
+        EXPECT_EQ(DEAD_OBJECT, proxy->transact(kKeep, data, &reply));
+    }
+    EXPECT_TRUE(eventually([&] { return alive == 0; })) << "a message that can not be sent keeps nothing";
     EXPECT_EQ(OK, call(proxy, kAdd, 1));
 }
 

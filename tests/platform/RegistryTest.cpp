@@ -22,6 +22,7 @@
 #include "platform/binding/Backend.h"
 #include "platform/socket/ServiceManager.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Eventually.h"
 #include "tests/support/LogCapture.h"
 
 namespace android::hardware {
@@ -488,17 +489,20 @@ class Notification : public ::android::hidl::manager::V1_0::IServiceNotification
   public:
     Return<void> onRegistration(const hidl_string& fqName, const hidl_string& name,
                                 bool preexisting) override {
+        Return<void> result = then();
         const std::lock_guard lock(mLock);
         mTold.push_back(std::string(fqName) + "/" + std::string(name) +
                         (preexisting ? " was there" : " came"));
         mChanged.notify_all();
-        return Void();
+        return result;
     }
     std::vector<std::string> afterTelling(size_t count) {
         std::unique_lock lock(mLock);
         EXPECT_TRUE(mChanged.wait_for(lock, std::chrono::seconds(20), [&] { return mTold.size() >= count; }));
         return mTold;
     }
+
+    std::function<Return<void>()> then = [] { return Void(); };  // before it is noted
 
   private:
     std::mutex mLock;
@@ -531,6 +535,62 @@ TEST_F(RegistryTest, ANotificationIsCalledForWhatIsThereAndForEachLaterRegistrat
                        EXPECT_EQ(names, (hidl_vec<hidl_string>{name, std::string(kInterface) + "/other"}));
                    })
                     .isOk());
+}
+
+TEST_F(RegistryTest, ANotificationTellsOfEachRegistrationOnceAndADeadListenerOfNoMore) {
+    static std::mutex sGate;
+    static std::atomic<bool> sWaits;
+    Registry own(mPath);
+    auto* watched = new Registry(mPath);
+    const sp<ServiceManager> manager = new ServiceManager(*watched, Backend::self().names());
+    const sp<Notification> alive = new Notification;
+    const sp<Notification> dead = new Notification;
+    const sp<Notification> last = new Notification;
+    const sp<Notification> late = new Notification;
+    dead->then = [] { return Return<void>(Status::fromStatusT(DEAD_OBJECT)); };
+    last->then = [] {
+        sWaits = true;
+        const std::lock_guard passes(sGate);
+        return Void();
+    };
+    const auto listen = [&](const sp<Notification>& to, const char* instance) {
+        ASSERT_TRUE(bool(manager->registerForNotifications(kInterface, instance, to)));
+    };
+    listen(alive, "default");
+    listen(dead, "default");
+    listen(last, "last");
+    size_t rounds = 0;
+    const auto takeLast = [&] {
+        own.release(kInterface, "last");
+        ASSERT_EQ(own.take(kInterface, "last", reference(1)), OK);
+    };
+    // When the last has been told twice, all names were looked at meanwhile.
+    const auto toldAlive = [&] {
+        for (int i = 0; i < 2; ++i) {
+            takeLast();
+            last->afterTelling(++rounds);
+        }
+        return alive->afterTelling(0).size();
+    };
+    const ObjectReference same = reference(2);
+    ASSERT_EQ(own.take(kInterface, "default", same), OK);
+    EXPECT_EQ(toldAlive(), 1u);
+    own.release(kInterface, "default");
+    EXPECT_EQ(toldAlive(), 1u);
+    ASSERT_EQ(own.take(kInterface, "default", same), OK);
+    EXPECT_EQ(toldAlive(), 2u) << "it is there again";
+    EXPECT_EQ(dead->afterTelling(0).size(), 1u);
+    {
+        const std::lock_guard waits(sGate);
+        sWaits = false;
+        takeLast();
+        ASSERT_TRUE(eventually([] { return sWaits.load(); }));
+        listen(late, "default");
+        own.release(kInterface, "default");
+        ASSERT_EQ(own.take(kInterface, "default", reference(3)), OK);
+    }
+    EXPECT_EQ(late->afterTelling(1), (std::vector<std::string>{std::string(kInterface) + "/default came"}))
+            << "not the one that was there";
 }
 
 }  // namespace

@@ -75,6 +75,16 @@ class ScarceTest : public testing::Test {
     ~ScarceTest() override { alarm(0); }
 };
 
+TEST_F(ScarceTest, AParcelThatLacksAnObjectIsNotSent) {
+    const sp<Probe> object = new Probe;
+    Parcel parcel;
+    sRefusedFrom = 1;
+    const status_t status = parcel.writeStrongBinder(object);
+    sRefusedFrom = SIZE_MAX;
+    EXPECT_EQ(NO_MEMORY, status);
+    EXPECT_EQ(NO_MEMORY, parcel.error());
+}
+
 TEST_F(ScarceTest, AnyAllocationMayFailAndTheNextAttemptWorks) {
     int n = 0;
     bool reached = true;

@@ -9,9 +9,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <thread>
 #include <vector>
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/Descriptors.h"
 
 namespace android::hardware {
@@ -45,7 +47,7 @@ TEST(Socket, AllArrivesThoughSignalsInterruptAndWaitingUsesNoProcessor) {
             std::vector<uint8_t> got(sent.size());
             pthread_sigmask(SIG_BLOCK, &alarms, nullptr);
             std::thread slow([&] {
-                usleep(100'000);
+                usleep(200'000);
                 fcntl(other.get(), F_SETFL, 0);
                 EXPECT_EQ(receiveSome(other.get(), got.data(), got.size(), MSG_WAITALL), 1'000'000);
                 usleep(50'000);
@@ -55,7 +57,7 @@ TEST(Socket, AllArrivesThoughSignalsInterruptAndWaitingUsesNoProcessor) {
             const int64_t before = processorMilliseconds();
             iovec vectors[] = {{sent.data(), 10}, {&sent[10], 300'001}, {&sent[300'011], 699'989}};
             EXPECT_TRUE(sendAll(mine.get(), {vectors, 3, sent.size()}));
-            EXPECT_LT(processorMilliseconds() - before, 50);
+            EXPECT_LT(processorMilliseconds() - before, 40);
             fcntl(mine.get(), F_SETFL, 0);
             uint8_t byte = 0;
             Descriptors none;
@@ -77,6 +79,20 @@ TEST(Descriptors, AreClosedWhenMoreComeThanAMessageMayHave) {
     }
     EXPECT_EQ(openDescriptors(getpid()), before + kMaxDescriptors);
     EXPECT_TRUE(all.isOverfull());
+}
+
+TEST(UniqueFd, AForkedChildHasNoneOfTheRuntimesDescriptorsButThoseThatWereLetGo) {
+    const auto zero = [] { return UniqueFd(open("/dev/zero", O_RDONLY | O_CLOEXEC)); };
+    const UniqueFd owned = zero();
+    const int released = zero().release();
+    ChildProcess child([&] {
+        const auto isThere = [](int fd) {
+            return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)) == "/dev/zero";
+        };
+        return (isThere(owned.get()) ? 1 : 0) + (isThere(released) ? 0 : 2);
+    });
+    EXPECT_EQ(0, child.wait());
+    close(released);
 }
 
 }  // namespace

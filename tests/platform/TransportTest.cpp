@@ -81,23 +81,34 @@ TEST_F(TransportTest, OneWayCallsReachTheirObjectInOrder) {
 }
 
 TEST_F(TransportTest, ThreadsStartAsCallsNeedThemAndNeverExceedTheMaximum) {
-    Transport client;
-    const sp<IBinder> proxy = objectFor(client);
-    EXPECT_EQ(OK, call(proxy, kAdd, 1));
-    EXPECT_LE(server.pool().threadCount(), 2u);
-    std::vector<std::thread> callers;
-    for (int i = 0; i < 6; ++i) {
-        callers.emplace_back([&] { EXPECT_EQ(OK, call(proxy, kBlock, 0)); });
+    Partner pair(2);
+    struct Served {
+        Transport& by;
+        Probe& object;
+        const ObjectReference& published;
+        int atOnce;  // of one process's calls
+        size_t most;
+    };
+    for (const Served& served : {Served{server, *object, reference, 4, 6},
+                                 Served{pair.transport, *pair.object, pair.reference, 2, 2}}) {
+        Transport client;
+        const sp<IBinder> proxy = get(client, served.published);
+        EXPECT_EQ(OK, call(proxy, kAdd, 1));
+        EXPECT_LE(served.by.pool().threadCount(), 2u);
+        std::vector<std::thread> callers;
+        for (int i = 0; i < 6; ++i) {
+            callers.emplace_back([&] { EXPECT_EQ(OK, call(proxy, kBlock, 0)); });
+        }
+        EXPECT_TRUE(eventually([&] { return served.object.blocked == served.atOnce; }));
+        std::this_thread::sleep_for(50ms);
+        EXPECT_EQ(served.atOnce, served.object.blocked);
+        EXPECT_LE(served.by.pool().threadCount(), served.most);
+        served.object.release();
+        for (std::thread& caller : callers) {
+            caller.join();
+        }
+        EXPECT_EQ(6, served.object.blocked) << "waiting calls were served in the end";
     }
-    EXPECT_TRUE(eventually([&] { return object->blocked == 4; }));
-    std::this_thread::sleep_for(50ms);
-    EXPECT_EQ(4, object->blocked);
-    EXPECT_LE(server.pool().threadCount(), 6u);
-    object->release();
-    for (std::thread& caller : callers) {
-        caller.join();
-    }
-    EXPECT_EQ(6, object->blocked) << "waiting calls were served in the end";
 }
 
 TEST_F(TransportTest, CallsNestAsDeepAsTheLimitWithoutAnyOtherThread) {

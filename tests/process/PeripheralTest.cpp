@@ -67,6 +67,12 @@ TEST_F(PeripheralTest, TheToolBringsAnEdidThatTheServiceKeepsOverARestart) {
     start();
     ASSERT_TRUE(eventually([this] { return isRegistered("Manager"); }));
     EXPECT_EQ(tool({"edid", "3", "-"}), contentOf(file));
+    // One without a second block is as short as it says.
+    std::string block = contentOf(file).substr(0, 128);
+    block[127] = static_cast<char>(block[127] + std::exchange(block[126], '\0'));
+    std::ofstream(file + "1") << block;
+    call({"set_hdmi_edid_data", "3", "1", "128", "@" + file + "1"});
+    EXPECT_EQ(tool({"edid", "3", "-"}), block);
     tool({"edid", "9"}, 1);
     tool({"edid", "two"}, 2);
 }

@@ -30,6 +30,13 @@ TEST(Names, ShortFormsAlwaysLeadBackToTheirMethod) {
     }
 }
 
+TEST(Names, AWholeNameMeansItsMethodThoughItIsAnothersShortForm) {
+    Interface interface = findInterface(testPackage(), "Thing");
+    interface.methods.push_back(findMethod(interface, "text"));
+    interface.methods.back().name = "text";
+    EXPECT_EQ(findMethod(interface, "Text").name, "text");
+}
+
 /** Whether a bool stands in a record of the type, however deep. */
 bool holdsBool(const Type& type, bool inRecord = false) {
     return (type.kind == Type::Kind::Boolean && inRecord) ||
