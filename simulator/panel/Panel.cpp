@@ -53,13 +53,12 @@ Setting Panel::pictureSetting() const {
 }
 
 int32_t Panel::changePicture(size_t parameter, int64_t value) {
-    const std::lock_guard<std::mutex> lock(mMutex);
-    Settings::Values values = Settings(displaySettings())[pictureSetting()];
-    if (parameter >= values.size()) {
+    if (parameter >= kPictureParameters) {
         return kOutOfRange;
     }
-    values[parameter] = value;
-    return change({{pictureSetting(), values}});
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return displaySettings().change(static_cast<size_t>(pictureSetting()),
+                                    [&](Settings::Values& values) { values[parameter] = value; });
 }
 
 int32_t Panel::changePicture(const Settings::Values& parameters) {
@@ -67,30 +66,37 @@ int32_t Panel::changePicture(const Settings::Values& parameters) {
     return change({{pictureSetting(), parameters}});
 }
 
-int32_t Panel::checkPq(const Settings::Values& items) const {
-    for (size_t axis = 0; axis < std::size(mPqData.range) && axis < items.size(); ++axis) {
-        if (items[axis] < mPqData.range[axis][0] || items[axis] > mPqData.range[axis][1]) {
-            return kOutOfRange;
-        }
-    }
-    return kOk;
+bool Panel::inPqRange(size_t item, int64_t value) const {
+    return item >= std::size(mPqData.range) ||
+           (value >= mPqData.range[item][0] && value <= mPqData.range[item][1]);
 }
 
 int32_t Panel::changePq(const Settings::Values& items) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    const int32_t result = checkPq(items);
-    return result == kOk ? change({{Setting::Pq, items}}) : result;
+    for (size_t item = 0; item < items.size(); ++item) {
+        if (!inPqRange(item, items[item])) {
+            return kOutOfRange;
+        }
+    }
+    return change({{Setting::Pq, items}});
 }
 
 int32_t Panel::changePqItem(size_t item, int64_t value) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    Settings::Values items = seenSettings()[Setting::Pq];
-    if (item >= items.size()) {
+    if (item >= kPqItems || !inPqRange(item, value)) {
         return kOutOfRange;
     }
-    items[item] = value;
-    const int32_t result = checkPq(items);
-    return result == kOk ? change({{Setting::Pq, items}}) : result;
+    return displaySettings().change(static_cast<size_t>(Setting::Pq), [&](Settings::Values& items) {
+        clampPq(items);
+        items[item] = value;
+    });
+}
+
+/** Within the ranges of pq.ini, which may be narrower than when the items were set. */
+void Panel::clampPq(Settings::Values& items) const {
+    for (size_t axis = 0; axis < std::size(mPqData.range); ++axis) {
+        items[axis] = std::clamp<int64_t>(items[axis], mPqData.range[axis][0], mPqData.range[axis][1]);
+    }
 }
 
 DriverParameters Panel::driver() const {
@@ -103,13 +109,10 @@ PqData Panel::pqData() const {
     return mPqData;
 }
 
-/** With the PQ items within the ranges of pq.ini, which may be narrower than when they were set. */
+/** With the PQ items that act. */
 Settings Panel::seenSettings() const {
     Settings seen(displaySettings());
-    Settings::Values& items = seen[Setting::Pq];
-    for (size_t axis = 0; axis < std::size(mPqData.range); ++axis) {
-        items[axis] = std::clamp<int64_t>(items[axis], mPqData.range[axis][0], mPqData.range[axis][1]);
-    }
+    clampPq(seen[Setting::Pq]);
     return seen;
 }
 

@@ -57,7 +57,8 @@ class Panel {
 
   private:
     Setting pictureSetting() const;
-    int32_t checkPq(const Settings::Values& items) const;
+    bool inPqRange(size_t item, int64_t value) const;
+    void clampPq(Settings::Values& items) const;
     Settings seenSettings() const;
     std::vector<std::string> bannerLocked() const;
 

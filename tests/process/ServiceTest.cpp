@@ -67,7 +67,10 @@ TEST_F(ServiceTest, ASecondServiceOnABoardEndsAndSaysWhoseItIs) {
                       mState + ": set ZVTTV_STATE_DIR to a folder of this one's own\n",
               contentOf(mState + ".second"));
     std::filesystem::remove(mState + ".second");
+    // One that is removed and made anew is its, too.
+    std::filesystem::remove_all(mState);
     EXPECT_EQ(0, keep("3"));
+    EXPECT_EQ(1, ChildProcess({getenv("ZVTTV_TEST_SERVICE")}, "/dev/null").wait());
     service().stop(SIGKILL);
     startAndWait();
     EXPECT_THAT(kept(), HasSubstr("\"3\""));

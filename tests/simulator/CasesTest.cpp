@@ -1,33 +1,35 @@
+// clang-format off
 // Runs the files cases/*.cases against the simulated board: each section is a test, with a state folder and a
 // board process of its own.
 //
 //     == A promise, the test's title
-//     system read_reg 1 255               -> 0 0          what `fapictl call` takes, and the results
-//     aud adv_set_volume { 9 1 | 0 101 }  -> -102         once for each alternative; blanks around { | }
-//     prphrl control_gpio 63 1                            without an answer: -> 0
-//     board status                        => -5           once it is so, within 10 s
-//     system upgrade_fw 1 /fw &           ->              in the background; `done -> 0` waits for its answer
-//     order gpio 5 1                                      command 0 of the board
-//     state prphrl ~ gpio 5 high                          ~ contains, !~ does not; what the board shows of it
-//     state aud as BEFORE                                 from here on $BEFORE stands for the answer
-//     events -> 0x100003 5 1; 0x100004 9,ir 1             all since the last time: TYPE
-//     NUMBER[,TEXT][:BYTES]... says ~ there is no such line                        standard error since the
-//     last time, within 10 s restart NAME=VALUE ...                              SIGKILL; another process
-//     with that in its environment file files/a <- "text\n" ("x")*1023                 paths are those of the
-//     state folder; @9<- in the middle file files/a -> 'text\n(x)*1023'                    or absent $ ls
-//     files -> a                                     a shell's output, in the state folder needs test $(id
-//     -u) = 0                             or the test is skipped tty ttyS0 <- "help\r" a terminal on
-//     uart/ttyS0, open until the end tty ttyS0 -> "ok\r\n"                               so many bytes; with
-//     ~, until they have come picture 1 -> 0,0=ff8000 9,9=000000                  X,Y=RRGGBB of the captured
-//     layer each PATH STATUS                                    the indented steps for each of the rows,
-//     whose cells
-//         system check_file $PATH -> $STATUS              stand for $PATH and $STATUS
+//     system read_reg 1 255               -> 0 0      what `fapictl call` takes, and the results
+//     aud adv_set_volume { 9 1 | 0 101 }  -> -102     once for each alternative; blanks around { | }
+//     prphrl control_gpio 63 1                        without an answer: -> 0
+//     board status                        => -5       once it is so, within 10 s
+//     system upgrade_fw 1 /fw &           ->          in the background; `done -> 0` waits for its answer
+//     order gpio 5 1                                  command 0 of the board
+//     state prphrl ~ gpio 5 high                      ~ contains, !~ does not; what the board shows of it
+//     state aud as BEFORE                             from here on $BEFORE stands for the answer
+//     events -> 0x100003 5 1; 0x100004 9,ir 1         all since the last time: TYPE NUMBER[,TEXT][:BYTES]...
+//     says ~ there is no such line                    standard error since the last time, within 10 s
+//     restart NAME=VALUE ...                          SIGKILL; another process with that in its environment
+//     file files/a <- "text\n" ("x")*1023             paths are those of the state folder; @9<- in the middle
+//     file files/a -> 'text\n(x)*1023'                or absent
+//     $ ls files -> a                                 a shell's output, in the state folder
+//     needs test $(id -u) = 0                         or the test is skipped
+//     tty ttyS0 <- "help\r"                           a terminal on uart/ttyS0, open until the end
+//     tty ttyS0 -> "ok\r\n"                           so many bytes; with ~, until they have come
+//     picture 1 -> 0,0=ff8000 9,9=000000              X,Y=RRGGBB of the captured layer
+//     each PATH STATUS                                the indented steps for each of the rows, whose cells
+//         system check_file $PATH -> $STATUS          stand for $PATH and $STATUS
 //     | a     | 0
 //     | none  | -101
 //
 // # begins a comment's line, and a line that ends in \ goes on with the next. $STATE is the state folder,
 // $MAKE the program images.py, $PROBE the board's, $PID a number of this run. `module`, `board` and other
 // words are commands of the board's process, see probe.cpp.
+// clang-format on
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
