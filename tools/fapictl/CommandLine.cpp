@@ -9,6 +9,7 @@
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Verbs.h"
+#include "tools/fapictl/Watchdog.h"
 
 namespace fapictl {
 namespace {
@@ -19,7 +20,8 @@ constexpr const char* kExitCodes =
         "  1  the method reported a status other than 0\n"
         "  2  a name, option or argument is wrong; nothing was called\n"
         "  3  the service is not registered, or was not in time, or fewer than --count events were\n"
-        "  4  the call did not come back, for example because the service died; or it died while watched\n"
+        "  4  the call did not come back, because the service died, or not within --timeout; or it died "
+        "while watched\n"
         "  5  the results could not be written\n";
 
 constexpr const char* kNamesHelp =
@@ -51,9 +53,11 @@ constexpr const char* kWatchHelp =
         "nothing is. Modules: sys, disp, disptst, info, inpsrc, prphrl, aud, net, and tv for none of these.\n"
         "Ends with 0 on Ctrl-C or SIGTERM, after --count events, or after --timeout without --count; ends "
         "with 3\n"
-        "when --count events have not come within --timeout, and with 4 when the service dies. Says on "
-        "standard\n"
-        "error when it has registered. A reader of its output that stalls can cost it events.\n\n"
+        "when --count events have not come within --timeout, and with 4 when the service dies, or has not "
+        "answered\n"
+        "within --timeout. Says on standard error when it has registered. A reader of its output that stalls "
+        "can cost\n"
+        "it events.\n\n"
         "  fapictl watch --module sys --module net\n"
         "  fapictl watch --count 1 --timeout 10 --json\n";
 
@@ -105,7 +109,7 @@ struct Parser {
                 ->type_name("NAME")
                 ->capture_default_str();
         app.add_option("--timeout", options.timeout,
-                       "how long to wait for the service, or for watch to run, in seconds")
+                       "how long all of it may take, from waiting for the service on, in seconds")
                 ->type_name("S");
         app.add_option("--out", options.out,
                        "write the first text or bytes among the results to a file as they are; - is standard "
@@ -249,6 +253,10 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
                                            "; usage: fapictl " + verb.name + " " + verb.arguments);
     }
     warnAboutUselessOptions(parser, verb, err);
+    // These two go by the time themselves.
+    const bool watched = options.timeout && verb.run != wait && verb.run != watch;
+    const std::optional<Watchdog> watchdog =
+            watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
     return verb.run({package, options, out, err});
 }
 

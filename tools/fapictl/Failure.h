@@ -11,7 +11,7 @@ enum class Exit {
     Status = 1,     // the method reported a status other than 0
     Usage = 2,      // a name, option or argument is wrong; nothing was called
     NotFound = 3,   // the service is not registered, or it or the watched events were not in time
-    Transport = 4,  // the call did not come back, or the watched service died
+    Transport = 4,  // the call did not come back, or not in time, or the watched service died
     Output = 5,     // the results could not be written
 };
 

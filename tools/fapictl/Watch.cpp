@@ -15,6 +15,7 @@
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Verbs.h"
+#include "tools/fapictl/Watchdog.h"
 #include "tools/fapictl/Watcher.h"
 
 namespace fapictl {
@@ -270,9 +271,15 @@ Exit watch(const Context& context) {
         Queue& queue;
         ~Closer() { queue.close(); }
     } const closer = {*queue};
+    // Until it is registered the time is the watchdog's, and a signal ends the process as it ends any.
+    std::optional<Watchdog> watchdog;
+    if (options.timeout) {
+        watchdog.emplace(*options.timeout, context.err);
+    }
     const sp<IBase> service = findService(context, findInterface(context.package, "Manager"));
-    const EndSignals signals;
     const sp<IBase> manager = subscribe(service, watcher, notice);
+    const EndSignals signals;
+    watchdog.reset();
     if (!options.quiet) {
         context.err << "watching: press Ctrl-C to end" << std::endl;
     }
