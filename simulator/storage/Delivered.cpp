@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "simulator/board/Board.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Identity.h"
 #include "simulator/storage/IniStore.h"
@@ -105,6 +106,9 @@ std::string ipDefaults() {
 int32_t deliver() {
     Identity identity;
     int32_t result = readIdentity(&identity);
+    // Where engineers put files, who may look for it before the board has needed it.
+    const int32_t made = boardState().openFolder("files").status;
+    result = result == kOk ? made : result;
     const std::string ips = ipDefaults();
     for (const DefaultFile& file : {kPanel, kPq, kTuner, DefaultFile{"ip.ini", ips.c_str()}}) {
         // By the way that clients' parameters take: one of them may be setting the first.

@@ -101,6 +101,38 @@ TEST_F(ServiceTest, WhatTheDiskRefusesIsAStatusAndTheOlderValueStays) {
     EXPECT_THAT(kept(), HasSubstr("\"new\""));
 }
 
+TEST_F(ServiceTest, AWatchRunsACommandAndNothingOutlastsItsTime) {
+    startAndWait();
+    const std::string post = std::string(getenv("ZVTTV_TEST_FAPICTL")) + " post 0x10001 value=";
+    struct {
+        std::vector<std::string> words;
+        int code;
+        const char* out;  // in it
+    } const rows[] = {
+            {{"--count", "1", "--", "sh", "-c", post + "7"}, 0, "value=7 | - | - | -\n"},
+            {{"--", "sh", "-c", post + "8; " + post + "9"}, 0, "value=9 | - | - | -\n"},
+            {{"--count", "1", "--", "sh", "-c", "exit 9"}, 6, ""},
+            {{"--count", "1", "--", "sh", "-c", "kill $$"}, 6, ""},
+            {{"--", "/no/program"}, 6, ""},
+            {{"--count", "1", "--timeout", "0.2", "--", "true"}, 3, ""},
+            {{"--timeout", "0.2", "--", "sleep", "60"}, 3, ""},
+    };
+    for (const auto& row : rows) {
+        std::vector<std::string> words = {"watch"};
+        words.insert(words.end(), row.words.begin(), row.words.end());
+        EXPECT_THAT(tool(words, row.code), HasSubstr(row.out)) << row.words.back();
+    }
+    service().signal(SIGSTOP);
+    for (const char* verb : {"call", "watch", "post", "debug"}) {
+        std::vector<std::string> words = {verb, "--timeout", "0.2"};
+        const std::map<std::string, std::vector<std::string>> more = {
+                {"call", {"system", "get_wdt_status"}}, {"post", {"1"}}, {"debug", {"tv"}}, {"watch", {}}};
+        words.insert(words.end(), more.at(verb).begin(), more.at(verb).end());
+        EXPECT_EQ("", tool(words, 4));
+    }
+    service().signal(SIGCONT);
+}
+
 TEST_F(ServiceTest, EachInterfaceAnswersTheRecordedHashOfItsFile) {
     startAndWait();
     std::map<std::string, std::string> recorded;

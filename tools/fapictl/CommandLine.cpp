@@ -22,7 +22,8 @@ constexpr const char* kExitCodes =
         "  3  the service is not registered, or was not in time, or fewer than --count events were\n"
         "  4  the call did not come back, because the service died, or not within --timeout; or it died "
         "while watched\n"
-        "  5  the results could not be written\n";
+        "  5  the results could not be written\n"
+        "  6  the command that watch runs failed, or could not be run\n";
 
 constexpr const char* kNamesHelp =
         "INTERFACE and METHOD may be written whole or without their prefixes, in any letter case: System "
@@ -57,8 +58,14 @@ constexpr const char* kWatchHelp =
         "answered\n"
         "within --timeout. Says on standard error when it has registered. A reader of its output that stalls "
         "can cost\n"
-        "it events.\n\n"
+        "it events.\n"
+        "A COMMAND is run once the watch is registered, so that none of its events is missed; what it prints "
+        "goes to\n"
+        "standard error. Then the watch ends when the command has ended and --count events have come, and "
+        "with 6 when\n"
+        "the command fails.\n\n"
         "  fapictl watch --module sys --module net\n"
+        "  fapictl watch --count 1 --timeout 5 -- fapictl post 0x10001 value=7\n"
         "  fapictl watch --count 1 --timeout 10 --json\n";
 
 constexpr const char* kPostHelp =
@@ -246,11 +253,18 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     if (options.count && *options.count < 1) {
         throw Failure(Exit::Usage, "--count is a number of events from 1 on");
     }
-    if (options.words.size() < verb.fewestWords || options.words.size() > verb.mostWords) {
+    size_t most = verb.mostWords;
+    if (verb.run == watch) {
+        // A command's words, all behind the sign for them: a module's name is none.
+        const auto sign = std::find(arguments.begin(), arguments.end(), "--");
+        most = static_cast<size_t>(arguments.end() - sign) - (sign == arguments.end() ? 0 : 1);
+        most = options.words.size() > most ? 0 : most;
+    }
+    if (options.words.size() < verb.fewestWords || options.words.size() > most) {
         const bool few = options.words.size() < verb.fewestWords;
         throw Failure(Exit::Usage, std::string(few ? "too few words" : "one word too many: ") +
-                                           (few ? "" : inQuotes(options.words[verb.mostWords])) +
-                                           "; usage: fapictl " + verb.name + " " + verb.arguments);
+                                           (few ? "" : inQuotes(options.words[most])) + "; usage: fapictl " +
+                                           verb.name + " " + verb.arguments);
     }
     warnAboutUselessOptions(parser, verb, err);
     // These two go by the time themselves.
@@ -306,13 +320,13 @@ const std::vector<Verb>& verbs() {
              kAnyNumber,
              wait},
             {"watch",
-             "",
+             "[-- COMMAND ARG...]",
              "show events as they come in",
              kWatchHelp,
              Words::None,
              {"module", "count", "timeout", "json", "quiet", "instance"},
              0,
-             0,
+             kAnyNumber,
              watch},
             {"post",
              "TYPE [RECORD...]",

@@ -13,6 +13,7 @@ enum class Exit {
     NotFound = 3,   // the service is not registered, or it or the watched events were not in time
     Transport = 4,  // the call did not come back, or not in time, or the watched service died
     Output = 5,     // the results could not be written
+    Command = 6,    // the command that watch runs failed, or could not be run
 };
 
 /** Ends the command: the message goes to standard error, the code to the caller. */

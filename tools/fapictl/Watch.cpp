@@ -1,15 +1,22 @@
 #include <poll.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/eventfd.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <cmath>
 #include <condition_variable>
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <system_error>
+#include <thread>
 
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Events.h"
@@ -161,6 +168,54 @@ class Queue {
     bool mClosed = false;
 };
 
+/** The program that is run once the watch is registered. */
+class Command {
+  public:
+    /** Starts it; throws Failure (Command). Rings the bell of the queue when it has ended. */
+    Command(const std::vector<std::string>& words, std::shared_ptr<Queue> queue) {
+        std::vector<char*> arguments;
+        for (const std::string& word : words) {
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        }
+        arguments.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        // Events have standard output to themselves.
+        posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
+        const int error = posix_spawnp(&mPid, arguments[0], &actions, nullptr, arguments.data(), environ);
+        posix_spawn_file_actions_destroy(&actions);
+        if (error != 0) {
+            throw Failure(Exit::Command, "cannot run " + inQuotes(words[0]) + ": " + std::strerror(error));
+        }
+        mWaiter = std::thread([this, queue = std::move(queue)] {
+            int status = 0;
+            while (waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
+            }
+            mStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+            queue->bell().ring();
+        });
+    }
+    /** Ends it if it still runs. */
+    ~Command() {
+        if (!status()) {
+            kill(mPid, SIGTERM);
+        }
+        mWaiter.join();
+    }
+    Command(const Command&) = delete;
+
+    /** Its exit code, 128 and the signal that ended it, or none while it runs. */
+    std::optional<int> status() const {
+        const int status = mStatus;
+        return status < 0 ? std::nullopt : std::optional(status);
+    }
+
+  private:
+    pid_t mPid = -1;
+    std::atomic<int> mStatus{-1};
+    std::thread mWaiter;
+};
+
 class DeathNotice : public android::hardware::hidl_death_recipient {
   public:
     explicit DeathNotice(std::shared_ptr<Queue> queue) : mQueue(std::move(queue)) {}
@@ -208,16 +263,32 @@ bool sleepUntil(const Queue& queue, std::optional<steady_clock::time_point> time
     return ready != 0;
 }
 
-Exit print(const Context& context, Queue& queue, std::optional<steady_clock::time_point> deadline) {
+/** The command may be null. */
+Exit print(const Context& context, Queue& queue, const Command* command,
+           std::optional<steady_clock::time_point> deadline) {
     const Options& options = context.options;
     uint64_t shown = 0;
     while (true) {
         if (EndSignals::bell().rang()) {
             return Exit::Success;
         }
+        // Asked for before the events: those that it made are there when it has ended.
+        const std::optional<int> ended = command == nullptr ? 0 : command->status();
+        if (ended && *ended != 0) {
+            throw Failure(Exit::Command,
+                          inQuotes(options.words[0]) + " ended with " + std::to_string(*ended));
+        }
+        const bool enough = options.count && shown >= static_cast<uint64_t>(*options.count);
+        if (ended && enough) {
+            return Exit::Success;
+        }
         if (deadline && steady_clock::now() >= *deadline) {
-            if (!options.count) {
+            if (!options.count && ended) {
                 return Exit::Success;
+            }
+            if (!ended && (enough || !options.count)) {
+                throw Failure(Exit::NotFound, inQuotes(options.words[0]) + " has not ended within " +
+                                                      Json(*options.timeout).dump() + " s");
             }
             throw Failure(Exit::NotFound, std::to_string(shown) + " of " + std::to_string(*options.count) +
                                                   " events within " + Json(*options.timeout).dump() + " s");
@@ -234,12 +305,17 @@ Exit print(const Context& context, Queue& queue, std::optional<steady_clock::tim
                 if (!context.out.flush()) {
                     throw Failure(Exit::Output, "cannot write the events");
                 }
-                if (options.count && shown >= static_cast<uint64_t>(*options.count)) {
-                    return Exit::Success;
-                }
                 break;
             case Queue::State::Empty:
-                sleepUntil(queue, deadline);
+                if (command != nullptr && ended && !options.count) {
+                    // What it has caused may still be under way.
+                    const auto quiet = steady_clock::now() + kAfterDeath;
+                    if (!sleepUntil(queue, deadline ? std::min(*deadline, quiet) : quiet)) {
+                        return Exit::Success;
+                    }
+                } else {
+                    sleepUntil(queue, deadline);
+                }
                 break;
             case Queue::State::Dead:
                 if (!sleepUntil(queue, steady_clock::now() + kAfterDeath)) {
@@ -283,7 +359,11 @@ Exit watch(const Context& context) {
     if (!options.quiet) {
         context.err << "watching: press Ctrl-C to end" << std::endl;
     }
-    return print(context, *queue, deadline);
+    std::optional<Command> command;
+    if (!options.words.empty()) {
+        command.emplace(options.words, queue);
+    }
+    return print(context, *queue, command ? &*command : nullptr, deadline);
 }
 
 }  // namespace fapictl
