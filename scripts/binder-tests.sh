@@ -73,10 +73,10 @@ driver_is_clean() {
         [[ $(grep -c '^proc' $state/state) == 1 && $(grep -c '^ *node' $state/state) == 1 ]]
 }
 
-# What callers of dead objects and of stopped processes bring about is provoked by the tests; anything else says that
-# we broke one of the driver's rules. A hostile program is to break them: what is said of itself is provoked, too.
+# What callers of dead objects and of stopped processes bring about is provoked by the tests, and so is a reply to a caller
+# that was killed meanwhile; anything else says that we broke one of the driver's rules. A hostile program is to break them: what is said of itself is provoked, too.
 no_complaints() {
-    ! dmesg -c | grep -E 'binder|BUG:|Oops' | grep -vE 'cannot find target node|transaction (async|call|reply) to .* failed|undelivered|send failed reply|still active|fd fixups failed|failed to map pages in userspace, no vma|spamming oneway|cannot allocate buffer: no (space|async space)|callbacks suppressed|BINDER_SET_CONTEXT_MGR already set|ioctl 40046207 .* returned -16'"${hostile:+|binder_linux: $program:}"
+    ! dmesg -c | grep -E 'binder|BUG:|Oops' | grep -vE 'cannot find target node|reply target not found|transaction (async|call|reply) to .* failed|undelivered|send failed reply|still active|fd fixups failed|failed to map pages in userspace, no vma|spamming oneway|cannot allocate buffer: no (space|async space)|callbacks suppressed|BINDER_SET_CONTEXT_MGR already set|ioctl 40046207 .* returned -16'"${hostile:+|binder_linux: $program:}"
 }
 
 # says TEXT COMMAND...: the command fails and says that.
