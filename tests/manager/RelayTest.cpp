@@ -3,6 +3,7 @@
 #include <hwbinder/IPCThreadState.h>
 
 #include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <future>
 #include <list>
@@ -468,6 +470,39 @@ TEST_F(RelayTest, WhatReadsOrChangesTheRegistryWaitsForADeliveryInProgress) {
         raiser.join();
     }
     EXPECT_THAT(late->events, SizeIs(4));
+}
+
+TEST(StatePage, EndsBetweenTwoLinesAndGoesToADescriptorAlone) {
+    const std::string head = "interface: x\n";
+    const size_t room = StatePage::kMostBytes - head.size();
+    const auto open = [] {
+        const std::filesystem::directory_iterator all("/proc/self/fd");
+        return std::distance(begin(all), end(all));
+    };
+    const auto before = open();
+    for (const size_t length : {room - 2, room - 1, room, room + 1}) {
+        for (const int numFds : {0, 1}) {
+            int ends[2];
+            ASSERT_EQ(0, pipe2(ends, O_NONBLOCK));
+            NATIVE_HANDLE_DECLARE_STORAGE(storage, 1, 1);
+            native_handle_t* const handle = native_handle_init(storage, numFds, 1 - numFds);
+            handle->data[0] = ends[1];  // a descriptor, or a number that is one by chance
+            StatePage page("x");
+            page.line("%s", std::string(length, 'y').c_str());
+            page.writeTo(handle);
+            std::string bytes(2 * StatePage::kMostBytes, '?');
+            bytes.resize(
+                    static_cast<size_t>(std::max<ssize_t>(0, read(ends[0], bytes.data(), bytes.size()))));
+            EXPECT_EQ(numFds == 0     ? ""
+                      : length < room ? head + std::string(length, 'y') + '\n'
+                                      : head,
+                      bytes)
+                    << length;
+            close(ends[0]);
+            close(ends[1]);
+        }
+    }
+    EXPECT_EQ(before, open());
 }
 
 }  // namespace
