@@ -207,7 +207,7 @@ int32_t StateDirectory::hold(int folder, const struct stat& status) const {
     // A holder that is just being killed is waited for.
     for (int waited = 0; flock(folder, LOCK_EX | LOCK_NB) != 0; waited += kClaimPauseMilliseconds) {
         if (errno != EWOULDBLOCK && errno != EINTR) {
-            complainOnce(mPath, "it cannot be locked: see that no other service uses it");
+            fprintf(stderr, "board: %s cannot be locked: see that no other service uses it\n", mPath.c_str());
             break;
         }
         if (waited >= kClaimPatienceMilliseconds) {
@@ -343,8 +343,9 @@ int32_t StateFolder::change(const std::string& file, size_t limit, mode_t mode,
 /** Calls body with the folder, one after the other. What fails is said. */
 int32_t StateFolder::write(const std::string& file, const std::function<int32_t(const Opened&)>& body) {
     const std::lock_guard<std::mutex> writing(mWriting);
-    errno = 0;
     const Opened folder = open();
+    // Of what opened it on the second attempt.
+    errno = folder.status == kOk ? 0 : errno;
     const int32_t status = folder.status == kOk ? body(folder) : folder.status;
     if (status != kOk) {
         const std::string reason = errno != 0 ? strerror(errno) : "status " + std::to_string(status);

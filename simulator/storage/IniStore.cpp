@@ -219,7 +219,7 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
         }
         asked.push_back(*one);
     }
-    const int32_t status = mFolder.change(name, kMaxFileBytes, kNewFileMode, [&](std::string& content) {
+    return mFolder.change(name, kMaxFileBytes, kNewFileMode, [&](std::string& content) {
         for (size_t i = 0; i < values.size(); ++i) {
             content = withIniValue(content, asked[i].section, asked[i].key, values[i].second);
         }
@@ -231,13 +231,12 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
             const char* stored = check.GetValue(asked[i].section.c_str(), asked[i].key.c_str());
             good = stored != nullptr && stored == values[i].second;
         }
+        if (!good) {
+            fprintf(stderr, "board: %s/%s would not give back what is set in it: it stays as it is\n",
+                    mFolder.name().c_str(), name.c_str());
+        }
         return good ? kOk : kBadFile;
     });
-    if (status == kBadFile) {
-        fprintf(stderr, "board: %s/%s would not give back what is set in it: it stays as it is\n",
-                mFolder.name().c_str(), name.c_str());
-    }
-    return status;
 }
 
 IniStore& boardIni() {

@@ -116,6 +116,10 @@ TEST_F(ServiceTest, AWatchRunsACommandAndNothingOutlastsItsTime) {
             {{"--", "/no/program"}, 6, ""},
             {{"--count", "1", "--timeout", "0.2", "--", "true"}, 3, ""},
             {{"--timeout", "0.2", "--", "sleep", "60"}, 3, ""},
+            // One that does not listen is left alone.
+            {{"--timeout", "0.2", "--", "sh", "-c", "trap '' TERM; for i in 1 2 3 4 5 6; do sleep 1; done"},
+             3,
+             ""},
     };
     for (const auto& row : rows) {
         std::vector<std::string> words = {"watch"};

@@ -187,33 +187,32 @@ class Command {
         if (error != 0) {
             throw Failure(Exit::Command, "cannot run " + inQuotes(words[0]) + ": " + std::strerror(error));
         }
-        mWaiter = std::thread([this, queue = std::move(queue)] {
-            int status = 0;
-            while (waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
+        std::thread([pid = mPid, ended = mStatus, queue = std::move(queue)] {
+            // Left to be reaped with this process: until then its number is nobody else's.
+            siginfo_t info = {};
+            while (waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
             }
-            mStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+            *ended = info.si_code == CLD_EXITED ? info.si_status : 128 + info.si_status;
             queue->bell().ring();
-        });
+        }).detach();
     }
-    /** Ends it if it still runs. */
+    /** Asks it to end if it still runs, and waits for nothing: it may not listen. */
     ~Command() {
         if (!status()) {
             kill(mPid, SIGTERM);
         }
-        mWaiter.join();
     }
     Command(const Command&) = delete;
 
     /** Its exit code, 128 and the signal that ended it, or none while it runs. */
     std::optional<int> status() const {
-        const int status = mStatus;
+        const int status = *mStatus;
         return status < 0 ? std::nullopt : std::optional(status);
     }
 
   private:
     pid_t mPid = -1;
-    std::atomic<int> mStatus{-1};
-    std::thread mWaiter;
+    const std::shared_ptr<std::atomic<int>> mStatus = std::make_shared<std::atomic<int>>(-1);
 };
 
 class DeathNotice : public android::hardware::hidl_death_recipient {
