@@ -3,6 +3,9 @@
 #include <test/fapictl/1.0/IZvtTvFApiThing.h>
 #include <unistd.h>
 
+#include <condition_variable>
+#include <mutex>
+
 namespace test::fapictl::V1_0 {
 
 using android::sp;
@@ -53,8 +56,20 @@ struct Thing : IZvtTvFApiThing {
     Return<uint8_t> a_hidl_a_zvttvfapi_thg_get_level() override { return 77; }
     Return<int32_t> a_hidl_a_zvttvfapi_thg_twin() override { return 0; }
     Return<int32_t> a_hidl_zvttvfapi_thg_twin() override { return 7; }
+    Return<bool> a_hidl_a_zvttvfapi_thg_meet(uint32_t calls) override {
+        std::unique_lock<std::mutex> lock(mMutex);
+        ++mCalls;
+        mCalled.notify_all();
+        mCalled.wait(lock, [&] { return mCalls >= calls; });
+        return calls > 0;
+    }
     Return<void> a_hidl_a_zvttvfapi_thg_die() override { _exit(0); }
     Return<void> a_hidl_a_zvttvfapi_thg_hint(uint32_t) override { return Void(); }
+
+  private:
+    std::mutex mMutex;
+    std::condition_variable mCalled;
+    uint32_t mCalls = 0;  // guarded by mMutex
 };
 
 }  // namespace test::fapictl::V1_0

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 #include <tuple>
 #include <type_traits>
@@ -336,13 +337,14 @@ std::vector<Field> fieldsOf(const std::tuple<T...>*, std::vector<Label> labels) 
 
 template <auto M>
 Method methodOf(std::string name, std::string doc, bool oneway, std::vector<Label> arguments,
-                std::vector<Label> results) {
+                std::vector<Label> results, std::optional<size_t> outcome) {
     using S = Signature<decltype(M)>;
     return {std::move(name),
             std::move(doc),
             oneway,
             fieldsOf(static_cast<typename S::Arguments*>(nullptr), std::move(arguments)),
             fieldsOf(static_cast<typename S::Results*>(nullptr), std::move(results)),
+            outcome,
             &callMethod<M>};
 }
 

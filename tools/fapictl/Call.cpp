@@ -31,19 +31,11 @@ size_t findPayload(const Method& method) {
 
 void writePayload(const Context& context, const Json& value) {
     const std::string& path = context.options.out;
-    std::ofstream file;
-    if (path != "-") {
-        file.open(path, std::ios::binary | std::ios::trunc);
-    }
-    std::ostream& out = path == "-" ? context.out : file;
     if (value.is_binary()) {
         const std::vector<uint8_t>& bytes = value.get_binary();
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        writeBytes(context, path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     } else {
-        out << value.get_ref<const std::string&>();
-    }
-    if (!out.flush()) {
-        throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
+        writeBytes(context, path, value.get_ref<const std::string&>());
     }
 }
 
@@ -57,7 +49,8 @@ class Progress {
                 *output->stream << eventLine(++output->shown, event) << std::endl;
             }
         });
-        subscribe(findService(context, findInterface(context.package, "Manager")), watcher, nullptr);
+        subscribe(context.engine.find(findInterface(context.package, "Manager"), targetOf(context)), watcher,
+                  nullptr);
     }
     ~Progress() {
         const std::lock_guard<std::mutex> lock(mOutput->mutex);
@@ -105,25 +98,13 @@ void print(const Context& context, const Method& method, const Json& results, si
 
 }  // namespace
 
-sp<IBase> findService(const Context& context, const Interface& interface) {
-    const Options& options = context.options;
-    if (options.timeout) {
-        waitFor({&interface}, options.instance, options.timeout);
-    }
-    sp<IBase> service = interface.find(options.instance);
-    if (service == nullptr) {
-        throw Failure(Exit::NotFound, interface.descriptor + "/" + options.instance + " is not registered" +
-                                              (options.timeout ? " in time" : "; is the service running?"));
-    }
-    return service;
+Target targetOf(const Context& context) {
+    return {context.options.instance, context.options.timeout};
 }
 
 Exit call(const Context& context) {
     const Options& options = context.options;
-    const Interface& interface = findInterface(context.package, options.words[0]);
-    if (!interface.isService) {
-        throw Failure(Exit::Usage, shortName(interface) + " is implemented by clients, it cannot be called");
-    }
+    const Interface& interface = findCallable(context.package, options.words[0]);
     const Method& method = findMethod(interface, options.words[1]);
     const bool takesObject =
             std::any_of(method.arguments.begin(), method.arguments.end(),
@@ -143,18 +124,6 @@ Exit call(const Context& context) {
     return callAndPrint(context, interface, method, arguments);
 }
 
-Json callForResults(const Context& context, const Interface& interface, const Method& method,
-                    const Json& arguments) {
-    const sp<IBase> service = findService(context, interface);
-    Reply reply = method.call(*service, arguments);
-    if (!reply.failure.empty()) {
-        throw Failure(Exit::Transport,
-                      (reply.dead ? "the service died during the call: " : "the call failed: ") +
-                              escaped(reply.failure));
-    }
-    return std::move(reply.results);
-}
-
 Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,
                   const Json& arguments) {
     const Options& options = context.options;
@@ -165,24 +134,22 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
         payload = method.results.size();
     }
 
-    const Json results = callForResults(context, interface, method, arguments);
-    int64_t status = 0;
-    for (size_t i = 0; i < method.results.size(); ++i) {
-        if (method.results[i].label.name == kStatusResult) {
-            status = results[i].get<int64_t>();
-        }
-    }
-    if (status != 0 && payload != method.results.size()) {
+    const Answer answer = context.engine.call(interface, method, arguments, targetOf(context));
+    if (answer.failed && payload != method.results.size()) {
         context.err << "fapictl: " << escaped(options.out) << " is not written, since the method failed\n";
         payload = method.results.size();
     }
     if (payload != method.results.size()) {
-        writePayload(context, results[payload]);
+        writePayload(context, answer.results[payload]);
     }
     if (payload == method.results.size() || options.out != "-") {
-        print(context, method, results, payload);
+        print(context, method, answer.results, payload);
     }
-    return status == 0 ? Exit::Success : Exit::Status;
+    if (answer.failed && !answer.status) {
+        context.err << "fapictl: " << method.results[*method.outcome()].label.name
+                    << " is false: it was not done\n";
+    }
+    return answer.failed ? Exit::Status : Exit::Success;
 }
 
 }  // namespace fapictl

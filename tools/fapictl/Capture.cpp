@@ -1,10 +1,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
@@ -45,22 +47,14 @@ struct Removed {
     ~Removed() { unlink(path.c_str()); }
 };
 
-void copy(const Context& context, const std::string& from, const std::string& to) {
-    std::ifstream picture(from, std::ios::binary);
+std::string contentOf(const std::string& path) {
+    std::ifstream picture(path, std::ios::binary);
     if (!picture) {
-        throw Failure(Exit::Output, "the service has captured its panel, but there is no " + inQuotes(from) +
+        throw Failure(Exit::Output, "the service has captured its panel, but there is no " + inQuotes(path) +
                                             " (" + std::strerror(errno) +
                                             "): is ZVTTV_STATE_DIR the same as the service's?");
     }
-    std::ofstream file;
-    if (to != "-") {
-        file.open(to, std::ios::binary | std::ios::trunc);
-    }
-    std::ostream& out = to == "-" ? context.out : file;
-    out << picture.rdbuf();
-    if (!out.flush()) {
-        throw Failure(Exit::Output, "cannot write " + inQuotes(to) + ": " + std::strerror(errno));
-    }
+    return {std::istreambuf_iterator<char>(picture), {}};
 }
 
 }  // namespace
@@ -70,33 +64,37 @@ const std::vector<std::string>& captureLayers() {
     return layers;
 }
 
-Exit capture(const Context& context) {
+std::string capturePicture(Engine& engine, const std::string& asked, const Target& target) {
     if (!kBoardIsSimulated) {
         throw Failure(Exit::Usage,
                       "capture brings the picture of a simulated board; on a set, call display "
                       "capture_screen_to_usb NAME LAYERS and take the file from the USB storage");
     }
-    const std::vector<std::string>& words = context.options.words;
     const std::vector<std::string>& layers = captureLayers();
-    const std::string asked = words.size() > 1 ? words[1] : layers[0];
     const auto layer = std::find_if(layers.begin(), layers.end(),
                                     [&](const std::string& one) { return equalIgnoringCase(one, asked); });
     if (layer == layers.end()) {
         throw Failure(Exit::Usage, "LAYERS: no layers " + inQuotes(asked) + suggestion(asked, layers));
     }
-    const Interface& display = findInterface(context.package, "Display");
+    const Interface& display = findInterface(engine.package(), "Display");
     const Method& method = findMethod(display, "capture_screen_to_usb");
     // A name that nobody else takes while this process runs.
-    const std::string name = "fapictl-" + std::to_string(getpid()) + ".png";
+    static std::atomic<unsigned> count{0};
+    const std::string name = "fapictl-" + std::to_string(getpid()) + "-" + std::to_string(count++) + ".png";
     const Removed captured{stateDirectory() + "/files/usb/" + name};
-    const Json results =
-            callForResults(context, display, method, Json::array({name, layer - layers.begin()}));
-    const auto status = results[0].get<int64_t>();
-    if (status != 0) {
+    const Answer answer = engine.call(display, method, Json::array({name, layer - layers.begin()}), target);
+    if (answer.failed) {
+        const int64_t status = *answer.status;
         throw Failure(Exit::Status, "the capture failed: status " + std::to_string(status) + " (" +
                                             statusName(status) + ")");
     }
-    copy(context, captured.path, words[0]);
+    return contentOf(captured.path);
+}
+
+Exit capture(const Context& context) {
+    const std::vector<std::string>& words = context.options.words;
+    const std::string layers = words.size() > 1 ? words[1] : captureLayers()[0];
+    writeBytes(context, words[0], capturePicture(context.engine, layers, targetOf(context)));
     return Exit::Success;
 }
 

@@ -3,7 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <fstream>
 
 #include "tools/fapictl/Complete.h"
 #include "tools/fapictl/Display.h"
@@ -17,7 +20,7 @@ namespace {
 constexpr const char* kExitCodes =
         "Exit codes:\n"
         "  0  success\n"
-        "  1  the method reported a status other than 0\n"
+        "  1  the method reported a status other than 0, or that it was not done\n"
         "  2  a name, option or argument is wrong; nothing was called\n"
         "  3  the service is not registered, or was not in time, or fewer than --count events were\n"
         "  4  the call did not come back, because the service died, or not within --timeout; or it died "
@@ -271,7 +274,8 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     const bool watched = options.timeout && verb.run != wait && verb.run != watch;
     const std::optional<Watchdog> watchdog =
             watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
-    return verb.run({package, options, out, err});
+    Engine engine(package);
+    return verb.run({package, engine, options, out, err});
 }
 
 }  // namespace
@@ -376,6 +380,17 @@ const std::vector<Verb>& verbs() {
              debug},
     };
     return all;
+}
+
+void writeBytes(const Context& context, const std::string& path, std::string_view bytes) {
+    std::ofstream file;
+    if (path != "-") {
+        file.open(path, std::ios::binary | std::ios::trunc);
+    }
+    std::ostream& out = path == "-" ? context.out : file;
+    if (!(out << bytes).flush()) {
+        throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
+    }
 }
 
 void printJson(const Context& context, const Json& json) {

@@ -95,7 +95,7 @@ Exit debug(const Context& context) {
             throw Failure(Exit::Usage,
                           shortName(*interface) + " is implemented by clients, it cannot be asked");
         }
-        const sp<IBase> service = findService(context, *interface);
+        const sp<IBase> service = context.engine.find(*interface, targetOf(context));
         const std::string page = pageOf(*service, passedOn);
         context.out << (written && !page.empty() ? "\n" : "") << page;
         written = written || !page.empty();

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <optional>
 
 #include "tools/fapictl/Display.h"
@@ -23,8 +22,9 @@ constexpr size_t kExtensions = 126;
 /** The shell's, for a program that it does not find. */
 constexpr int kNoProgram = 127;
 
-/** What edid-decode says of the bytes; empty when it is not installed. */
-std::optional<std::string> decoded(const std::string& edid) {
+}  // namespace
+
+std::optional<std::string> decodedEdid(const std::vector<uint8_t>& edid) {
     // The program inherits the file, which has no name to clean up.
     const int file = memfd_create("edid", 0);
     if (file < 0 || write(file, edid.data(), edid.size()) != static_cast<ssize_t>(edid.size())) {
@@ -44,35 +44,27 @@ std::optional<std::string> decoded(const std::string& edid) {
     return std::nullopt;
 }
 
-void writeTo(const Context& context, const std::string& path, const std::string& edid) {
-    std::ofstream file;
-    if (path != "-") {
-        file.open(path, std::ios::binary | std::ios::trunc);
-    }
-    std::ostream& out = path == "-" ? context.out : file;
-    if (!(out << edid).flush()) {
-        throw Failure(Exit::Output, "cannot write " + inQuotes(path) + ": " + std::strerror(errno));
-    }
-}
-
-}  // namespace
-
-Exit edid(const Context& context) {
-    const std::vector<std::string>& words = context.options.words;
-    const Interface& peripheral = findInterface(context.package, "Peripheral");
+std::vector<uint8_t> readEdid(Engine& engine, const Json& port, const Target& target) {
+    const Interface& peripheral = findInterface(engine.package(), "Peripheral");
     const Method& method = findMethod(peripheral, "get_hdmi_edid_data");
-    const Json port = parseValue(*method.arguments[0].type, words[0], "PORT");
-    const Json results = callForResults(context, peripheral, method, Json::array({port}));
-    if (const auto status = results[1].get<int64_t>(); status != 0) {
+    const Json arguments = Json::array({checkValue(*method.arguments[0].type, port, "PORT")});
+    const Answer answer = engine.call(peripheral, method, arguments, target);
+    if (answer.failed) {
+        const int64_t status = *answer.status;
         throw Failure(Exit::Status,
                       "there is no EDID: status " + std::to_string(status) + " (" + statusName(status) + ")");
     }
-    std::vector<uint8_t> bytes = results[0].front().get_binary();
+    std::vector<uint8_t> bytes = answer.results[0].front().get_binary();
     bytes.resize(std::min(bytes.size(), kBlock * (size_t{bytes.at(kExtensions)} + 1)));
-    const std::string edid(bytes.begin(), bytes.end());
+    return bytes;
+}
+
+Exit edid(const Context& context) {
+    const std::vector<std::string>& words = context.options.words;
+    const std::vector<uint8_t> bytes = readEdid(context.engine, words[0], targetOf(context));
     if (words.size() > 1) {
-        writeTo(context, words[1], edid);
-    } else if (const std::optional<std::string> text = decoded(edid)) {
+        writeBytes(context, words[1], {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    } else if (const std::optional<std::string> text = decodedEdid(bytes)) {
         context.out << *text;
     } else {
         context.err << "fapictl: edid-decode is not installed or said nothing: these are the bytes\n";

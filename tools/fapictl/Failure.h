@@ -8,7 +8,7 @@ namespace fapictl {
 /** What the process ends with. */
 enum class Exit {
     Success = 0,
-    Status = 1,     // the method reported a status other than 0
+    Status = 1,     // the method reported a status other than 0, or that it was not done
     Usage = 2,      // a name, option or argument is wrong; nothing was called
     NotFound = 3,   // the service is not registered, or it or the watched events were not in time
     Transport = 4,  // the call did not come back, or not in time, or the watched service died
@@ -20,6 +20,7 @@ enum class Exit {
 struct Failure : std::runtime_error {
     Failure(Exit exit, const std::string& message) : std::runtime_error(message), code(exit) {}
     Exit code;
+    bool dead = false;  // the service's process has ended
 };
 
 }  // namespace fapictl

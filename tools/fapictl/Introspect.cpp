@@ -194,11 +194,10 @@ struct Selection {
     std::vector<const Method*> methods;
 };
 
-std::vector<Selection> select(const Context& context) {
-    const std::vector<std::string>& words = context.options.words;
+std::vector<Selection> select(const Package& package, const std::vector<std::string>& words) {
     std::vector<Selection> selections;
     const std::vector<const Interface*> interfaces =
-            selectInterfaces(context.package, words.empty() ? "*" : words[0]);
+            selectInterfaces(package, words.empty() ? "*" : words[0]);
     for (const Interface* interface : interfaces) {
         Selection selection = {interface, {}};
         if (words.size() > 1 && interfaces.size() == 1 && !isPattern(words[1])) {
@@ -218,16 +217,22 @@ std::vector<Selection> select(const Context& context) {
 
 }  // namespace
 
+Json introspection(const Package& package, const std::vector<std::string>& names) {
+    Json json = Json::array();
+    for (const Selection& selection : select(package, names)) {
+        json.push_back(describe(*selection.interface, selection.methods));
+    }
+    return json;
+}
+
 Exit introspect(const Context& context) {
     const Options& options = context.options;
-    const std::vector<Selection> selections = select(context);
     if (!options.json.empty()) {
-        Json json = Json::array();
-        for (const Selection& selection : selections) {
-            json.push_back(describe(*selection.interface, selection.methods));
-        }
-        printJson(context, json);
-    } else if (options.words.empty()) {
+        printJson(context, introspection(context.package, options.words));
+        return Exit::Success;
+    }
+    const std::vector<Selection> selections = select(context.package, options.words);
+    if (options.words.empty()) {
         Table table({"INTERFACE", "METHODS", "PURPOSE"});
         for (const Selection& selection : selections) {
             const Interface& interface = *selection.interface;

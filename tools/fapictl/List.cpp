@@ -1,46 +1,10 @@
-#include <hidl/ServiceManagement.h>
-
-#include <android/hidl/manager/1.0/IServiceManager.h>
-
 #include <algorithm>
-#include <tuple>
 
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Verbs.h"
 
 namespace fapictl {
-namespace {
-
-struct Instance {
-    std::string interface;
-    std::string name;
-    int32_t pid;
-};
-
-std::vector<Instance> registered() {
-    using android::hidl::manager::V1_0::IServiceManager;
-    const sp<IServiceManager> manager = android::hardware::defaultServiceManager();
-    if (manager == nullptr) {
-        throw Failure(Exit::Transport, "there is no service registry");
-    }
-    std::vector<Instance> instances;
-    const auto status = manager->debugDump([&](const auto& infos) {
-        for (const IServiceManager::InstanceDebugInfo& info : infos) {
-            instances.push_back({info.interfaceName, info.instanceName, info.pid});
-        }
-    });
-    if (!status.isOk()) {
-        throw Failure(Exit::Transport, "the service registry did not answer: " + status.description());
-    }
-    std::sort(instances.begin(), instances.end(), [](const Instance& a, const Instance& b) {
-        return std::tie(a.interface, a.name) < std::tie(b.interface, b.name);
-    });
-    return instances;
-}
-
-}  // namespace
-
 Exit list(const Context& context) {
     const Options& options = context.options;
     std::vector<const Interface*> wanted;
@@ -65,7 +29,7 @@ Exit list(const Context& context) {
 
     Table table({"INTERFACE", "INSTANCE", "PID"});
     Json json = Json::array();
-    for (const Instance& instance : registered()) {
+    for (const Instance& instance : registeredServices()) {
         if (isShown(instance)) {
             table.row({escaped(instance.interface), escaped(instance.name),
                        instance.pid > 0 ? std::to_string(instance.pid) : "-"});

@@ -76,12 +76,16 @@ struct Method {
     bool oneway;
     std::vector<Field> arguments;
     std::vector<Field> results;
+    std::optional<size_t> outcomeResult;
 
     /**
      * Requires an object of the method's interface, one valid value for each argument, in order, and a reply
      * of which nothing is set. It has the results from the moment at which the service delivers them.
      */
     void (*callInto)(IBase& service, const Json& arguments, Reply& reply);
+
+    /** The result that tells how the method fared: its status, or a bool whose false is a failure. */
+    std::optional<size_t> outcome() const { return outcomeResult; }
 
     Reply call(IBase& service, const Json& values) const {
         Reply reply;

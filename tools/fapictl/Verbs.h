@@ -3,8 +3,10 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "tools/fapictl/Engine.h"
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Model.h"
 
@@ -27,6 +29,7 @@ struct Options {
 
 struct Context {
     const Package& package;
+    Engine& engine;
     const Options& options;
     std::ostream& out;
     std::ostream& err;
@@ -60,29 +63,15 @@ Exit capture(const Context& context);
 Exit edid(const Context& context);
 Exit debug(const Context& context);
 
-/** What of the picture a capture shows; the place is the service's option. */
-const std::vector<std::string>& captureLayers();
-
-/**
- * The service under the options' instance name, waited for as long as they say. Throws Failure (NotFound)
- * when it is not registered.
- */
-sp<IBase> findService(const Context& context, const Interface& interface);
-
-/** Calls a method. Throws Failure (NotFound, Transport) when no results come back. */
-Json callForResults(const Context& context, const Interface& interface, const Method& method,
-                    const Json& arguments);
+/** The service that the options name, and how long they let it be waited for. */
+Target targetOf(const Context& context);
 
 /** Calls a method and prints its results. Requires one valid value for each argument. */
 Exit callAndPrint(const Context& context, const Interface& interface, const Method& method,
                   const Json& arguments);
 
-/**
- * Waits until the interfaces are registered under the instance's name, for ever without a timeout. Returns
- * those that were not in time. Throws Failure (Transport) when the registry cannot be watched.
- */
-std::vector<const Interface*> waitFor(const std::vector<const Interface*>& interfaces,
-                                      const std::string& instance, std::optional<double> seconds);
+/** Writes bytes to a file, or to the results where the path is "-". Throws Failure (Output). */
+void writeBytes(const Context& context, const std::string& path, std::string_view bytes);
 
 /** Writes a JSON document as the options ask; only called when they ask for one. */
 void printJson(const Context& context, const Json& json);

@@ -351,7 +351,8 @@ Exit watch(const Context& context) {
     if (options.timeout) {
         watchdog.emplace(*options.timeout, context.err);
     }
-    const sp<IBase> service = findService(context, findInterface(context.package, "Manager"));
+    const sp<IBase> service =
+            context.engine.find(findInterface(context.package, "Manager"), targetOf(context));
     const sp<IBase> manager = subscribe(service, watcher, notice);
     const EndSignals signals;
     watchdog.reset();

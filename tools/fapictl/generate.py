@@ -46,7 +46,12 @@ class Interface:
 
 class Method:
     def __init__(self, name, oneway, arguments, results):
-        self.name, self.oneway, self.arguments, self.results = name, oneway, arguments, results
+        self.name, self.oneway = name, oneway
+        self.arguments, self.results = ([name for name, _ in side] for side in (arguments, results))
+        # The result that tells how the method fared: s32Status, which is 0 for success, or where there is none a bool
+        # bDone, which is true. Every other result is a value, whatever it is.
+        self.outcome = next((i for told in (("s32Status", "int32_t"), ("bDone", "bool"))
+                             for i, (name, words) in enumerate(results) if (name, *words) == told), None)
 
 
 class Package:
@@ -165,7 +170,7 @@ class Parser:
             results = self.values(where)
         self.package.comments[".".join(where)] = Comment(doc)
         self.package.interfaces[-1].methods.append(
-            Method(name, oneway, [name for name, _ in arguments], [name for name, _ in results]))
+            Method(name, oneway, arguments, results))
         self.package.client_implemented.update(word for _, words in arguments for word in words)
 
     def values(self, where):
@@ -242,7 +247,8 @@ def write(package, function, header, namespace, include, out):
                      for side in (method.arguments, method.results)]
             emit(f"                    methodOf<&{namespace}{name}::{method.name}>({literal(method.name)},")
             emit(f"                        {literal(comment.text)}, {'true' if method.oneway else 'false'},")
-            emit(f"                        {sides[0]},\n                        {sides[1]}),")
+            outcome = "std::nullopt" if method.outcome is None else f"size_t{{{method.outcome}}}"
+            emit(f"                        {sides[0]},\n                        {sides[1]}, {outcome}),")
         emit("                }),")
     emit("        },\n    };\n    return package;\n}\n\n}  // namespace fapictl")
 
