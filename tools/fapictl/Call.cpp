@@ -69,7 +69,8 @@ class Progress {
     const std::shared_ptr<Output> mOutput;  // the watcher outlives us
 };
 
-void print(const Context& context, const Method& method, const Json& results, size_t payload) {
+void print(const Context& context, const Method& method, const Answer& answer, size_t payload) {
+    const Json& results = answer.results;
     const Options& options = context.options;
     Table table({"RESULT", "TYPE", "VALUE"});
     Json json = Json::object();
@@ -82,11 +83,18 @@ void print(const Context& context, const Method& method, const Json& results, si
                        std::to_string(size) + " bytes written to " + escaped(options.out)});
             json[result.label.name] = {{"file", options.out}, {"size", size}};
         } else {
-            addRows(table, result, results[i]);
+            addRows(table, result, results[i],
+                    answer.status && i == method.outcome() ? answer.statusName : "");
             json[result.label.name] = forPrograms(*result.type, results[i]);
         }
     }
     if (!options.json.empty()) {
+        if (!answer.statusName.empty()) {
+            json["status"] = answer.statusName;
+        }
+        if (!answer.reason.empty()) {
+            json["reason"] = answer.reason;
+        }
         printJson(context, json);
     } else if (!table.empty()) {
         table.print(context.out, !options.noLegend);
@@ -135,6 +143,9 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
     }
 
     const Answer answer = context.engine.call(interface, method, arguments, targetOf(context));
+    if (!answer.reason.empty()) {
+        context.err << "fapictl: the board: " << escaped(answer.reason) << '\n';
+    }
     if (answer.failed && payload != method.results.size()) {
         context.err << "fapictl: " << escaped(options.out) << " is not written, since the method failed\n";
         payload = method.results.size();
@@ -143,7 +154,7 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
         writePayload(context, answer.results[payload]);
     }
     if (payload == method.results.size() || options.out != "-") {
-        print(context, method, answer.results, payload);
+        print(context, method, answer, payload);
     }
     if (answer.failed && !answer.status) {
         context.err << "fapictl: " << method.results[*method.outcome()].label.name

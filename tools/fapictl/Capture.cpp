@@ -8,8 +8,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Text.h"
 #include "tools/fapictl/Verbs.h"
 
 namespace fapictl {
@@ -84,9 +84,7 @@ std::string capturePicture(Engine& engine, const std::string& asked, const Targe
     const Removed captured{stateDirectory() + "/files/usb/" + name};
     const Answer answer = engine.call(display, method, Json::array({name, layer - layers.begin()}), target);
     if (answer.failed) {
-        const int64_t status = *answer.status;
-        throw Failure(Exit::Status, "the capture failed: status " + std::to_string(status) + " (" +
-                                            statusName(status) + ")");
+        throw refused("the capture failed", answer);
     }
     return contentOf(captured.path);
 }

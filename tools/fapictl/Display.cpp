@@ -23,10 +23,6 @@ const Enumerator* findEnumerator(const Type& type, const Json& value) {
     return at == type.enumerators.end() ? nullptr : &*at;
 }
 
-bool isStatus(const Field& field) {
-    return field.label.name == kStatusResult;
-}
-
 std::string scalarText(const Field& field, const Json& value, bool hex) {
     const Type& type = *field.type;
     switch (type.kind) {
@@ -38,9 +34,6 @@ std::string scalarText(const Field& field, const Json& value, bool hex) {
                                          : enumerator->name + " (" + value.dump() + ")";
         }
         case Type::Kind::Integer:
-            if (isStatus(field)) {
-                return value.dump() + " (" + statusName(value.get<int64_t>()) + ")";
-            }
             if (!field.label.unit.empty()) {
                 return value.dump() + " " + field.label.unit;
             }
@@ -73,7 +66,7 @@ bool hasParts(const Type& type) {
             (type.element->kind == Type::Kind::Record || type.element->kind == Type::Kind::List));
 }
 
-void addRows(Table& table, const Field& field, const Json& value, const std::string& indent) {
+void addParts(Table& table, const Field& field, const Json& value, const std::string& indent) {
     const Type& type = *field.type;
     const std::vector<std::string> cells = {indent + field.label.name, type.name};
     if (type.isBytes()) {
@@ -81,7 +74,7 @@ void addRows(Table& table, const Field& field, const Json& value, const std::str
     } else if (type.kind == Type::Kind::Record) {
         table.row(cells);
         for (const Field& part : type.fields) {
-            addRows(table, part, value.at(part.label.name), indent + "  ");
+            addParts(table, part, value.at(part.label.name), indent + "  ");
         }
     } else if (type.kind == Type::Kind::List) {
         std::string line = value.empty() ? "0 elements" : "";
@@ -97,8 +90,8 @@ void addRows(Table& table, const Field& field, const Json& value, const std::str
         table.row({cells[0], cells[1],
                    std::to_string(value.size()) + (value.size() == 1 ? " element" : " elements")});
         for (size_t i = 0; i < value.size(); ++i) {
-            addRows(table, {{"[" + std::to_string(i) + "]", field.label.unit, ""}, type.element}, value[i],
-                    indent + "  ");
+            addParts(table, {{"[" + std::to_string(i) + "]", field.label.unit, ""}, type.element}, value[i],
+                     indent + "  ");
         }
     } else {
         table.row({cells[0], cells[1], scalarText(field, value, true)});
@@ -107,25 +100,12 @@ void addRows(Table& table, const Field& field, const Json& value, const std::str
 
 }  // namespace
 
-std::string statusName(int64_t status) {
-    switch (status) {
-        case 0:
-            return "success";
-        case -1:
-            return "general failure";
-        case -2:
-            return "invalid argument";
-        case -4:
-            return "no memory";
-        case -5:
-            return "not ready";
-        default:
-            return "library status";
+void addRows(Table& table, const Field& field, const Json& value, const std::string& status) {
+    if (status.empty()) {
+        addParts(table, field, value, "");
+    } else {
+        table.row({field.label.name, field.type->name, value.dump() + " (" + status + ")"});
     }
-}
-
-void addRows(Table& table, const Field& field, const Json& value) {
-    addRows(table, field, value, "");
 }
 
 Json forPrograms(const Type& type, const Json& value) {

@@ -6,14 +6,14 @@
 #include "tools/fapictl/Model.h"
 #include "tools/fapictl/Text.h"
 
-// Values and statuses as people and programs read them.
+// Values as people and programs read them.
 namespace fapictl {
 
-/** "success", "not ready", ...; "library status" for what the service passes on. */
-std::string statusName(int64_t status);
-
-/** Adds a value to a table of name, type and value; records and lists of them take a row for each part. */
-void addRows(Table& table, const Field& field, const Json& value);
+/**
+ * Adds a value to a table of name, type and value; records and lists of them take a row for each part. The
+ * field that is a status has its name beside its number.
+ */
+void addRows(Table& table, const Field& field, const Json& value, const std::string& status = "");
 
 /** For programs: bytes as hexadecimal text, enumerations by name where they have one. */
 Json forPrograms(const Type& type, const Json& value);

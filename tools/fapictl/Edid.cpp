@@ -8,8 +8,8 @@
 #include <cstring>
 #include <optional>
 
-#include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Text.h"
 #include "tools/fapictl/Values.h"
 #include "tools/fapictl/Verbs.h"
 
@@ -50,9 +50,7 @@ std::vector<uint8_t> readEdid(Engine& engine, const Json& port, const Target& ta
     const Json arguments = Json::array({checkValue(*method.arguments[0].type, port, "PORT")});
     const Answer answer = engine.call(peripheral, method, arguments, target);
     if (answer.failed) {
-        const int64_t status = *answer.status;
-        throw Failure(Exit::Status,
-                      "there is no EDID: status " + std::to_string(status) + " (" + statusName(status) + ")");
+        throw refused("there is no EDID", answer);
     }
     std::vector<uint8_t> bytes = answer.results[0].front().get_binary();
     bytes.resize(std::min(bytes.size(), kBlock * (size_t{bytes.at(kExtensions)} + 1)));

@@ -182,6 +182,10 @@ Answer Engine::call(const Interface& interface, const Method& method, const Json
         } else {
             answer.status = value.get<int64_t>();
             answer.failed = *answer.status != 0;
+            answer.statusName = mStatuses.name(mPackage, target.instance, *answer.status);
+            if (!isServiceStatus(*answer.status)) {
+                answer.reason = mStatuses.refusal(mPackage, target.instance, method, arguments);
+            }
         }
     }
     return answer;
@@ -228,6 +232,13 @@ std::vector<const Interface*> Engine::wait(const std::vector<const Interface*>& 
             return missing;
         }
     }
+}
+
+Failure refused(const std::string& what, const Answer& answer) {
+    Failure failure(Exit::Status,
+                    what + ": status " + std::to_string(*answer.status) + " (" + answer.statusName + ")");
+    failure.status = answer.status;
+    return failure;
 }
 
 std::vector<Instance> registeredServices() {

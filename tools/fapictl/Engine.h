@@ -11,6 +11,7 @@
 
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Model.h"
+#include "tools/fapictl/Statuses.h"
 
 // What the verbs and a session have in common: everything that is done with services, without a stream, an
 // option or a word of a command line. What goes wrong is a Failure, whose text is for people.
@@ -26,6 +27,8 @@ struct Target {
 struct Answer {
     Json results = Json::array();        // a value for each of the method's, in their order
     std::optional<int64_t> status = {};  // none of a method without one
+    std::string statusName = {};         // "out of range"; empty without a status
+    std::string reason = {};             // why the board refused the call; may hold any bytes, and be empty
     bool failed = false;                 // by its status, or since it says that it was not done
     double milliseconds = 0;             // of the call alone
 };
@@ -70,10 +73,14 @@ class Engine {
     class Kept;
 
     const Package& mPackage;
+    Statuses mStatuses;
     const std::shared_ptr<Kept> mKept;  // null when nothing is kept
     std::mutex mMutex;
     sp<Arrivals> mArrivals;  // null until somebody waits; guarded by mMutex
 };
+
+/** What a call with a status other than 0 comes to, where more was wanted than its results. */
+Failure refused(const std::string& what, const Answer& answer);
 
 /** Every registered service, sorted. Throws Failure (Transport). */
 std::vector<Instance> registeredServices();

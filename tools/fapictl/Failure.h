@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -20,7 +22,8 @@ enum class Exit {
 struct Failure : std::runtime_error {
     Failure(Exit exit, const std::string& message) : std::runtime_error(message), code(exit) {}
     Exit code;
-    bool dead = false;  // the service's process has ended
+    bool dead = false;                   // the service's process has ended
+    std::optional<int64_t> status = {};  // that was the failure
 };
 
 }  // namespace fapictl

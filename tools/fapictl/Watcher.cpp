@@ -5,9 +5,9 @@
 
 #include <algorithm>
 
-#include "tools/fapictl/Display.h"
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 
 namespace fapictl {
