@@ -16,6 +16,8 @@
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/FactoryPackage.h"
+#include "tools/fapictl/Filter.h"
+#include "tools/fapictl/Records.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Values.h"
 
@@ -64,14 +66,35 @@ Json record(const Words& words) {
     return parseEventRecord(*post.arguments[1].type, words.at(0), "record 2");
 }
 
-/** An event with this record as its second: for people, then for programs. */
-std::string event(const Words& words) {
-    const Json fields = record(words);
+/** An event with these records, the first of them as its second. */
+Event eventWith(const Words& records) {
     const auto time = std::chrono::system_clock::time_point(std::chrono::milliseconds(1700000000007));
-    const std::vector<uint8_t>& bytes = fields["vecValue"].get_binary();
-    const Event::Record second = {fields["u32Value"], fields["strValue"], bytes};
-    const Event event = {time, "sys", 0x10001, {{{}, second, {}, {}}}};
+    Event event = {time, "sys", 0x10001, {}};
+    for (size_t i = 0; i < records.size(); ++i) {
+        const Json fields = record({records[i]});
+        const std::vector<uint8_t>& bytes = fields["vecValue"].get_binary();
+        event.records.at(i + 1) = {fields["u32Value"], fields["strValue"], bytes};
+    }
+    return event;
+}
+
+/** The event for people, then for programs. */
+std::string event(const Words& words) {
+    const Event event = eventWith(words);
     return shortened(eventLine(12, event) + '\n' + jsonText(eventJson(12, event), false));
+}
+
+/** Whether a filter, of --NAME=VALUE, takes the event with the records behind it. */
+std::string filter(const Words& words) {
+    std::map<std::string, Words> options;
+    Words records;
+    for (const std::string& word : words) {
+        const size_t equals = word.find('=');
+        (word[0] == '-' ? options[word.substr(0, equals)] : records)
+                .push_back(word.substr(word[0] == '-' ? equals + 1 : 0));
+    }
+    const EventFilter filter(options["--module"], options["--type"], options["--match"]);
+    return filter.takes(eventWith(records)) ? "taken" : "dropped";
 }
 
 std::string joined(const Words& words) {
@@ -100,6 +123,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kSections 
         {"[bind]", bind},
         {"[record]", [](const Words& words) { return cases::showAll(record(words)); }},
         {"[event]", event},
+        {"[filter]", filter},
         {"[interface]", [](const Words& words) { return findInterface(testPackage(), words.at(0)).name; }},
         {"[method]", [](const Words& words) { return findMethod(thing(), words.at(0)).name; }},
         {"[slips]",

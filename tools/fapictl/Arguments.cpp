@@ -74,6 +74,21 @@ void refuseMisspeltName(const Method& method, const Field& argument, const std::
     throw Failure(Exit::Usage, message);
 }
 
+void requireAll(const Method& method, const std::vector<bool>& given) {
+    const size_t missing = static_cast<size_t>(std::find(given.begin(), given.end(), false) - given.begin());
+    if (missing < given.size()) {
+        const Field& argument = method.arguments[missing];
+        throw Failure(Exit::Usage, argumentTitle(argument) + " (" + argument.type->name + ") is missing" +
+                                           (argument.label.doc.empty() ? "" : ": " + argument.label.doc));
+    }
+}
+
+[[noreturn]] void refuseOneMore(const Method& method, std::string_view given) {
+    const size_t count = method.arguments.size();
+    throw Failure(Exit::Usage, "one argument too many: " + inQuotes(given) + "; " + method.name + " takes " +
+                                       (count == 0 ? "none" : std::to_string(count)));
+}
+
 }  // namespace
 
 std::string argumentTitle(const Field& argument) {
@@ -117,22 +132,54 @@ Json bindArguments(const Method& method, const std::vector<std::string>& words) 
         next = static_cast<size_t>(
                 std::find(given.begin() + static_cast<ptrdiff_t>(next), given.end(), false) - given.begin());
         if (next == count) {
-            throw Failure(Exit::Usage, "one argument too many: " + inQuotes(*word) + "; " + method.name +
-                                               " takes " + (count == 0 ? "none" : std::to_string(count)));
+            refuseOneMore(method, *word);
         }
         const Field& argument = method.arguments[next];
         refuseMisspeltName(method, argument, *word);
         values[next] = parseValue(*argument.type, *word, argumentTitle(argument));
         given[next] = true;
     }
-    for (size_t i = 0; i < count; ++i) {
-        if (!given[i]) {
-            const Label& label = method.arguments[i].label;
-            throw Failure(Exit::Usage, argumentTitle(method.arguments[i]) + " (" +
-                                               method.arguments[i].type->name + ") is missing" +
-                                               (label.doc.empty() ? "" : ": " + label.doc));
+    requireAll(method, given);
+    return values;
+}
+
+Json bindArguments(const Method& method, const Json& given) {
+    const size_t count = method.arguments.size();
+    if (!given.is_object() && !given.is_array()) {
+        throw Failure(Exit::Usage,
+                      std::string("the arguments are a JSON object or an array, not a ") + given.type_name());
+    }
+    Json values = Json::array();
+    for (const Field& argument : method.arguments) {
+        values.push_back(zeroValue(*argument.type));
+    }
+    std::vector<bool> present(count);
+    const auto set = [&](size_t index, const Json& value) {
+        const Field& argument = method.arguments[index];
+        values[index] = checkValue(*argument.type, value, argumentTitle(argument));
+        present[index] = true;
+    };
+    if (given.is_array()) {
+        for (size_t i = 0; i < given.size(); ++i) {
+            if (i == count) {
+                refuseOneMore(method, given[i].dump());
+            }
+            set(i, given[i]);
+        }
+    } else {
+        for (const auto& [name, value] : given.items()) {
+            const size_t index = findArgument(method, name);
+            if (index == count) {
+                throw Failure(Exit::Usage,
+                              "no argument " + inQuotes(name) + suggestion(name, argumentNames(method)));
+            }
+            if (present[index]) {
+                throw Failure(Exit::Usage, argumentTitle(method.arguments[index]) + " is given twice");
+            }
+            set(index, value);
         }
     }
+    requireAll(method, present);
     return values;
 }
 

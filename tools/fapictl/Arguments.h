@@ -16,6 +16,12 @@ namespace fapictl {
  */
 Json bindArguments(const Method& method, const std::vector<std::string>& words);
 
+/**
+ * The same for JSON: an object with the arguments by name, in any letter case, or an array of them in order.
+ * The values are those of JSON, or any of the words in a string; a text is taken as it is.
+ */
+Json bindArguments(const Method& method, const Json& given);
+
 /** "argument strName", as messages call it. */
 std::string argumentTitle(const Field& argument);
 

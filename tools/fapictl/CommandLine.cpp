@@ -62,6 +62,18 @@ constexpr const char* kWatchHelp =
         "within --timeout. Says on standard error when it has registered. A reader of its output that stalls "
         "can cost\n"
         "it events.\n"
+        "Events of other modules and types than those given, and those without such records, neither show "
+        "nor "
+        "count.\n"
+        "A type is a number, 0x10001 or 65537, or NUMBER/MASK for all types of which the bits in the mask "
+        "make "
+        "that\n"
+        "number: 0x10000/0xff0000. A match is a record as fapictl post takes it, all of whose parts one and "
+        "the "
+        "same\n"
+        "record of the event has; text~PATTERN searches a text, as grep -E does. Several matches may be of "
+        "several\n"
+        "records.\n"
         "A COMMAND is run once the watch is registered, so that none of its events is missed; what it prints "
         "goes to\n"
         "standard error. Then the watch ends when the command has ended and --count events have come, and "
@@ -69,6 +81,7 @@ constexpr const char* kWatchHelp =
         "the command fails.\n\n"
         "  fapictl watch --module sys --module net\n"
         "  fapictl watch --count 1 --timeout 5 -- fapictl post 0x10001 value=7\n"
+        "  fapictl watch --type 0x10001 --match 'text=\"done\"' --match 'value=100 text~\\.bin$' --count 1\n"
         "  fapictl watch --count 1 --timeout 10 --json\n";
 
 constexpr const char* kPostHelp =
@@ -129,6 +142,15 @@ struct Parser {
                 ->type_name("M")
                 ->allow_extra_args(false)
                 ->delimiter(',');
+        app.add_option("--type", options.types,
+                       "show events of a type, or NUMBER/MASK of types; may be given several times")
+                ->type_name("T")
+                ->allow_extra_args(false)
+                ->delimiter(',');
+        app.add_option("--match", options.matches,
+                       "show events with such a record; given several times, with all of them")
+                ->type_name("RECORD")
+                ->allow_extra_args(false);
         app.add_option("--count", options.count, "end after so many events")->type_name("N");
         app.add_flag("--progress", options.progress, "show the events that come in while the method runs");
         app.add_flag("--quiet", options.quiet, "do not say when watching begins");
@@ -328,7 +350,7 @@ const std::vector<Verb>& verbs() {
              "show events as they come in",
              kWatchHelp,
              Words::None,
-             {"module", "count", "timeout", "json", "quiet", "instance"},
+             {"module", "type", "match", "count", "timeout", "json", "quiet", "instance"},
              0,
              kAnyNumber,
              watch},

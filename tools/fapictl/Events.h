@@ -4,13 +4,11 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "tools/fapictl/Model.h"
 
-// Events as people and programs write and read them. A payload record is value=7 text="two\nlines"
-// bytes=de:ad with any of the three left out, or - for none.
+// Events as people and programs read them; their records are written as tools/fapictl/Records.h has it.
 namespace fapictl {
 
 struct Event {
@@ -34,14 +32,5 @@ std::string eventLine(uint64_t number, const Event& event);
 
 /** The whole event; texts may still hold any bytes. */
 Json eventJson(uint64_t number, const Event& event);
-
-/**
- * Parses one payload record into a value of the interface's record type: KEY=VALUE, separated by commas or
- * blanks. A text without quotes runs to the next KEY= or to the end, any other value to the next separator;
- * between double quotes everything may stand, with the escapes that eventLine() writes.
- *
- * Throws Failure (Usage) whose message names `where`.
- */
-Json parseEventRecord(const Type& type, std::string_view word, const std::string& where);
 
 }  // namespace fapictl

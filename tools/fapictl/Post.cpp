@@ -1,5 +1,5 @@
-#include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Records.h"
 #include "tools/fapictl/Values.h"
 #include "tools/fapictl/Verbs.h"
 

@@ -21,6 +21,8 @@ struct Options {
     bool instanceGiven = false;
     std::optional<double> timeout;     // seconds
     std::vector<std::string> modules;  // whose events to show, empty for all
+    std::vector<std::string> types;    // of the events to show, empty for all
+    std::vector<std::string> matches;  // what their records have
     std::optional<int64_t> count;      // of events
     bool quiet = false;
     bool progress = false;

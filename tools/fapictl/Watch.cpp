@@ -224,26 +224,6 @@ class DeathNotice : public android::hardware::hidl_death_recipient {
     const std::shared_ptr<Queue> mQueue;
 };
 
-std::vector<std::string> chosenModules(const Options& options) {
-    std::vector<std::string> chosen;
-    for (const std::string& word : options.modules) {
-        const std::vector<std::string>& all = eventModules();
-        const auto at = std::find_if(all.begin(), all.end(),
-                                     [&](const std::string& one) { return equalIgnoringCase(one, word); });
-        if (at == all.end()) {
-            std::string names;
-            for (const std::string& one : all) {
-                names += (names.empty() ? "" : ", ") + one;
-            }
-            const std::string near = suggestion(word, all);
-            throw Failure(Exit::Usage,
-                          "no module " + inQuotes(word) + (near.empty() ? "; there are " + names : near));
-        }
-        chosen.push_back(*at);
-    }
-    return chosen;
-}
-
 /** Sleeps until something happens or the time has come; false in the latter case. */
 bool sleepUntil(const Queue& queue, std::optional<steady_clock::time_point> time) {
     pollfd fds[] = {{queue.bell().fd(), POLLIN, 0}, {EndSignals::bell().fd(), POLLIN, 0}};
@@ -338,8 +318,8 @@ Exit watch(const Context& context) {
     }
     // The callback and the notice stay with the runtime until the process ends, and the queue with them.
     const auto queue = std::make_shared<Queue>();
-    const sp<Watcher> watcher =
-            new Watcher(chosenModules(options), [queue](Event event) { queue->push(std::move(event)); });
+    const sp<Watcher> watcher = new Watcher(EventFilter(options.modules, options.types, options.matches),
+                                            [queue](Event event) { queue->push(std::move(event)); });
     const sp<DeathNotice> notice = new DeathNotice(queue);
     // Whatever ends the watch, the callback must not wait for room that nobody makes.
     struct Closer {

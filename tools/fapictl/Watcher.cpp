@@ -3,10 +3,7 @@
 #include <hidl/HidlTransportSupport.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
-#include <algorithm>
-
 #include "tools/fapictl/Failure.h"
-#include "tools/fapictl/Names.h"
 #include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 
@@ -21,13 +18,13 @@ Return<void> Watcher::take(const char* module, uint32_t type, const std::array<c
     event.time = std::chrono::system_clock::now();
     event.module = module;
     event.type = type;
-    if (mModules.empty() || std::find(mModules.begin(), mModules.end(), module) != mModules.end()) {
-        for (size_t i = 0; i < objects.size(); ++i) {
-            const Object& object = *objects[i];
-            event.records[i].value = object.u32Value;
-            event.records[i].text.assign(object.strValue.c_str(), object.strValue.size());
-            event.records[i].bytes.assign(object.vecValue.begin(), object.vecValue.end());
-        }
+    for (size_t i = 0; i < objects.size(); ++i) {
+        const Object& object = *objects[i];
+        event.records[i].value = object.u32Value;
+        event.records[i].text.assign(object.strValue.c_str(), object.strValue.size());
+        event.records[i].bytes.assign(object.vecValue.begin(), object.vecValue.end());
+    }
+    if (mFilter.takes(event)) {
         mSink(std::move(event));
     }
     return Void();

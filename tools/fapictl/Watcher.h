@@ -5,10 +5,9 @@
 
 #include <array>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "tools/fapictl/Events.h"
+#include "tools/fapictl/Filter.h"
 
 namespace fapictl {
 
@@ -18,12 +17,11 @@ class Watcher : public vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiCallb
     using Object = vendor::zentrovi::tv::zvttvfactory::V1_0::ZvtTvFApiEventCommonObject;
 
     /**
-     * Events of other modules are dropped; no modules are all of them.
-     *
+     * @param filter what it does not take is dropped
      * @param sink takes each event, one after the other, on the thread that receives them
      */
-    Watcher(std::vector<std::string> modules, std::function<void(Event)> sink)
-        : mModules(std::move(modules)), mSink(std::move(sink)) {}
+    Watcher(EventFilter filter, std::function<void(Event)> sink)
+        : mFilter(std::move(filter)), mSink(std::move(sink)) {}
 
 #define FAPICTL_WATCH(method, module)                                                                   \
     android::hardware::Return<void> method(uint32_t type, const Object& object1, const Object& object2, \
@@ -45,7 +43,7 @@ class Watcher : public vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiCallb
     android::hardware::Return<void> take(const char* module, uint32_t type,
                                          const std::array<const Object*, 4>& objects);
 
-    const std::vector<std::string> mModules;
+    const EventFilter mFilter;
     const std::function<void(Event)> mSink;
 };
 

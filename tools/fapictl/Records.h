@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/fapictl/Model.h"
+
+// Payload records of events as people write them: value=7 text="two\nlines" bytes=de:ad with any of the three
+// left out, or - for an empty one. Commas or blanks separate the parts. A text without quotes runs to the
+// next KEY= or to the end, any other value to the next separator; between double quotes everything may stand,
+// with the escapes that eventLine() writes.
+namespace fapictl {
+
+/** One KEY=VALUE, or text~VALUE; the value is without its quotes. */
+struct RecordPart {
+    enum class Key { Value, Text, Bytes };
+
+    Key key = Key::Value;
+    bool pattern = false;  // ~ instead of =
+    std::string value;
+};
+
+const char* nameOf(RecordPart::Key key);
+
+/**
+ * Takes a record apart. Throws Failure (Usage) whose message names `where`.
+ *
+ * @param patterns whether there may be a text~VALUE
+ */
+std::vector<RecordPart> splitRecord(std::string_view record, bool patterns, const std::string& where);
+
+/** Parses a record into a value of the interface's record type. Throws Failure (Usage). */
+Json parseEventRecord(const Type& type, std::string_view word, const std::string& where);
+
+}  // namespace fapictl
