@@ -55,7 +55,7 @@ function(hidl_package target)
     add_custom_target(${target}-generated DEPENDS ${sources} ${headers})
 
     add_library(${target} STATIC ${sources})
-    target_include_directories(${target} SYSTEM PUBLIC ${out})
+    target_include_directories(${target} SYSTEM PUBLIC $<BUILD_INTERFACE:${out}>)
     # Generated code is not ours to mend: no warnings, and no sanitizer (a minute of build time for nothing).
     # Without exceptions, as on the device: one that passes through it runs no destructor there.
     target_compile_options(${target} PRIVATE -w -fno-sanitize=all -fno-exceptions)

@@ -42,6 +42,8 @@ ROOMS = [
     ("simulator/", [], ()),
     ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/CheckedLock.h", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
     ("tools/", ["tools/"], ANY),
+    # What somebody without the tree can build.
+    ("examples/", [], ("hidl/", "android/hidl/") + GENERATED),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
     ("platform/parcel/", [], ("hwbinder/", "utils/")),
     ("platform/binding/Backend.cpp", ["platform/binding/", "platform/kernel/", "platform/socket/"], ANY),
@@ -156,6 +158,7 @@ PLANTED = [
     ("tools/fapictl/T.cpp", "<CLI/CLI.hpp>", False),
     ("tools/fapictl/T.cpp", "<chiplayer/sys.h>", True),
     ("tools/fapictl/T.cpp", '"platform/socket/P.h"', True),
+    ("examples/e/E.cpp", '"platform/binding/B.h"', True),
 ]
 
 
