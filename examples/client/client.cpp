@@ -141,7 +141,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     const auto patience = std::chrono::seconds(seconds);
-    // The thread on which our objects are called. Without one no event would come.
+    // How many threads may call our objects, this one not among them. Events come one after the other.
     android::hardware::configureRpcThreadpool(1, false);
     const sp<Events> events = new Events;
     const sp<Registration> registration = new Registration;
