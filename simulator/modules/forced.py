@@ -7,47 +7,48 @@ functions: defines the functions, under their own names, in front of those, and 
 that no source defines is left out: whoever links the library without it is told who calls it.
 """
 
-import re
+import pathlib
 import sys
 
-DECLARATION = re.compile(r"^int32_t (a_zvttvfapi_\w+)\(([^)]*)\)", re.MULTILINE)
+sys.path.insert(0, str(pathlib.Path(__file__).parents[2] / "chiplayer"))
+import functions
 
 
-def renamed(name, parameters):
-    return f'int32_t {name}({parameters}) asm("board.{name}");'
+def renamed(one):
+    return f'int32_t {one.name}({one.declared}) asm("board.{one.name}");'
 
 
-def function(index, name, parameters):
-    arguments = ", ".join(re.search(r"\w+$", one)[0] for one in parameters.split(",") if one)
-    return (f"int32_t {name}({parameters}) {{\n"
+def function(index, one):
+    arguments = ", ".join(parameter.name for parameter in one.parameters)
+    return (f"int32_t {one.name}({one.declared}) {{\n"
             f"    int32_t status = 0;\n"
-            f"    return simulator::sForcePoints[{index}].take(&status) ? status : board::{name}({arguments});\n"
+            f"    return simulator::sForcePoints[{index}].take(&status) ? status : board::{one.name}({arguments});\n"
             f"}}")
 
 
-def read(path):
-    with open(path, encoding="utf-8") as file:
-        return file.read()
+def statuses(paths):
+    """The functions that return a status: not those of the custom library."""
+    return [one for one in functions.functions(paths) if one.result == "int32_t"]
 
 
 def main():
     form, files = sys.argv[1], sys.argv[2:]
-    declared = [found for path in files if path.endswith(".h") for found in DECLARATION.findall(read(path))]
+    declared = statuses(path for path in files if path.endswith(".h"))
     if form == "names":
-        print("\n".join(renamed(*each) for each in declared))
+        print("\n".join(renamed(each) for each in declared))
         return
-    defined = {name for path in files if path.endswith(".cpp") for name, _ in DECLARATION.findall(read(path))}
-    unknown = defined - {name for name, _ in declared}
+    defined = {one.name for one in statuses(path for path in files if path.endswith(".cpp"))}
+    unknown = defined - {one.name for one in declared}
     if unknown:
         sys.exit(f"defined, but not declared in the chip layer's headers: {', '.join(sorted(unknown))}")
-    present = [each for each in declared if each[0] in defined]
+    present = [each for each in declared if each.name in defined]
     print("namespace board {")
-    print("\n".join(renamed(*each) for each in present))
+    print("\n".join(renamed(each) for each in present))
     print("}  // namespace board\n\nnamespace simulator {\nnamespace {\nForcePoint sForcePoints[] = {")
-    print("\n".join(f'    ForcePoint("{name}"),' for name, _ in present))
+    print("\n".join(f'    ForcePoint("{each.name}"),' for each in present))
     print("};\n}  // namespace\n\nForcePoints forcePoints() {\n    return {std::begin(sForcePoints), std::end(sForcePoints)};")
     print("}\n}  // namespace simulator\n")
-    print("\n".join(function(index, *each) for index, each in enumerate(present)))
+    print("\n".join(function(index, each) for index, each in enumerate(present)))
 
 
 main()
