@@ -7,12 +7,16 @@
 #include "manager/ClientRegistry.h"
 #include "manager/ZvtTvFApiManager.h"
 #include "service/frame/StatePage.h"
+#include "service/trace/Trace.h"
 
 namespace vendor::zentrovi::tv::zvttvfactory::V1_0::implementation {
 
 using ::android::Mutex;
 
 namespace {
+
+constexpr char kOptions[] =
+        "trace, alone, writes a line for each call from now on; else this is all that there is to know";
 
 /// How many clients a page lists: with every number at its longest, it takes less than StatePage::kMostBytes.
 constexpr size_t kMostClients = 50;
@@ -91,7 +95,15 @@ void describeClients(const Snapshot& snapshot, StatePage& page) {
 // Methods from ::android::hidl::base::V1_0::IBase follow.
 
 Return<void> ZvtTvFApiManager::debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) {
-    StatePage page = statePage(options);
+    const bool traced = options.size() == 1 && options[0] == "trace";
+    const char* const refusal = traced ? traceTo(handle) : nullptr;
+    if (traced && refusal == nullptr) {
+        return ::android::hardware::Void();
+    }
+    StatePage page = statePage(options, kOptions);
+    if (refusal != nullptr) {
+        page.line("trace: %s", refusal);
+    }
     const Snapshot snapshot = snapshotOfRegistry();
     page.line("service version: %s", kVersion);
     describeEvents(snapshot, page);

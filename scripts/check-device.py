@@ -26,8 +26,10 @@ IMAGES = ("    product_specific: true,\n", "    system_ext_specific: true,\n", "
 OF_OTHERS = {"libc++", "libcutils", "libcutils_headers", "libhidlbase", "liblog", "libutils",
              "vendor.zentrovi.tv.zvttvfapicustom@1.0-impl"}
 NEEDED = {"zvttvfactory-defaults": ["-fexceptions", "libhidlbase", "liblog", "libutils", f"{PACKAGE}@1.0"],
-          EXECUTABLE: ["zvttvfactory-adapters", "zvttvfactory-frame", "zvttvfactory-manager",
-                       "-Wl,--export-dynamic-symbol=u8TvFactoryDebug"],
+          EXECUTABLE: ["zvttvfactory-adapters", "zvttvfactory-frame", "zvttvfactory-manager", "zvttvfactory-trace",
+                       "zvttvfactory-traced-interfaces", "-Wl,--export-dynamic-symbol=u8TvFactoryDebug"],
+          "zvttvfactory-traced-interfaces": ["zvttvfactory-trace-generator"],
+          "zvttvfactory-trace-generator": ["fapictl-hal"], "fapictl-generator": ["fapictl-hal"],
           "fapictl": ["fapictl-table"], "fapictl-table": ["fapictl-generator"]}
 
 
@@ -68,7 +70,7 @@ def build_disagreements(root):
     for file in files:
         for _, kind, body in modules(file.read_text()):
             where = f"{file.relative_to(root)}, {kind} {' '.join(strings_of(body, 'name'))}"
-            for key in ("defaults", "header_libs", "static_libs", "shared_libs", "generated_sources", "tools"):
+            for key in ("defaults", "header_libs", "static_libs", "shared_libs", "generated_sources", "generated_headers", "libs", "tools"):
                 found += [f"{where}: nobody declares {name}" for name in strings_of(body, key)
                           if name not in declared and name not in OF_OTHERS]
             if file.name == "Android.bp":
@@ -170,10 +172,12 @@ def disagreements(root):
     same("tools/fapictl/Android.bp's sources", of_host + ["main.cpp"], strings_of(binary, "srcs"))
     same("the table's generator is given", [":zvttvfactory-hal-files"],
          next(strings_of(body, "srcs") for _, kind, body in modules(tool) if kind == "genrule"))
+    same("the trace's generator is given", [":zvttvfactory-hal-files"],
+         next(strings_of(body, "srcs") for _, kind, body in modules(read("service/trace/Android.bp")) if kind == "genrule"))
     for library in ("cli11-headers", "nlohmann-json-headers"):
         if f'name: "{library}"' not in read("docs/device.md"):
             found.append(f"docs/device.md does not say how {library} is declared")
-    for folder in ("adapters", "manager", "service/frame"):
+    for folder in ("adapters", "manager", "service/frame", "service/trace"):
         same(f"{folder}/Android.bp's sources",
              sorted(str(source.relative_to(root / folder)) for source in (root / folder).rglob("*.cpp")),
              strings_of(read(f"{folder}/Android.bp"), "srcs"))
@@ -204,6 +208,9 @@ def check_itself(root):
         ("tools/fapictl/Android.bp", '    shared_libs: ["libcutils"],\n', ""),
         ("tools/fapictl/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
         ("tools/fapictl/Android.bp", '    generated_sources: ["fapictl-table"],\n', ""),
+        ("tools/fapictl/Android.bp", '    srcs: ["generate.py"],\n    libs: ["fapictl-hal"],\n', '    srcs: ["generate.py"],\n'),
+        ("service/trace/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
+        ("service/Android.bp", '    generated_headers: ["zvttvfactory-traced-interfaces"],\n', ""),
         ("tools/fapictl/Android.bp", 'srcs: ["generate.py"]', 'srcs: ["generator.py"]'),
         ("Android.bp", '    cppflags: ["-fexceptions"],\n', ""),
         ("Android.bp", '        "libhidlbase",\n', ""),

@@ -29,9 +29,11 @@ ROOMS = [
     ("chiplayer/", ["chiplayer/"], ()),
     ("service/frame/StatePage.cpp", ["service/frame/"], PLATFORM + ("fcntl.h", "poll.h", "sys/stat.h", "unistd.h")),
     ("service/frame/", ["service/frame/", "chiplayer/"], PLATFORM),
-    ("service/main.cpp", ["service/frame/", "manager/", "adapters/", "chiplayer/custom.h"], PLATFORM + GENERATED),
+    ("service/trace/Trace.cpp", ["service/trace/"], PLATFORM + ("hwbinder/IPCThreadState.h", "fcntl.h", "poll.h", "pthread.h", "sys/eventfd.h", "sys/stat.h", "unistd.h")),
+    ("service/main.cpp", ["service/frame/", "manager/", "adapters/", "chiplayer/custom.h"],
+     PLATFORM + GENERATED + ("service/trace/TracedInterfaces.h",)),
     ("service/", ["service/"], PLATFORM + GENERATED),
-    ("manager/", ["manager/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
+    ("manager/", ["manager/", "service/frame/", "service/trace/", "chiplayer/"], PLATFORM + GENERATED + ("hwbinder/IPCThreadState.h", "sys/types.h")),
     ("adapters/", ["adapters/", "service/frame/", "chiplayer/"], PLATFORM + GENERATED),
     # The simulated board: its modules know the rooms, rooms know the board and its storage, never the reverse.
     ("simulator/board/", ["simulator/board/", "chiplayer/"], ANY),

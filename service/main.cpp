@@ -2,6 +2,7 @@
 
 #include <android/log.h>
 #include <hidl/HidlTransportSupport.h>
+#include <service/trace/TracedInterfaces.h>
 #include <utils/Errors.h>
 #include <utils/StrongPointer.h>
 
@@ -30,10 +31,11 @@ using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation;
 namespace {
 
 // Creates one interface object and registers it under "default". A refusal ends the process, whatever the
-// debug flag says: half a service is worse than one that the init system starts again.
+// debug flag says: half a service is worse than one that the init system starts again. Its calls can be
+// looked at.
 template <typename Object>
 sp<Object> registered(const char* name) {
-    sp<Object> object = new Object();
+    sp<Object> object = new Traced<Object>();
     const status_t status = object->registerAsService("default");
     if (status != OK) {
         __android_log_assert("status != OK", LOG_TAG, "Could not register %s as service", name);

@@ -55,11 +55,11 @@ class FapiInterface : public Interface {
     static uint64_t callsServed() { return sCalls.load(std::memory_order_relaxed); }
 
     /// The lines that every interface's page has. Of the library, only its readiness is asked.
-    static StatePage statePage(
-            const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options) {
+    static StatePage statePage(const ::android::hardware::hidl_vec<::android::hardware::hidl_string>& options,
+                               const char* known = "there are none; this is all that there is to know") {
         StatePage page(Interface::descriptor);
         if (options.size() > 0) {
-            page.line("options: there are none; this is all that there is to know");
+            page.line("options: %s", known);
         }
         page.line("chip-layer library: %s", chipLayerReady() ? "ready" : "not ready");
         page.line("calls served: %" PRIu64, callsServed());
