@@ -9,13 +9,32 @@
 namespace fapictl {
 namespace {
 
-/** What a line shows of each at most; both come to about 64 columns. */
-constexpr size_t kBytesShown = 32;
-constexpr size_t kTextShown = 64;
 /** Of the longest module's name. */
 constexpr int kModuleColumns = 7;
 
-/** Local time to the millisecond; whole is with the date and the zone. */
+
+std::string recordText(const Event::Record& record) {
+    std::string out;
+    if (record.value != 0) {
+        out += " value=" + std::to_string(record.value);
+    }
+    if (!record.text.empty()) {
+        out += " text=" + quotedInShort(record.text);
+    }
+    if (!record.bytes.empty()) {
+        out += " bytes=" + toHexInShort(record.bytes);
+    }
+    return out.empty() ? "-" : out.substr(1);
+}
+
+}  // namespace
+
+const std::vector<std::string>& eventModules() {
+    static const std::vector<std::string> modules = {"sys",    "disp", "disptst", "info", "inpsrc",
+                                                     "prphrl", "aud",  "net",     "tv"};
+    return modules;
+}
+
 std::string timeText(std::chrono::system_clock::time_point time, bool whole) {
     const auto start = std::chrono::floor<std::chrono::seconds>(time);
     const std::time_t seconds = std::chrono::system_clock::to_time_t(start);
@@ -31,43 +50,6 @@ std::string timeText(std::chrono::system_clock::time_point time, bool whole) {
         std::strftime(text + length, sizeof text - length, "%z", &local);
     }
     return text;
-}
-
-std::string length(size_t size) {
-    return "…(" + std::to_string(size) + " bytes)";
-}
-
-std::string recordText(const Event::Record& record) {
-    std::string out;
-    if (record.value != 0) {
-        out += " value=" + std::to_string(record.value);
-    }
-    if (!record.text.empty()) {
-        size_t shown = record.text.size();
-        if (shown > kTextShown) {
-            shown = kTextShown;
-            // A character is not cut in two; one has at most three bytes behind its first.
-            for (int i = 0; i < 3 && (record.text[shown] & 0xc0) == 0x80; ++i) {
-                --shown;
-            }
-        }
-        out += " text=" + inQuotes(std::string_view(record.text).substr(0, shown));
-        out += shown == record.text.size() ? "" : length(record.text.size());
-    }
-    if (!record.bytes.empty()) {
-        const size_t shown = std::min(record.bytes.size(), kBytesShown);
-        out += " bytes=" + toHex({record.bytes.data(), record.bytes.data() + shown});
-        out += shown == record.bytes.size() ? "" : length(record.bytes.size());
-    }
-    return out.empty() ? "-" : out.substr(1);
-}
-
-}  // namespace
-
-const std::vector<std::string>& eventModules() {
-    static const std::vector<std::string> modules = {"sys",    "disp", "disptst", "info", "inpsrc",
-                                                     "prphrl", "aud",  "net",     "tv"};
-    return modules;
 }
 
 std::string eventLine(uint64_t number, const Event& event) {

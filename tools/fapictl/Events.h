@@ -24,6 +24,9 @@ struct Event {
     std::array<Record, 4> records;
 };
 
+/** Local time to the millisecond; whole is with the date and the zone. */
+std::string timeText(std::chrono::system_clock::time_point time, bool whole);
+
 /** "sys", "disp", ...: what raises events, in the order of the callback's methods. */
 const std::vector<std::string>& eventModules();
 

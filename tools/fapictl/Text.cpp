@@ -7,6 +7,10 @@ namespace {
 
 constexpr char kDigits[] = "0123456789abcdef";
 
+/** What is shown of each in short; both come to about 64 columns. */
+constexpr size_t kBytesInShort = 32;
+constexpr size_t kTextInShort = 64;
+
 /** Bytes of the UTF-8 character at the start of the text; 0 when there is none, or it is not printable. */
 size_t characterLength(std::string_view text) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -64,6 +68,10 @@ std::string escapedWith(std::string_view text, bool quotes) {
     return out;
 }
 
+std::string length(size_t size) {
+    return "…(" + std::to_string(size) + " bytes)";
+}
+
 /** Columns that the text takes, as near as makes no difference here: one per character. */
 size_t width(const std::string& text) {
     return static_cast<size_t>(
@@ -88,6 +96,23 @@ std::string toHex(const std::vector<uint8_t>& bytes) {
         out += kDigits[byte & 15];
     }
     return out;
+}
+
+std::string quotedInShort(std::string_view text) {
+    size_t shown = text.size();
+    if (shown > kTextInShort) {
+        shown = kTextInShort;
+        // A character is not cut in two; one has at most three bytes behind its first.
+        for (int i = 0; i < 3 && (text[shown] & 0xc0) == 0x80; ++i) {
+            --shown;
+        }
+    }
+    return inQuotes(text.substr(0, shown)) + (shown == text.size() ? "" : length(text.size()));
+}
+
+std::string toHexInShort(const std::vector<uint8_t>& bytes) {
+    const size_t shown = std::min(bytes.size(), kBytesInShort);
+    return toHex({bytes.data(), bytes.data() + shown}) + (shown == bytes.size() ? "" : length(bytes.size()));
 }
 
 std::vector<std::string> hexDump(const std::vector<uint8_t>& bytes) {

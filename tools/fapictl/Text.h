@@ -21,6 +21,10 @@ std::string inQuotes(std::string_view text);
 /** "deadbeef" */
 std::string toHex(const std::vector<uint8_t>& bytes);
 
+/** Both for a line that has more to show: what is long is cut, and its whole length given. */
+std::string quotedInShort(std::string_view text);
+std::string toHexInShort(const std::vector<uint8_t>& bytes);
+
 /** Lines of sixteen bytes: offset, hexadecimal, printable characters. */
 std::vector<std::string> hexDump(const std::vector<uint8_t>& bytes);
 

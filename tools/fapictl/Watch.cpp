@@ -1,7 +1,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/eventfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +17,7 @@
 #include <system_error>
 #include <thread>
 
+#include "tools/fapictl/Bell.h"
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
@@ -38,72 +38,6 @@ constexpr size_t kQueueBytes = 8 << 20;
 
 /** The service's last events may come in after the notice of its death: how long without one is the end. */
 constexpr auto kAfterDeath = std::chrono::milliseconds(200);
-
-/** A count of occurrences that poll() can wait for. */
-class Bell {
-  public:
-    Bell() : mFd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-        if (mFd < 0) {
-            throw std::system_error(errno, std::generic_category(), "eventfd");
-        }
-    }
-    ~Bell() { close(mFd); }
-    Bell(const Bell&) = delete;
-
-    /** May be called in a signal handler. Fails only when the count is at its limit, which is as good. */
-    void ring() const {
-        const uint64_t one = 1;
-        [[maybe_unused]] const ssize_t written = write(mFd, &one, sizeof one);
-    }
-    /** Whether it has rung since it was last asked. */
-    bool rang() const {
-        uint64_t count = 0;
-        return read(mFd, &count, sizeof count) == sizeof count;
-    }
-    int fd() const { return mFd; }
-
-  private:
-    const int mFd;
-};
-
-/** While it lives, the signals that ask a process to end only ring a bell; the second one ends the process.
- */
-class EndSignals {
-  public:
-    EndSignals() {
-        bell().rang();
-        struct sigaction action = {};
-        action.sa_handler = [](int) {
-            const int error = errno;
-            bell().ring();
-            errno = error;
-        };
-        action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
-        for (size_t i = 0; i < std::size(kSignals); ++i) {
-            sigaction(kSignals[i], nullptr, &mBefore[i]);
-            // A shell's background jobs ignore Ctrl-C, and go on doing so.
-            if (mBefore[i].sa_handler != SIG_IGN) {
-                sigaction(kSignals[i], &action, nullptr);
-            }
-        }
-    }
-    ~EndSignals() {
-        for (size_t i = 0; i < std::size(kSignals); ++i) {
-            sigaction(kSignals[i], &mBefore[i], nullptr);
-        }
-    }
-    EndSignals(const EndSignals&) = delete;
-
-    /** Lives for ever: a handler may still be running when the signals are given back. */
-    static const Bell& bell() {
-        static const Bell& bell = *new Bell;
-        return bell;
-    }
-
-  private:
-    static constexpr int kSignals[] = {SIGINT, SIGTERM};
-    struct sigaction mBefore[std::size(kSignals)] = {};
-};
 
 /** Hands events from the threads that receive them to the one that prints. */
 class Queue {
