@@ -20,7 +20,8 @@ namespace {
 constexpr const char* kExitCodes =
         "Exit codes:\n"
         "  0  success\n"
-        "  1  the method reported a status other than 0, or that it was not done\n"
+        "  1  the method reported a status other than 0, or that it was not done, or replayed calls had "
+        "other results\n"
         "  2  a name, option or argument is wrong; nothing was called\n"
         "  3  the service is not registered, or was not in time, or fewer than --count events were\n"
         "  4  the call did not come back, because the service died, or not within --timeout; or it died "
@@ -116,6 +117,46 @@ constexpr const char* kCaptureHelp =
         "  fapictl capture panel.png\n"
         "  fapictl capture - graphics > graphics.png\n";
 
+constexpr const char* kMonitorHelp =
+        "Prints a line for each call that a client makes, when it has ended: its number, the local time when "
+        "it "
+        "began,\n"
+        "the caller's process, the method with its arguments, the results, the status by name and how long "
+        "it "
+        "took\n"
+        "inside the service. What is long is cut; with --json, an object on a line for each call, nothing "
+        "is. "
+        "INTERFACE\n"
+        "and METHOD may hold * and ?, quoted from the shell. The service writes the calls down only while "
+        "somebody\n"
+        "looks, four at most; bytes of keys stay with it. A reader of the output that stalls costs no call "
+        "anything:\n"
+        "what finds no room is left out, and how many calls that were is said.\n"
+        "Ends with 0 on Ctrl-C or SIGTERM, after --count calls, or after --timeout without --count; ends "
+        "with "
+        "3 when\n"
+        "--count calls have not come within --timeout, and with 4 when the service dies, or has not answered "
+        "within\n"
+        "--timeout. Says on standard error when it listens.\n\n"
+        "  fapictl monitor system\n"
+        "  fapictl monitor '*' '*uart*' --json\n"
+        "  fapictl monitor --json > report; fapictl replay report\n";
+
+constexpr const char* kReplayHelp =
+        "Makes the calls again that fapictl monitor --json has written to a FILE, or to standard input for "
+        "-, "
+        "one after\n"
+        "the other, and prints each result that is not what it was then: a report of a fault becomes a test. "
+        "Calls with\n"
+        "an object of the caller's or with a secret are not made. --ignore names a method or a result whose "
+        "value says\n"
+        "nothing, as a time; it may be given several times.\n"
+        "Ends with 0 when all is as it was, with 1 when something differs, and with 2, before any call, when "
+        "a "
+        "line of\n"
+        "the file is none of monitor's.\n\n"
+        "  fapictl replay report --ignore get_temperature --ignore u32Uptime\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -151,9 +192,14 @@ struct Parser {
                        "show events with such a record; given several times, with all of them")
                 ->type_name("RECORD")
                 ->allow_extra_args(false);
-        app.add_option("--count", options.count, "end after so many events")->type_name("N");
+        app.add_option("--count", options.count, "end after so many events or calls")->type_name("N");
+        app.add_option("--ignore", options.ignored,
+                       "do not compare a method's results, or a result; may be given several times")
+                ->type_name("NAME")
+                ->allow_extra_args(false)
+                ->delimiter(',');
         app.add_flag("--progress", options.progress, "show the events that come in while the method runs");
-        app.add_flag("--quiet", options.quiet, "do not say when watching begins");
+        app.add_flag("--quiet", options.quiet, "do not say when watching or monitoring begins");
         app.add_flag("--all", options.all, "list other packages' services too");
         app.add_flag("-h,--help", help, "print this help");
     }
@@ -276,7 +322,7 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
         throw Failure(Exit::Usage, "--timeout is a number of seconds from 0 to 1000000000");
     }
     if (options.count && *options.count < 1) {
-        throw Failure(Exit::Usage, "--count is a number of events from 1 on");
+        throw Failure(Exit::Usage, "--count is a number from 1 on");
     }
     size_t most = verb.mostWords;
     if (verb.run == watch) {
@@ -292,8 +338,8 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
                                            verb.name + " " + verb.arguments);
     }
     warnAboutUselessOptions(parser, verb, err);
-    // These two go by the time themselves.
-    const bool watched = options.timeout && verb.run != wait && verb.run != watch;
+    // These go by the time themselves.
+    const bool watched = options.timeout && verb.run != wait && verb.run != watch && verb.run != monitor;
     const std::optional<Watchdog> watchdog =
             watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
     Engine engine(package);
@@ -400,6 +446,24 @@ const std::vector<Verb>& verbs() {
              1,
              kAnyNumber,
              debug},
+            {"monitor",
+             "[INTERFACE [METHOD]]",
+             "show the calls that clients make",
+             kMonitorHelp,
+             Words::Method,
+             {"json", "count", "timeout", "quiet", "instance"},
+             0,
+             2,
+             monitor},
+            {"replay",
+             "FILE",
+             "make calls again that monitor has shown, and compare the results",
+             kReplayHelp,
+             Words::None,
+             {"json", "ignore", "timeout", "instance"},
+             1,
+             1,
+             replay},
     };
     return all;
 }

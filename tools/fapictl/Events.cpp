@@ -12,7 +12,6 @@ namespace {
 /** Of the longest module's name. */
 constexpr int kModuleColumns = 7;
 
-
 std::string recordText(const Event::Record& record) {
     std::string out;
     if (record.value != 0) {

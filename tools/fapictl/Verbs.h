@@ -26,7 +26,8 @@ struct Options {
     std::optional<int64_t> count;      // of events
     bool quiet = false;
     bool progress = false;
-    std::string out;  // a file, "-" for standard output, empty for none
+    std::vector<std::string> ignored;  // methods and results that may differ
+    std::string out;                   // a file, "-" for standard output, empty for none
 };
 
 struct Context {
@@ -64,6 +65,8 @@ Exit post(const Context& context);
 Exit capture(const Context& context);
 Exit edid(const Context& context);
 Exit debug(const Context& context);
+Exit monitor(const Context& context);
+Exit replay(const Context& context);
 
 /** The service that the options name, and how long they let it be waited for. */
 Target targetOf(const Context& context);
