@@ -1,6 +1,7 @@
 // bench-frame: a method of an interface object, called directly, beside the chip-layer call under it.
 
 #include <benchmark/benchmark.h>
+#include <service/trace/TracedInterfaces.h>
 
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ namespace {
 using namespace bench;
 using ::android::sp;
 using ::android::hardware::hidl_string;
-using ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation::ZvtTvFApiInformation;
+using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation;
 
 const unsigned char* bytes(const hidl_string& text) {
     return reinterpret_cast<const unsigned char*>(text.c_str());
@@ -32,7 +33,7 @@ int main(int argc, char** argv) {
                  &options);
 
     u8TvFactoryDebug = 0;
-    const sp<ZvtTvFApiInformation> object = new ZvtTvFApiInformation;
+    const sp<ZvtTvFApiInformation> object = new Traced<ZvtTvFApiInformation>;
     const hidl_string section("picture"), key("brightness"), value("50");
 
     const Limit limit{Limit::Kind::MoreAtMost, 20};

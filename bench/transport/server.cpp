@@ -2,6 +2,7 @@
 // costs nothing, and IBenchServer, both under this name, with so many threads that serve calls.
 
 #include <hidl/HidlTransportSupport.h>
+#include <service/trace/TracedInterfaces.h>
 #include <zvttv/bench/1.0/IBenchServer.h>
 
 #include <cstdio>
@@ -24,6 +25,7 @@ using ::android::hardware::Return;
 using ::android::hardware::Status;
 using ::android::hardware::Void;
 using ::android::hidl::base::V1_0::IBase;
+using ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation::Traced;
 using ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation::ZvtTvFApiInformation;
 using ::zvttv::bench::V1_0::IBenchProbe;
 using ::zvttv::bench::V1_0::IBenchServer;
@@ -86,7 +88,7 @@ int main(int argc, char** argv) {
     const std::string instance = argv[1];
     u8TvFactoryDebug = 0;
     android::hardware::configureRpcThreadpool(std::stoul(argv[2]), true);
-    const sp<ZvtTvFApiInformation> information = new ZvtTvFApiInformation;
+    const sp<ZvtTvFApiInformation> information = new Traced<ZvtTvFApiInformation>;
     const sp<BenchServer> server = new BenchServer;
     if (information->registerAsService(instance) != android::OK ||
         server->registerAsService(instance) != android::OK) {

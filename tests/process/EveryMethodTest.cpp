@@ -6,6 +6,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 
 #include "tests/process/ServiceFixture.h"
 
@@ -78,11 +79,27 @@ class EveryMethodTest : public ServiceFixture {
 
 TEST_F(EveryMethodTest, AnswersOnABoardThatIsReady) {
     startAndWait();
+    const ChildProcess listening = monitor("--json --count " + std::to_string(ZVTTV_METHODS));
     const auto answers = callAll();
     EXPECT_EQ(size_t{ZVTTV_METHODS}, answers.size());
     for (const auto& [name, answer] : answers) {
         EXPECT_NE(-5, answer.value("s32Status", 0)) << name;
     }
+    // Each is seen as it was answered, and answered so again.
+    const std::string report = listening.readAll();
+    std::istringstream lines(report);
+    std::multiset<json> seen;
+    for (std::string line; std::getline(lines, line);) {
+        seen.insert(json::parse(line)["results"]);
+    }
+    std::multiset<json> answered;
+    for (const auto& [name, answer] : answers) {
+        answered.insert(answer);
+    }
+    EXPECT_EQ(answered, seen);
+    std::filesystem::remove_all(mState);
+    startAndWait();
+    EXPECT_THAT(replay(report, "u64Time"), testing::HasSubstr(" 0 with other results, 1 not made\n"));
 }
 
 TEST_F(EveryMethodTest, IsRefusedOnABoardThatIsNotReadyButForThoseThatSayOtherwise) {

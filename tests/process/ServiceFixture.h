@@ -79,6 +79,23 @@ class ServiceFixture : public testing::Test {
         EXPECT_THAT(child.wait(), code) << words[1] << ": " << text;
         return text;
     }
+    /** The tool's monitor that listens already; words of the shell follow it. */
+    ChildProcess monitor(const std::string& words) const {
+        const std::string listens = mState + ".listens";
+        ChildProcess child({"/bin/sh", "-c", "exec \"$ZVTTV_TEST_FAPICTL\" monitor --timeout 60 " + words},
+                           listens);
+        EXPECT_TRUE(eventually([&] { return !contentOf(listens).empty(); }));
+        std::filesystem::remove(listens);
+        return child;
+    }
+    /** What the tool says when it makes the calls of a report again, and the results are the same. */
+    std::string replay(const std::string& report, const std::string& ignored) const {
+        const std::string path = mState + ".report";
+        std::ofstream(path) << report;
+        const std::string said = tool({"replay", path, "--ignore", ignored});
+        std::filesystem::remove(path);
+        return said;
+    }
     static std::string contentOf(const std::string& path) {
         std::stringstream text;
         text << std::ifstream(path).rdbuf();

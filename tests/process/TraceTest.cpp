@@ -1,0 +1,121 @@
+// The service's calls as another process is shown them, and as it makes them again.
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/process/ServiceFixture.h"
+
+namespace {
+
+using nlohmann::ordered_json;
+
+class TraceTest : public ServiceFixture {
+  protected:
+    static std::string call(std::vector<std::string> words) {
+        words.insert(words.begin(), {"call", "--json"});
+        return tool(words, testing::AnyOf(0, 1));
+    }
+    static std::vector<ordered_json> linesOf(const std::string& report) {
+        std::vector<ordered_json> lines;
+        std::istringstream text(report);
+        for (std::string line; std::getline(text, line);) {
+            lines.push_back(ordered_json::parse(line));
+        }
+        return lines;
+    }
+};
+
+TEST_F(TraceTest, ShowsWhatACallerGaveAndGotAndMakesTheCallAgain) {
+    std::string bands = R"({"u32Level":4294967295,"u16GeqBandCount":2,"au32GeqLevel":[9,8,7,6,5,4,3,2],)"
+                        R"("u16PeqBandCount":1,"astPeqBand":[{"u32Frequency":20,"s16Gain":-120,"u16Q":7})";
+    for (int i = 1; i < 33; ++i) {
+        bands += R"(,{"u32Frequency":0,"s16Gain":0,"u16Q":)" + std::to_string(i) + "}";
+    }
+    bands += "]}";
+    const std::string path = "/a\"\\\n\x01\x7fü";
+    const std::string escapedPath = R"("/a\"\\\n\u0001)"
+                                    "\x7fü\"";
+    const struct {
+        std::vector<std::string> words;
+        std::string arguments;
+    } rows[] = {
+            {{"peripheral", "control_gpio", "4294967295", "0"}, R"({"u32Gpio":4294967295,"u32Level":0})"},
+            {{"peripheral", "set_hdmi_hpd", "1", "true"}, R"({"u8Port":1,"bPlugged":true})"},
+            {{"peripheral", "set_hdmi_edid_version", "-2147483648", "-128"},
+             R"({"s32Port":-2147483648,"s8Version":-128})"},
+            {{"peripheral", "add_ir_block_key", "18446744073709551615", "0"},
+             R"({"u64CustomCode":18446744073709551615,"u64KeyCode":0})"},
+            {{"peripheral", "pwm_set_attr", "duty", "77", "5"},
+             R"({"eAttr":"DUTY","eChannel":77,"u32Value":5})"},
+            {{"system", "write_file_byte", path, "41c3bc0a", "w"},
+             R"({"strPath":)" + escapedPath + R"(,"vecData":"41c3bc0a","strMode":"w"})"},
+            {{"system", "read_file", path, "9", "1"},
+             R"({"strPath":)" + escapedPath + R"(,"u32Length":9,"u64Offset":1})"},
+            {{"system", "check_file", "/\xff\xed\xa0\x80"}, R"({"strPath":{"hex":"2fffeda080"}})"},
+            {{"system", "secure_storage_encrypt_key", "a", "b", "c0ffee"},
+             R"({"strStorageName":"a","strKeyName":"b","vecUserKey":"<3 bytes withheld>"})"},
+            {{"audio", "basic_snd_set_param", "-1", bands}, R"({"s32Type":-1,"stParam":)" + bands + "}"},
+            {{"manager", "set_callback", "null"}, R"({"callback":null})"},
+    };
+    startAndWait();
+    const ChildProcess listening = monitor("--json --count " + std::to_string(std::size(rows)));
+    std::vector<std::string> answers;
+    for (const auto& row : rows) {
+        answers.push_back(call(row.words));
+    }
+    const std::string report = listening.readAll();
+    const std::vector<ordered_json> lines = linesOf(report);
+    ASSERT_EQ(std::size(rows), lines.size());
+    for (size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(rows[i].arguments, lines[i]["arguments"].dump());
+        EXPECT_EQ(ordered_json::parse(answers[i]), lines[i]["results"]) << lines[i];
+    }
+    std::filesystem::remove_all(mState);
+    startAndWait();
+    EXPECT_EQ("10 calls, 0 with other results, 1 not made\n", replay(report, "get_rtc_time"));
+}
+
+TEST_F(TraceTest, OneWhoDoesNotReadCostsNobodyAndIsToldHowManyCallsItMissed) {
+    startAndWait();
+    const std::string report = mState + ".report";
+    const std::string bytes = mState + ".bytes";
+    std::ofstream(bytes) << std::string(500'000, 'x');
+    const ChildProcess listening = monitor("--json > " + report);
+    listening.signal(SIGSTOP);
+    constexpr int kCalls = 20;  // of a MB each, of which 8 wait
+    for (int i = 0; i < kCalls; ++i) {
+        call({"system", "write_file_byte", "/x", "@" + bytes, "w"});
+    }
+    listening.signal(SIGCONT);
+    std::string text;
+    EXPECT_TRUE(eventually([&] {
+        text = contentOf(report);
+        return text.find("{\"lost\":") != std::string::npos && text.back() == '\n';
+    }));
+    const std::vector<ordered_json> lines = linesOf(text);
+    EXPECT_EQ(kCalls, static_cast<int>(lines.size()) - 1 + lines.back().value("lost", 0));
+    EXPECT_GT(lines.size(), 8u);
+    std::filesystem::remove(report);
+    std::filesystem::remove(bytes);
+}
+
+TEST_F(TraceTest, FourMayLookAndOneWhoGoesMakesRoom) {
+    startAndWait();
+    std::vector<ChildProcess> listening;
+    while (listening.size() < 4) {
+        listening.push_back(monitor(""));
+    }
+    const auto codeOfAnother = [] {
+        return ChildProcess({getenv("ZVTTV_TEST_FAPICTL"), "monitor", "--timeout", "2"}, "/dev/null").wait();
+    };
+    EXPECT_EQ(1, codeOfAnother());
+    listening.pop_back();
+    EXPECT_TRUE(eventually([&] { return codeOfAnother() == 0; }));
+    listening.front().signal(SIGTERM);
+    EXPECT_EQ(0, listening.front().wait());
+    service().stop(SIGKILL);
+    EXPECT_EQ(4, listening.back().wait());
+}
+
+}  // namespace
