@@ -5,6 +5,7 @@
 #include <ctime>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <map>
 
 #include "tests/cases/Method.h"
@@ -118,6 +119,24 @@ std::string shown(const Ran& ran) {
     return ran.code == Exit::Success ? all : all + code;
 }
 
+/** A report's lines, replayed with the options among them. */
+std::string replayed(const Words& words) {
+    Words command = {"replay", "-"};
+    std::stringstream report;
+    for (const std::string& word : words) {
+        if (word[0] == '-') {
+            command.push_back(word);
+        } else {
+            report << word << '\n';
+        }
+    }
+    std::streambuf* const before = std::cin.rdbuf(report.rdbuf());
+    const Ran ran = fapictl::ran(testPackage(), command);
+    std::cin.rdbuf(before);
+    std::cin.clear();
+    return shown(ran);
+}
+
 const std::map<std::string, std::function<std::string(const Words&)>> kSections = {
         {"[value]", value},
         {"[bind]", bind},
@@ -134,6 +153,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kSections 
          }},
         {"[complete]", [](const Words& words) { return joined(complete(testPackage(), words)); }},
         {"[thing]", [](const Words& words) { return shown(ran(testPackage(), words)); }},
+        {"[replay]", replayed},
         {"[factory]", [](const Words& words) { return shown(ran(factoryPackage(), words)); }},
 };
 
@@ -243,7 +263,8 @@ TEST_P(Cases, Hold) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Cases, testing::Values("values.cases", "events.cases", "commands.cases"));
+INSTANTIATE_TEST_SUITE_P(Files, Cases,
+                         testing::Values("values.cases", "events.cases", "commands.cases", "replay.cases"));
 
 }  // namespace
 }  // namespace fapictl

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -60,9 +62,13 @@ std::vector<Step> readSteps(const Context& context) {
     const std::string& path = context.options.words[0];
     std::ifstream file;
     if (path != "-") {
+        struct stat status = {};
         file.open(path);
-        if (!file) {
-            throw Failure(Exit::Usage, "cannot read " + inQuotes(path) + ": " + std::strerror(errno));
+        // Some standard libraries' streams take a folder for an empty file.
+        const bool isFolder = stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        if (!file || isFolder) {
+            throw Failure(Exit::Usage,
+                          "cannot read " + inQuotes(path) + ": " + std::strerror(isFolder ? EISDIR : errno));
         }
     }
     std::istream& in = path == "-" ? std::cin : file;
@@ -84,7 +90,7 @@ std::vector<Step> readSteps(const Context& context) {
             steps.push_back(readStep(context.package, json, number));
         }
     }
-    if (in.bad() || (path != "-" && number == 0 && file.fail() && !file.eof())) {
+    if (in.bad()) {
         throw Failure(Exit::Usage, "cannot read " + inQuotes(path) + ": " + std::strerror(errno));
     }
     return steps;
