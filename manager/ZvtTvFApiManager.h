@@ -42,7 +42,8 @@ class ZvtTvFApiManager : public FapiInterface<IZvtTvFApiManager> {
     /// The page of state as every interface writes it, with the events and the registered clients: so many of
     /// them, those with the lowest cookies, as fit. Waits for a delivery in progress.
     ///
-    /// With the option "trace", all calls from now on in its place, see traceTo(); a refusal is a line of the page.
+    /// With the option "trace", all calls from now on in its place, see traceTo(); a refusal is a line of the
+    /// page.
     Return<void> debug(const hidl_handle& handle, const hidl_vec<hidl_string>& options) override;
 
     // Methods from ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager follow.
