@@ -112,7 +112,5 @@ struct Package {
     std::vector<Interface> interfaces;
 };
 
-/** The result that carries a method's status; every other name is an ordinary value. */
-inline constexpr const char* kStatusResult = "s32Status";
 
 }  // namespace fapictl

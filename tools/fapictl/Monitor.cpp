@@ -17,9 +17,9 @@
 #include <system_error>
 
 #include "tools/fapictl/Bell.h"
-#include "tools/fapictl/Display.h"
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/TracedCall.h"
 #include "tools/fapictl/Verbs.h"
@@ -162,7 +162,7 @@ class Monitor {
             }
         } else {
             const TracedCall call = parseTracedCall(mContext.package, line, "the service's trace");
-            // Our own questions to the service are nobody's business.
+            // Among them what we ask the service ourselves, about statuses.
             if (line.value("pid", int64_t{0}) == getpid() || mChosen.count(call.method) == 0) {
                 return;
             }
@@ -176,24 +176,25 @@ class Monitor {
     uint64_t shown() const { return mShown; }
 
   private:
-    void print(const TracedCall& call, const Json& line) const {
+    void print(const TracedCall& call, const Json& line) {
         const auto time = std::chrono::system_clock::time_point(
                 std::chrono::microseconds(line.value("time", int64_t{0})));
         const double milliseconds = static_cast<double>(line.value("nanoseconds", int64_t{0})) / 1e6;
         const std::optional<int64_t> status = statusOf(call);
+        const std::string name =
+                status ? mStatuses.name(mContext.package, mContext.options.instance, *status) : "";
         if (!mContext.options.json.empty()) {
             const Json results =
                     call.results.is_null() ? Json() : tracedJson(call.method->results, call.results);
-            printJson(mContext,
-                      {{"number", mShown},
-                       {"time", timeText(time, true)},
-                       {"pid", line.value("pid", int64_t{0})},
-                       {"interface", call.interface->descriptor},
-                       {"method", call.method->name},
-                       {"arguments", tracedJson(call.method->arguments, call.arguments)},
-                       {"results", results},
-                       {"status", status ? Json{{"number", *status}, {"name", statusName(*status)}} : Json()},
-                       {"milliseconds", milliseconds}});
+            printJson(mContext, {{"number", mShown},
+                                 {"time", timeText(time, true)},
+                                 {"pid", line.value("pid", int64_t{0})},
+                                 {"interface", call.interface->descriptor},
+                                 {"method", call.method->name},
+                                 {"arguments", tracedJson(call.method->arguments, call.arguments)},
+                                 {"results", results},
+                                 {"status", status ? Json{{"number", *status}, {"name", name}} : Json()},
+                                 {"milliseconds", milliseconds}});
             return;
         }
         char duration[32];
@@ -203,11 +204,12 @@ class Monitor {
                      << ") -> "
                      << (call.results.is_null() ? "no results"
                                                 : tracedText(call.method->results, call.results))
-                     << (status ? " (" + statusName(*status) + ")" : "") << duration << '\n';
+                     << (status ? " (" + name + ")" : "") << duration << '\n';
     }
 
     const Context& mContext;
     const std::set<const Method*>& mChosen;
+    Statuses mStatuses;
     uint64_t mShown = 0;
 };
 
@@ -239,7 +241,7 @@ Exit monitor(const Context& context) {
                                                  std::chrono::duration<double>(*options.timeout));
         watchdog.emplace(*options.timeout, context.err);
     }
-    Trace trace(*findService(context, findInterface(context.package, "Manager")));
+    Trace trace(*context.engine.find(findInterface(context.package, "Manager"), targetOf(context)));
     const EndSignals signals;
     watchdog.reset();
     if (!options.quiet) {

@@ -12,6 +12,7 @@
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/TracedCall.h"
 #include "tools/fapictl/Verbs.h"
@@ -135,9 +136,15 @@ class Ignored {
     std::set<const Method*> mMethods;
 };
 
-std::string shown(const Field& result, const Json& value) {
+std::string shown(const Context& context, Statuses& statuses, const Method& method, const Field& result,
+                  const Json& value) {
     const std::string text = tracedText(*result.type, forTrace(*result.type, value));
-    return result.label.name == kStatusResult ? text + " (" + statusName(value.get<int64_t>()) + ")" : text;
+    const bool isStatus = method.outcome() && &method.results[*method.outcome()] == &result;
+    return isStatus && value.is_number_integer()
+                   ? text + " (" +
+                             statuses.name(context.package, context.options.instance, value.get<int64_t>()) +
+                             ")"
+                   : text;
 }
 
 /** Where two texts or lists begin to differ, for those of which a line does not show all. */
@@ -156,8 +163,8 @@ std::string placeOf(const Type& type, const Json& before, const Json& now) {
     return type.kind == Type::Kind::List ? firstOf(before, now) : "";
 }
 
-void printDifference(const Context& context, const Step& step, const Field& result, const Json& before,
-                     const Json& now) {
+void printDifference(const Context& context, Statuses& statuses, const Step& step, const Field& result,
+                     const Json& before, const Json& now) {
     const TracedCall& call = step.call;
     if (!context.options.json.empty()) {
         printJson(context, {{"line", step.line},
@@ -170,8 +177,9 @@ void printDifference(const Context& context, const Step& step, const Field& resu
     }
     context.out << lineNumber(step.line) << ": " << titleOf(call) << '('
                 << tracedText(call.method->arguments, call.arguments) << "): " << result.label.name << " was "
-                << shown(result, before) << ", is " << shown(result, now)
-                << placeOf(*result.type, before, now) << '\n';
+                << shown(context, statuses, *call.method, result, before) << ", is "
+                << shown(context, statuses, *call.method, result, now) << placeOf(*result.type, before, now)
+                << '\n';
 }
 
 }  // namespace
@@ -179,6 +187,7 @@ void printDifference(const Context& context, const Step& step, const Field& resu
 Exit replay(const Context& context) {
     const Ignored ignored(context);
     const std::vector<Step> steps = readSteps(context);
+    Statuses statuses;
     uint64_t made = 0;
     uint64_t different = 0;
     for (const Step& step : steps) {
@@ -188,13 +197,14 @@ Exit replay(const Context& context) {
                         << " is not called: " << step.skipped << '\n';
             continue;
         }
-        const Json results = callForResults(context, *call.interface, *call.method, step.arguments);
+        const Json results =
+                context.engine.call(*call.interface, *call.method, step.arguments, targetOf(context)).results;
         ++made;
         bool differs = false;
         for (size_t i = 0; i < results.size() && !step.results.is_null(); ++i) {
             const Field& result = call.method->results[i];
             if (results[i] != step.results[i] && !ignored.has(*call.method, result)) {
-                printDifference(context, step, result, step.results[i], results[i]);
+                printDifference(context, statuses, step, result, step.results[i], results[i]);
                 differs = true;
             }
         }

@@ -111,9 +111,12 @@ std::string titleOf(const TracedCall& call) {
 }
 
 std::optional<int64_t> statusOf(const TracedCall& call) {
-    const auto at = call.results.find(kStatusResult);
-    return at == call.results.end() || !at->is_number_integer() ? std::nullopt
-                                                                : std::optional(at->get<int64_t>());
+    const std::optional<size_t> outcome = call.method->outcome();
+    if (!outcome || call.results.is_null()) {
+        return std::nullopt;
+    }
+    const Json& result = call.results.at(call.method->results[*outcome].label.name);
+    return result.is_number_integer() ? std::optional(result.get<int64_t>()) : std::nullopt;
 }
 
 std::string tracedText(const Type& type, const Json& value) {
