@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Writes docs/reference.md, every method of the package, from the comments of the interface files.
+"""Writes docs/reference.md, every method of the package, from the comments of the interface files, and the list of the
+simulated board's statuses in docs/board.md.
 
-make-reference.py FAPICTL             writes it, from what the tool (a built fapictl) says of the interfaces
-make-reference.py FAPICTL --check     fails when it is not up to date
+make-reference.py FAPICTL             writes both, the methods from what the tool (a built fapictl) says of them
+make-reference.py FAPICTL --check     fails when one is not up to date
 """
 
 import json
@@ -13,6 +14,8 @@ import sys
 
 DOCS = pathlib.Path(__file__).parent.parent / "docs"
 PAGE = DOCS / "reference.md"
+BOARD = DOCS / "board.md"
+STATUSES = DOCS.parent / "simulator/board/Status.h"
 # Where board.md lists the numbers that the simulated board's library gives an interface's things.
 NUMBERS = {
     "Audio": "audio",
@@ -91,19 +94,37 @@ def page(interfaces):
                 yield ""
 
 
+def board(text):
+    """The page of the board with the list of its statuses."""
+    source = STATUSES.read_text().replace("\\\n", " ")
+    entries = re.findall(r'STATUS\(k\w+, (-?\d+), *"([^"]*)",\s*("[^)]*")\)', source)
+    if len(entries) != source.count("STATUS(k"):
+        sys.exit(f"{STATUSES} has entries that are not read")
+    lines = ["| status | name | |", "|---|---|---|"]
+    for number, name, meaning in entries:
+        parts = re.findall(r'"([^"]*)"', meaning)
+        lines.append(f"| {number} | {name} | {''.join(parts)} |")
+    begin, end = "Status.h. -->\n", "<!-- End of the list. -->"
+    if text.count(begin) != 1 or text.count(end) != 1:
+        sys.exit("docs/board.md has no place for the list of statuses")
+    return text[:text.index(begin) + len(begin)] + "\n".join(lines) + "\n" + text[text.index(end):]
+
+
 def main():
     if len(sys.argv) not in (2, 3) or sys.argv[2:] not in ([], ["--check"]):
         sys.exit(__doc__)
     answer = subprocess.run([sys.argv[1], "introspect", "--json"], check=True, capture_output=True, text=True)
-    headings = re.findall(r"^#+ (.*)$", (DOCS / "board.md").read_text(), re.M)
+    headings = re.findall(r"^#+ (.*)$", BOARD.read_text(), re.M)
     lost = set(NUMBERS.values()) - {heading.lower().replace(" ", "-") for heading in headings}
     if lost:
         sys.exit(f"docs/board.md has no section {', '.join(sorted(lost))} any longer, to which numbers lead")
-    text = "\n".join(page(json.loads(answer.stdout))).rstrip("\n") + "\n"
-    if sys.argv[2:] != ["--check"]:
-        PAGE.write_text(text)
-    elif not PAGE.exists() or PAGE.read_text() != text:
-        sys.exit("docs/reference.md is not what the interface files say: run scripts/make-reference.py FAPICTL")
+    pages = {PAGE: "\n".join(page(json.loads(answer.stdout))).rstrip("\n") + "\n", BOARD: board(BOARD.read_text())}
+    for path, text in pages.items():
+        if path.exists() and path.read_text() == text:
+            continue
+        if sys.argv[2:] == ["--check"]:
+            sys.exit(f"docs/{path.name} is not what the sources say: run scripts/make-reference.py FAPICTL")
+        path.write_text(text)
 
 
 if __name__ == "__main__":

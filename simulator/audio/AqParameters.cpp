@@ -1,11 +1,11 @@
 #include "simulator/audio/AqParameters.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "simulator/audio/Sound.h"
 #include "simulator/board/Board.h"
 #include "simulator/board/Faults.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Files.h"
 #include "simulator/storage/IniStore.h"
@@ -136,7 +136,7 @@ int32_t AqParameters::load(const char* path) {
                                       ? "it has more than " + std::to_string(kMaxFileBytes) + " bytes"
                                       : parseAqFile(text, &file);
     if (!fault.empty()) {
-        fprintf(stderr, "board: no AQ parameters loaded from %s: %s\n", path, fault.c_str());
+        complain(std::string("no AQ parameters loaded from ") + path + ": " + fault);
         return kBadFile;
     }
 

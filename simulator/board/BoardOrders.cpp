@@ -6,6 +6,7 @@
 #include "simulator/board/Board.h"
 #include "simulator/board/ForcedStatus.h"
 #include "simulator/board/Module.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
 
@@ -43,7 +44,7 @@ std::string obey(const std::string& order) {
 int32_t forceOrder(const std::string& order) {
     const std::string fault = obey(order);
     if (!fault.empty()) {
-        fprintf(stderr, "board: nothing forced: %s\n", fault.c_str());
+        complain("nothing forced: " + fault);
         return kOutOfRange;
     }
     return kOk;
@@ -57,7 +58,7 @@ int32_t printState(const std::string& module) {
     }
     const std::string modules = Module::describeAll(module);
     if (!module.empty() && modules.empty()) {
-        fprintf(stderr, "board: no module \"%s\" that shows its state\n", module.c_str());
+        complain("no module \"" + module + "\" that shows its state");
         return kNotFound;
     }
     text += modules;

@@ -15,6 +15,7 @@
 #include "simulator/board/BoardOrders.h"
 #include "simulator/board/ChipCall.h"
 #include "simulator/board/DriveOrders.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/StateDirectory.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
@@ -168,21 +169,23 @@ int32_t carryOutOrder(const std::string& line) {
     if (isDriveOrder(line)) {
         const std::string refusal = drive(line);
         if (!refusal.empty()) {
-            fprintf(stderr, "board: not obeyed: %s\n", refusal.c_str());
+            complain("not obeyed: " + refusal);
         }
         return refusal.empty() ? kOk : kOutOfRange;
     }
     EventOrder order;
     const std::string fault = readEventOrder(line, &order);
     if (!fault.empty()) {
-        fprintf(stderr, "board: no event raised: %s\n", fault.c_str());
+        complain("no event raised: " + fault);
         return kOutOfRange;
     }
     const int32_t status = order.module->raise(order.type, order.payload);
     if (status == kNotSetUp) {
-        fprintf(stderr, "board: no event raised: the module is not set up\n");
+        complain("no event raised: the module is not set up");
     } else if (status != kOk) {
-        fprintf(stderr, "board: event 0x%x: the handler's result is %d\n", order.type, status);
+        char type[16];
+        snprintf(type, sizeof(type), "0x%x", order.type);
+        complain(std::string("event ") + type + ": the handler's result is " + std::to_string(status));
     }
     return status == kOk || status == kNotSetUp ? status : kNotTold;
 }

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -24,6 +25,7 @@ void tellFaults(const std::string& file, const std::vector<std::string>& faults)
         return fault.compare(0, 5, "line ") == 0 ? fault.substr(fault.find(':')) : fault;
     };
     for (const std::string& fault : faults) {
+        giveReason(file + ": " + fault);
         if (std::none_of(told.begin(), told.end(), [&](const std::string& before) {
                 return withoutNumber(before) == withoutNumber(fault);
             })) {

@@ -10,8 +10,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -39,9 +42,8 @@ std::string absolute(const std::string& path) {
 /** Says why there is no state, but only the first time. */
 void complainOnce(const std::string& path, const char* reason) {
     static std::atomic<bool> sSaid{false};
-    if (!sSaid.exchange(true)) {
-        fprintf(stderr, "board: cannot keep state in %s: %s\n", path.c_str(), reason);
-    }
+    const std::string complaint = "cannot keep state in " + path + ": " + reason;
+    sSaid.exchange(true) ? giveReason(complaint) : complain(complaint);
 }
 
 /** The failure that errno tells of. */
@@ -281,8 +283,14 @@ void StateDirectory::claim() const {
         const std::lock_guard<std::mutex> lock(mHolding);
         mClaimed = true;
     }
-    if (openRoot().status == kBusy) {
+    const int32_t status = openRoot().status;
+    if (status == kBusy) {
         exit(EXIT_FAILURE);
+    }
+    if (status == kOk) {
+        std::error_code unread;
+        const bool anew = std::filesystem::is_empty(mPath, unread);
+        fprintf(stderr, "board: %s its state in %s\n", anew ? "makes" : "goes on with", mPath.c_str());
     }
 }
 
@@ -349,8 +357,8 @@ int32_t StateFolder::write(const std::string& file, const std::function<int32_t(
     const int32_t status = folder.status == kOk ? body(folder) : folder.status;
     if (status != kOk) {
         const std::string reason = errno != 0 ? strerror(errno) : "status " + std::to_string(status);
-        fprintf(stderr, "board: %s/%s%s%s cannot be written: %s\n", mState.path().c_str(), mName.c_str(),
-                mName.empty() ? "" : "/", file.c_str(), reason.c_str());
+        complain(mState.path() + "/" + mName + (mName.empty() ? "" : "/") + file +
+                 " cannot be written: " + reason);
     }
     return status;
 }

@@ -66,10 +66,10 @@ class StateDirectory {
     Opened openFolder(const std::string& name, bool make = true) const;
 
     /**
-     * Keeps it for this process until that ends. Ends the process, with the reason on standard error, when
-     * another one has it: two services would overwrite what the other has acknowledged. A folder that cannot
-     * be had yet, or is removed and made anew, is claimed when it is next opened: kBusy when another has it
-     * then.
+     * Keeps it for this process until that ends, and says on standard error where it is and whether anything
+     * was in it. Ends the process, with the reason there, when another one has it: two services would
+     * overwrite what the other has acknowledged. A folder that cannot be had yet, or is removed and made
+     * anew, is claimed when it is next opened: kBusy when another has it then.
      */
     void claim() const;
 

@@ -21,8 +21,8 @@ def renamed(one):
 def function(index, one):
     arguments = ", ".join(parameter.name for parameter in one.parameters)
     return (f"int32_t {one.name}({one.declared}) {{\n"
-            f"    int32_t status = 0;\n"
-            f"    return simulator::sForcePoints[{index}].take(&status) ? status : board::{one.name}({arguments});\n"
+            f"    return simulator::carriedOut(simulator::sForcePoints[{index}],\n"
+            f"                                 [&] {{ return board::{one.name}({arguments}); }});\n"
             f"}}")
 
 

@@ -4,6 +4,8 @@
 #include "simulator/board/ChipCall.h"
 #include "simulator/board/EventPipe.h"
 #include "simulator/board/Module.h"
+#include "simulator/board/OwnParameters.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Registers.h"
 #include "simulator/modules/ChipLayer.h"
 #include "simulator/storage/BootVariables.h"
@@ -29,6 +31,19 @@ SecureStorage& secureStorage() {
 Registers& registers() {
     static Registers& sRegisters = *new Registers;
     return sRegisters;
+}
+
+int32_t obey(fapi_core::ZvtTvFApiSysFactorySvcCmd_e command, const char* order) {
+    switch (command) {
+        case fapi_core::SYS_FACTORY_SVC_CMD_RAISE_EVENT:
+            return carryOutOrder(order);
+        case fapi_core::SYS_FACTORY_SVC_CMD_FORCE_STATUS:
+            return forceOrder(order);
+        case fapi_core::SYS_FACTORY_SVC_CMD_DUMP_STATE:
+            return printState(order);
+    }
+    complain("there is no command " + std::to_string(command));
+    return kOutOfRange;
 }
 
 std::string describe();
@@ -132,15 +147,11 @@ int32_t a_zvttvfapi_sys_send_cmd_to_factory_svc(fapi_core::ZvtTvFApiSysFactorySv
         if (pu8Text == nullptr) {
             return kOutOfRange;
         }
-        switch (eCmd) {
-            case fapi_core::SYS_FACTORY_SVC_CMD_RAISE_EVENT:
-                return carryOutOrder(text(pu8Text));
-            case fapi_core::SYS_FACTORY_SVC_CMD_FORCE_STATUS:
-                return forceOrder(text(pu8Text));
-            case fapi_core::SYS_FACTORY_SVC_CMD_DUMP_STATE:
-                return printState(text(pu8Text));
+        const int32_t status = obey(eCmd, text(pu8Text));
+        if (status != kOk) {
+            keepRefusal(std::string(kOrderFunction) + " " + std::to_string(eCmd) + " " + text(pu8Text));
         }
-        return kOutOfRange;
+        return status;
     });
 }
 

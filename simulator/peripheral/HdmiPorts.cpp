@@ -9,6 +9,7 @@
 
 #include "simulator/board/Board.h"
 #include "simulator/board/Faults.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Files.h"
 #include "simulator/storage/IniStore.h"
@@ -135,7 +136,7 @@ int32_t HdmiPorts::replaceEdid(unsigned port, int version, size_t count, const u
     }
     const std::string fault = edidFault(bytes, count);
     if (!fault.empty()) {
-        fprintf(stderr, "board: EDID for HDMI port %u refused: %s\n", port, fault.c_str());
+        complain("EDID for HDMI port " + std::to_string(port) + " refused: " + fault);
         return kBadData;
     }
     const std::lock_guard<std::mutex> lock(mMutex);

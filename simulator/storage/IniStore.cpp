@@ -2,12 +2,12 @@
 
 #include <fcntl.h>
 
-#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <optional>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
 #include "simulator/storage/IniParser.h"
@@ -232,8 +232,8 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
             good = stored != nullptr && stored == values[i].second;
         }
         if (!good) {
-            fprintf(stderr, "board: %s/%s would not give back what is set in it: it stays as it is\n",
-                    mFolder.name().c_str(), name.c_str());
+            complain(mFolder.name() + "/" + name +
+                     " would not give back what is set in it: it stays as it is");
         }
         return good ? kOk : kBadFile;
     });

@@ -1,11 +1,11 @@
 #include "simulator/upgrade/FirmwareUpgrade.h"
 
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <thread>
 
 #include "simulator/board/Events.h"
+#include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/storage/Emmc.h"
 #include "simulator/storage/Files.h"
@@ -80,7 +80,7 @@ int32_t FirmwareUpgrade::load(Job& job, const char* path) {
             status == kOk ? faultOf(job.image, job.target)
                           : "it is larger than the target's " + std::to_string(area.size) + " bytes";
     if (!fault.empty()) {
-        fprintf(stderr, "board: no upgrade of target %u with %s: %s\n", job.target, path, fault.c_str());
+        complain("no upgrade of target " + std::to_string(job.target) + " with " + path + ": " + fault);
         return kBadImage;
     }
     return kOk;

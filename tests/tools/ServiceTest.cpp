@@ -9,6 +9,7 @@
 #include "tests/tools/Manager.h"
 #include "tests/tools/Service.h"
 #include "tools/fapictl/FactoryPackage.h"
+#include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 
 namespace fapictl {
@@ -42,6 +43,17 @@ TEST_F(Service, WritesItsStateWithTheOptionsThatItIsGiven) {
     const Ran page = tool({"debug", "thi*", "one", "two", "--instance", "state"});
     EXPECT_EQ(page.code, Exit::Success) << page.err;
     EXPECT_EQ(page.out, std::string(100'000, '.') + "\none\ntwo\n");
+}
+
+TEST_F(Service, IsAskedOnceForTheNameOfAStatusUnlessItIsNotReady) {
+    startAndWait("names");
+    Statuses statuses;
+    const auto name = [&](int64_t status) { return statuses.name(factoryPackage(), "names", status); };
+    EXPECT_EQ(name(7), name(7));
+    EXPECT_EQ(name(9), "library status");
+    EXPECT_EQ(name(9), "ninth");
+    EXPECT_EQ(name(10), "library status");  // it never answers
+    EXPECT_EQ(name(7), "named\\t1");
 }
 
 TEST_F(Service, ThatDiesDuringACallIsATransportFailure) {

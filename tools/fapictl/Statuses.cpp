@@ -147,8 +147,7 @@ std::string Statuses::refusal(const Package& package, const std::string& instanc
                               const Json& arguments) {
     {
         const std::lock_guard<std::mutex> lock(mKnown->mutex);
-        const Known::Library& library = mKnown->libraries[{package.name, instance}];
-        if (!library.tells && !library.names.empty()) {
+        if (!mKnown->libraries[{package.name, instance}].tells) {
             return "";
         }
     }

@@ -30,8 +30,8 @@ class Statuses {
 
     /**
      * Why the library refused this call when it was last made, in its words, which may hold any bytes; empty
-     * when it does not tell. To be asked after the status has been named. Arguments are as Method::call()
-     * takes them.
+     * when it does not tell, as one that has not named a status before. Arguments are as Method::call() takes
+     * them.
      */
     std::string refusal(const Package& package, const std::string& instance, const Method& method,
                         const Json& arguments);
