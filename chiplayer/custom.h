@@ -14,3 +14,10 @@ int _a_zvttvfapi_custom_init();
  * the low 8 bits count: zero keeps the service's log empty.
  */
 int _a_zvttvfapi_custom_init_debug_level();
+
+/**
+ * What the libraries take from their environment, for people: whole lines, each indented by two blanks, that
+ * last as long as the process. Asked, in place of everything else, by a service that is started for its help.
+ * A library may lack it.
+ */
+[[gnu::weak]] const char* _a_zvttvfapi_custom_help();

@@ -7,6 +7,8 @@
 #include <utils/StrongPointer.h>
 
 #include <cstdint>
+#include <cstdio>
+#include <cstring>
 
 #include "adapters/audio/ZvtTvFApiAudio.h"
 #include "adapters/display/ZvtTvFApiDisplay.h"
@@ -28,7 +30,12 @@ using ::android::hardware::configureRpcThreadpool;
 using ::android::hardware::joinRpcThreadpool;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0::implementation;
 
+/// What the transport takes from its environment, as the custom library's help has it; it may lack it.
+extern "C" [[gnu::weak]] const char* hidl_transport_help();
+
 namespace {
+
+constexpr const char* kInstance = "default";
 
 // Creates one interface object and registers it under "default". A refusal ends the process, whatever the
 // debug flag says: half a service is worse than one that the init system starts again. Its calls can be
@@ -36,16 +43,41 @@ namespace {
 template <typename Object>
 sp<Object> registered(const char* name) {
     sp<Object> object = new Traced<Object>();
-    const status_t status = object->registerAsService("default");
+    const status_t status = object->registerAsService(kInstance);
     if (status != OK) {
         __android_log_assert("status != OK", LOG_TAG, "Could not register %s as service", name);
     }
     return object;
 }
 
+// Answers arguments in place of serving. Returns the exit code.
+int answer(int argc, char** argv) {
+    if (argc != 2 || strcmp(argv[1], "--help") != 0) {
+        fprintf(stderr, "%s takes no arguments but --help\n", LOG_TAG);
+        return 2;
+    }
+    printf("Usage: %s\n\nServes a television's factory interfaces until it is ended, under the instance name "
+           "\"%s\":\n\n",
+           LOG_TAG, kInstance);
+    for (const char* descriptor :
+         {ZvtTvFApiAudio::descriptor, ZvtTvFApiDisplayTest::descriptor, ZvtTvFApiDisplay::descriptor,
+          ZvtTvFApiNetwork::descriptor, ZvtTvFApiPeripheral::descriptor, ZvtTvFApiInputSource::descriptor,
+          ZvtTvFApiSystem::descriptor, ZvtTvFApiInformation::descriptor, ZvtTvFApiTv::descriptor,
+          ZvtTvFApiManager::descriptor}) {
+        printf("  %s\n", descriptor);
+    }
+    printf("\nIt takes no arguments but --help. What its libraries take from the environment:\n\n%s%s",
+           hidl_transport_help != nullptr ? hidl_transport_help() : "",
+           _a_zvttvfapi_custom_help != nullptr ? _a_zvttvfapi_custom_help() : "");
+    return fflush(stdout) == 0 ? 0 : 1;
+}
+
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    if (argc > 1) {
+        return answer(argc, argv);
+    }
     // The most calls that are served at once; this thread is one of those that serve them.
     configureRpcThreadpool(10, true /* callerWillJoin */);
     u8TvFactoryDebug = static_cast<uint8_t>(_a_zvttvfapi_custom_init_debug_level());

@@ -13,6 +13,12 @@
 #include "platform/kernel/KernelBackend.h"
 #include "platform/socket/SocketBackend.h"
 
+const char* hidl_transport_help() {
+    return "  HIDL_TRANSPORT          socket (default) or binder\n"
+           "  HIDL_RUNTIME_DIR        with socket: where names are registered (default: /tmp/hidl-UID)\n"
+           "  HIDL_BINDER_DEVICE      with binder: the driver's device (default: /dev/hwbinder)\n";
+}
+
 namespace android::hardware {
 
 namespace {

@@ -10,6 +10,9 @@
 
 #include "platform/binding/Complaints.h"
 
+/** What the runtime takes from the environment, for people: whole lines. A device's has none. */
+extern "C" const char* hidl_transport_help();
+
 namespace android::hidl::manager::V1_0 {
 struct IServiceManager;
 }

@@ -14,4 +14,7 @@
 /** Makes what is missing of what a set leaves the factory with; 0 or a status. */
 [[gnu::weak]] int32_t boardStartDeliver();
 
+/** The variables that the board knows and the state folder that they choose: whole lines, for good. */
+[[gnu::weak]] const char* boardStartHelp();
+
 #pragma GCC visibility pop

@@ -13,6 +13,10 @@ int _a_zvttvfapi_custom_init() {
     return boardStartDeliver != nullptr ? boardStartDeliver() : 0;
 }
 
+const char* _a_zvttvfapi_custom_help() {
+    return boardStartHelp != nullptr ? boardStartHelp() : "";
+}
+
 /** $ZVTTV_DEBUG_LEVEL, an integer; 1 when absent, or when it is none, which is said on standard error. The
  * first call of a service that starts: one whose board is another's ends here, before it is seen by anybody.
  */
