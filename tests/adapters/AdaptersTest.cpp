@@ -134,8 +134,7 @@ class Scene {
 std::string unreadyAnswer(const fapictl::Method& method) {
     Json results = Json::array();
     for (const fapictl::Field& result : method.results) {
-        results.push_back(result.label.name == fapictl::kStatusResult ? Json(-5)
-                                                                      : fapictl::zeroValue(*result.type));
+        results.push_back(result.label.name == "s32Status" ? Json(-5) : fapictl::zeroValue(*result.type));
     }
     return cases::showAll(results);
 }
