@@ -79,7 +79,7 @@ start() {
     fi
     unset 'children[-1]'
     echo "   process $pid, ten interfaces registered after $(((${EPOCHREALTIME/./} - begin) / 1000)) ms"
-    echo "   state in ${ZVTTV_STATE_DIR#"$PWD/"}, log in ${log#"$PWD/"}"
+    echo "   the $(grep -m 1 '^board: .* its state in ' "$log"), log in ${log#"$PWD/"}"
 }
 
 # call CODE TEXT ARG...: runs fapictl, which is to end with that code and a line with that text.
@@ -139,7 +139,12 @@ ready_board() {
     call 0 's32Status .* 0\b' call information set_ini_para panel backlight:level "$level"
     call 0 "strIniValue .*\b$level\b" call information get_ini_para panel backlight:level
     call 0 'bEnable .* true' call information get_ip_enable_status 3
-    call 1 's32Status' call information get_ip_enable_status 9999
+    call 1 's32Status .*-102 \(out of range\)' call information get_ip_enable_status 9999
+    call 1 'the board: no event raised: "bogus" is not' call system send_cmd_to_factory_svc 0 "disp bogus"
+    if ! "$service" --help | grep -F "now $ZVTTV_STATE_DIR" >/dev/null; then
+        echo "!! --help does not tell the state folder"
+        exit 1
+    fi
     echo
 }
 
