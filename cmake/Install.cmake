@@ -19,10 +19,11 @@ set_target_properties(lazy-backtrace PROPERTIES INSTALL_RPATH "${android_folder}
 
 # Built before an install, which builds nothing.
 add_custom_target(installed)
-add_dependencies(installed ${programs} ${chip_layer} ${archives} lazy-backtrace)
+add_dependencies(installed ${programs} ${chip_layer} ${archives} lazy-backtrace zvttv-check-probe)
 
 install(TARGETS ${programs} RUNTIME)
 install(TARGETS ${chip_layer} LIBRARY DESTINATION ${libraries})
+install(TARGETS zvttv-check-probe LIBRARY DESTINATION lib/zvttvfactory)  # where fapictl looks, seen from itself
 install(FILES tools/fapictl/fapictl.bash
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME fapictl)
 

@@ -43,7 +43,10 @@ ROOMS = [
      for room in ("audio", "inputs", "network", "panel", "peripheral", "upgrade")] + [
     ("simulator/", [], ()),
     ("tools/hwservicemanager/", ["tools/hwservicemanager/", "platform/binding/CheckedLock.h", "platform/binding/Complaints.h", "platform/kernel/KernelBackend.h"], ANY),
-    ("tools/", ["tools/"], ANY),
+    # The probe stands where the service meets the chip layer. The tool knows what it reports, and no more of it.
+    ("tools/check/Report.h", [], ()),
+    ("tools/check/", ["tools/check/", "chiplayer/"], ANY),
+    ("tools/", ["tools/fapictl/", "tools/check/Report.h"], ANY),
     # What somebody without the tree can build.
     ("examples/", [], ("hidl/", "android/hidl/") + GENERATED),
     ("platform/include/", [], PLATFORM + ("hwbinder/", "sched.h", "sys/types.h")),
@@ -160,6 +163,8 @@ PLANTED = [
     ("tools/fapictl/T.cpp", "<CLI/CLI.hpp>", False),
     ("tools/fapictl/T.cpp", "<chiplayer/sys.h>", True),
     ("tools/fapictl/T.cpp", '"platform/socket/P.h"', True),
+    ("tools/fapictl/T.cpp", '"tools/check/P.h"', True),
+    ("tools/check/P.cpp", '"chiplayer/sys.h"', False),
     ("examples/e/E.cpp", '"platform/binding/B.h"', True),
 ]
 
@@ -171,7 +176,8 @@ def self_test():
             root = pathlib.Path(folder)
             for file in ["chiplayer/sys.h", "manager/M.h", "platform/binding/B.h", "platform/hidl/H.h",
                          "platform/hidl/H.h", "platform/socket/P.h", *(f"simulator/{room}/S.h" for room in ("audio", "board", "modules",
-                                                                                       "panel", "storage")), name]:
+                                                                                       "panel", "storage")),
+                         "tools/check/P.h", name]:
                 (root / file).parent.mkdir(parents=True, exist_ok=True)
                 (root / file).write_text("#pragma once\n")
             with open(root / name, "a", encoding="utf-8") as file:

@@ -157,6 +157,20 @@ constexpr const char* kReplayHelp =
         "the file is none of monitor's.\n\n"
         "  fapictl replay report --ignore get_temperature --ignore u32Uptime\n";
 
+constexpr const char* kCheckHelp =
+        "Says whether a chip-layer library keeps its promises (chiplayer/*.h). Starts a service of its own\n"
+        "on the two libraries in the folder, or on those that the service beside this program would load,\n"
+        "and calls every method: before the modules are started, not ready, at the bounds of each argument,\n"
+        "many at once. Shows for each function how long it takes, then what is wrong: functions that are\n"
+        "missing, have another signature, crash or do not come back (within --timeout, 10 s for each call);\n"
+        "that reach beyond a buffer, write to their input or use it later; texts without an end; counts\n"
+        "beyond the room; statuses of the service's own; exceptions; descriptors and threads left behind;\n"
+        "words on standard output; events with a lock held, of another module, or after the end.\n"
+        "Methods that change a board for good or may stop it are called with --all only. Ends with 1 when\n"
+        "there are faults. Not on a set.\n\n"
+        "  fapictl check\n"
+        "  fapictl check --all build/mine/lib\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -200,7 +214,7 @@ struct Parser {
                 ->delimiter(',');
         app.add_flag("--progress", options.progress, "show the events that come in while the method runs");
         app.add_flag("--quiet", options.quiet, "do not say when watching or monitoring begins");
-        app.add_flag("--all", options.all, "list other packages' services too");
+        app.add_flag("--all", options.all, "list other packages' services too; check dangerous methods too");
         app.add_flag("-h,--help", help, "print this help");
     }
 
@@ -339,7 +353,8 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     }
     warnAboutUselessOptions(parser, verb, err);
     // These go by the time themselves.
-    const bool watched = options.timeout && verb.run != wait && verb.run != watch && verb.run != monitor;
+    const bool watched = options.timeout && verb.run != wait && verb.run != watch && verb.run != monitor &&
+                         verb.run != check;
     const std::optional<Watchdog> watchdog =
             watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
     Engine engine(package);
@@ -464,6 +479,15 @@ const std::vector<Verb>& verbs() {
              1,
              1,
              replay},
+            {"check",
+             "[FOLDER]",
+             "see whether a chip-layer library is sound",
+             kCheckHelp,
+             Words::None,
+             {"json", "no-legend", "timeout", "all"},
+             0,
+             1,
+             check},
     };
     return all;
 }

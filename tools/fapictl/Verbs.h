@@ -67,6 +67,7 @@ Exit edid(const Context& context);
 Exit debug(const Context& context);
 Exit monitor(const Context& context);
 Exit replay(const Context& context);
+Exit check(const Context& context);
 
 /** The service that the options name, and how long they let it be waited for. */
 Target targetOf(const Context& context);
