@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,6 +33,7 @@ class ServiceFixture : public testing::Test {
         mRegistryPath = android::hardware::Registry::defaultPath();
         mState = mRegistryPath + "-state-" + std::to_string(++sCount);
         mLog = mState + ".log";
+        mReport = mState + ".report";
         setenv("ZVTTV_STATE_DIR", mState.c_str(), 1);
         setenv("ZVTTV_DEBUG_LEVEL", "1", 1);
         setenv("ZVTTV_BOARD_READY", "yes", 1);
@@ -41,6 +43,7 @@ class ServiceFixture : public testing::Test {
         mService.clear();
         std::filesystem::remove_all(mState);
         std::filesystem::remove(mLog);
+        std::filesystem::remove(mReport);
     }
 
     void start() { startAs({getenv("ZVTTV_TEST_SERVICE")}); }
@@ -79,22 +82,34 @@ class ServiceFixture : public testing::Test {
         EXPECT_THAT(child.wait(), code) << words[1] << ": " << text;
         return text;
     }
-    /** The tool's monitor that listens already; words of the shell follow it. */
-    ChildProcess monitor(const std::string& words) const {
+    /** The tool's monitor that listens already, and writes a report. */
+    ChildProcess monitor() const {
         const std::string listens = mState + ".listens";
-        ChildProcess child({"/bin/sh", "-c", "exec \"$ZVTTV_TEST_FAPICTL\" monitor --timeout 60 " + words},
-                           listens);
+        ChildProcess child(
+                {"/bin/sh", "-c", "exec \"$ZVTTV_TEST_FAPICTL\" monitor --json --timeout 60 > " + mReport},
+                listens);
         EXPECT_TRUE(eventually([&] { return !contentOf(listens).empty(); }));
         std::filesystem::remove(listens);
         return child;
     }
-    /** What the tool says when it makes the calls of a report again, and the results are the same. */
-    std::string replay(const std::string& report, const std::string& ignored) const {
-        const std::string path = mState + ".report";
-        std::ofstream(path) << report;
-        const std::string said = tool({"replay", path, "--ignore", ignored});
-        std::filesystem::remove(path);
-        return said;
+    /** The report so far, but for the line that is being written. */
+    std::vector<nlohmann::ordered_json> reported() const {
+        std::vector<nlohmann::ordered_json> lines;
+        std::ifstream report(mReport);
+        for (std::string line; std::getline(report, line) && !report.eof();) {
+            lines.push_back(nlohmann::ordered_json::parse(line));
+        }
+        return lines;
+    }
+    /** Its calls alone, without the tool's own questions about their statuses. */
+    std::vector<nlohmann::ordered_json> callsReported() const {
+        std::vector<nlohmann::ordered_json> calls;
+        for (const nlohmann::ordered_json& line : reported()) {
+            if (line.contains("arguments") && line["arguments"].value("strIniArg1", "") != "board") {
+                calls.push_back(line);
+            }
+        }
+        return calls;
     }
     static std::string contentOf(const std::string& path) {
         std::stringstream text;
@@ -106,6 +121,7 @@ class ServiceFixture : public testing::Test {
     std::string mRegistryPath;
     std::string mState;
     std::string mLog;
+    std::string mReport;
 
   private:
     std::vector<ChildProcess> mService;  // one at most
