@@ -43,14 +43,15 @@ void writePayload(const Context& context, const Json& value) {
 class Progress {
   public:
     explicit Progress(const Context& context) : mOutput(std::make_shared<Output>(&context.err)) {
-        const sp<Watcher> watcher = new Watcher({}, [output = mOutput](const Event& event) {
+        const auto listener = std::make_shared<EventListener>();
+        listener->take = [output = mOutput](const Event& event) {
             const std::lock_guard<std::mutex> lock(output->mutex);
             if (output->stream != nullptr) {
                 *output->stream << eventLine(++output->shown, event) << std::endl;
             }
-        });
-        subscribe(context.engine.find(findInterface(context.package, "Manager"), targetOf(context)), watcher,
-                  nullptr);
+        };
+        listener->died = [] {};
+        mWatches.add(context.engine, targetOf(context), listener);
     }
     ~Progress() {
         const std::lock_guard<std::mutex> lock(mOutput->mutex);
@@ -66,7 +67,8 @@ class Progress {
         uint64_t shown = 0;
     };
 
-    const std::shared_ptr<Output> mOutput;  // the watcher outlives us
+    const std::shared_ptr<Output> mOutput;  // the listener outlives us
+    Watches mWatches;
 };
 
 void print(const Context& context, const Method& method, const Answer& answer, size_t payload) {

@@ -171,6 +171,21 @@ constexpr const char* kCheckHelp =
         "  fapictl check\n"
         "  fapictl check --all build/mine/lib\n";
 
+constexpr const char* kSessionHelp =
+        "Serves JSON-RPC 2.0 on standard input and output, one message a line, until the input ends; for "
+        "programs that\n"
+        "make many calls or wait for events. Calls run at the same time, 64 at most, and are answered as "
+        "they "
+        "end.\n"
+        "Methods: version, list, introspect, call, watch, unwatch, post, capture, edid, wait; "
+        "docs/session.md "
+        "says what\n"
+        "each takes and gives. Each takes an instance and a timeout of its own instead of the options'.\n"
+        "Ends with 0 at the end of its input, once what is under way has been answered, or at once on Ctrl-C "
+        "or\n"
+        "SIGTERM; with 5 when nobody reads its output.\n\n"
+        "  echo '{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"version\"}' | fapictl session\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -354,7 +369,7 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     warnAboutUselessOptions(parser, verb, err);
     // These go by the time themselves.
     const bool watched = options.timeout && verb.run != wait && verb.run != watch && verb.run != monitor &&
-                         verb.run != check;
+                         verb.run != check && verb.run != session;
     const std::optional<Watchdog> watchdog =
             watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
     Engine engine(package);
@@ -488,6 +503,15 @@ const std::vector<Verb>& verbs() {
              0,
              1,
              check},
+            {"session",
+             "",
+             "serve requests of a program on standard input",
+             kSessionHelp,
+             Words::None,
+             {"instance", "timeout"},
+             0,
+             0,
+             session},
     };
     return all;
 }

@@ -241,6 +241,11 @@ Failure refused(const std::string& what, const Answer& answer) {
     return failure;
 }
 
+Failure notInTime(size_t missing, size_t wanted, const Target& target) {
+    return {Exit::NotFound, std::to_string(missing) + " of " + std::to_string(wanted) +
+                                    " not registered within " + Json(*target.seconds).dump() + " s"};
+}
+
 std::vector<Instance> registeredServices() {
     using android::hidl::manager::V1_0::IServiceManager;
     const sp<IServiceManager> manager = android::hardware::defaultServiceManager();

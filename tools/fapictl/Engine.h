@@ -82,6 +82,9 @@ class Engine {
 /** What a call with a status other than 0 comes to, where more was wanted than its results. */
 Failure refused(const std::string& what, const Answer& answer);
 
+/** What waiting for services has come to when some of them are missing. */
+Failure notInTime(size_t missing, size_t wanted, const Target& target);
+
 /** Every registered service, sorted. Throws Failure (Transport). */
 std::vector<Instance> registeredServices();
 

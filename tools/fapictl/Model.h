@@ -112,5 +112,4 @@ struct Package {
     std::vector<Interface> interfaces;
 };
 
-
 }  // namespace fapictl

@@ -16,9 +16,9 @@
 #include <set>
 #include <system_error>
 
-#include "tools/fapictl/Bell.h"
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Signals.h"
 #include "tools/fapictl/Statuses.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/TracedCall.h"

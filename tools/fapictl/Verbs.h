@@ -68,6 +68,7 @@ Exit debug(const Context& context);
 Exit monitor(const Context& context);
 Exit replay(const Context& context);
 Exit check(const Context& context);
+Exit session(const Context& context);
 
 /** The service that the options name, and how long they let it be waited for. */
 Target targetOf(const Context& context);

@@ -24,9 +24,7 @@ Exit wait(const Context& context) {
         table.print(context.out, !options.noLegend);
     }
     if (!missing.empty()) {
-        throw Failure(Exit::NotFound, std::to_string(missing.size()) + " of " +
-                                              std::to_string(wanted.size()) + " not registered within " +
-                                              Json(*options.timeout).dump() + " s");
+        throw notInTime(missing.size(), wanted.size(), targetOf(context));
     }
     return Exit::Success;
 }

@@ -17,10 +17,11 @@
 #include <system_error>
 #include <thread>
 
-#include "tools/fapictl/Bell.h"
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Events.h"
+#include "tools/fapictl/Filter.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Signals.h"
 #include "tools/fapictl/Verbs.h"
 #include "tools/fapictl/Watchdog.h"
 #include "tools/fapictl/Watcher.h"
@@ -36,8 +37,8 @@ using std::chrono::steady_clock;
  */
 constexpr size_t kQueueBytes = 8 << 20;
 
-/** The service's last events may come in after the notice of its death: how long without one is the end. */
-constexpr auto kAfterDeath = std::chrono::milliseconds(200);
+/** What a command has caused may come in after its end: how long without an event is the end. */
+constexpr auto kAfterCommand = std::chrono::milliseconds(200);
 
 /** Hands events from the threads that receive them to the one that prints. */
 class Queue {
@@ -149,15 +150,6 @@ class Command {
     const std::shared_ptr<std::atomic<int>> mStatus = std::make_shared<std::atomic<int>>(-1);
 };
 
-class DeathNotice : public android::hardware::hidl_death_recipient {
-  public:
-    explicit DeathNotice(std::shared_ptr<Queue> queue) : mQueue(std::move(queue)) {}
-    void serviceDied(uint64_t, const android::wp<IBase>&) override { mQueue->setDead(); }
-
-  private:
-    const std::shared_ptr<Queue> mQueue;
-};
-
 /** Sleeps until something happens or the time has come; false in the latter case. */
 bool sleepUntil(const Queue& queue, std::optional<steady_clock::time_point> time) {
     pollfd fds[] = {{queue.bell().fd(), POLLIN, 0}, {EndSignals::bell().fd(), POLLIN, 0}};
@@ -222,7 +214,7 @@ Exit print(const Context& context, Queue& queue, const Command* command,
             case Queue::State::Empty:
                 if (command != nullptr && ended && !options.count) {
                     // What it has caused may still be under way.
-                    const auto quiet = steady_clock::now() + kAfterDeath;
+                    const auto quiet = steady_clock::now() + kAfterCommand;
                     if (!sleepUntil(queue, deadline ? std::min(*deadline, quiet) : quiet)) {
                         return Exit::Success;
                     }
@@ -231,12 +223,9 @@ Exit print(const Context& context, Queue& queue, const Command* command,
                 }
                 break;
             case Queue::State::Dead:
-                if (!sleepUntil(queue, steady_clock::now() + kAfterDeath)) {
-                    throw Failure(Exit::Transport, "the service died; " + std::to_string(shown) +
-                                                           (shown == 1 ? " event was" : " events were") +
-                                                           " shown until then");
-                }
-                break;
+                throw Failure(Exit::Transport, "the service died; " + std::to_string(shown) +
+                                                       (shown == 1 ? " event was" : " events were") +
+                                                       " shown until then");
         }
     }
 }
@@ -250,11 +239,16 @@ Exit watch(const Context& context) {
         deadline = steady_clock::now() + std::chrono::duration_cast<steady_clock::duration>(
                                                  std::chrono::duration<double>(*options.timeout));
     }
-    // The callback and the notice stay with the runtime until the process ends, and the queue with them.
+    // The listener stays with the runtime until the process ends, and the queue with it.
     const auto queue = std::make_shared<Queue>();
-    const sp<Watcher> watcher = new Watcher(EventFilter(options.modules, options.types, options.matches),
-                                            [queue](Event event) { queue->push(std::move(event)); });
-    const sp<DeathNotice> notice = new DeathNotice(queue);
+    const auto listener = std::make_shared<EventListener>();
+    listener->take = [queue, filter = EventFilter(options.modules, options.types, options.matches)](
+                             const Event& event) {
+        if (filter.takes(event)) {
+            queue->push(event);
+        }
+    };
+    listener->died = [queue] { queue->setDead(); };
     // Whatever ends the watch, the callback must not wait for room that nobody makes.
     struct Closer {
         Queue& queue;
@@ -265,9 +259,8 @@ Exit watch(const Context& context) {
     if (options.timeout) {
         watchdog.emplace(*options.timeout, context.err);
     }
-    const sp<IBase> service =
-            context.engine.find(findInterface(context.package, "Manager"), targetOf(context));
-    const sp<IBase> manager = subscribe(service, watcher, notice);
+    Watches watches;
+    watches.add(context.engine, targetOf(context), listener);
     const EndSignals signals;
     watchdog.reset();
     if (!options.quiet) {
