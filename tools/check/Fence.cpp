@@ -42,7 +42,8 @@ constexpr char kPaint = '\xA5';
 FenceSlot sSlots[512];
 std::atomic<unsigned> sNext{0};
 // Set once, at the first call.
-struct sigaction sBefore[2];
+constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGABRT, SIGILL, SIGFPE};
+struct sigaction sBefore[std::size(kSignals)];
 
 constexpr size_t roundedUp(size_t size, size_t to) {
     return (size + to - 1) / to * to;
@@ -77,10 +78,13 @@ FenceSlot* slotAt(const char* address) {
 
 void onSignal(int number, siginfo_t* info, void*) {
     const auto* const address = static_cast<const char*>(info->si_addr);
-    FenceSlot* const slot = info->si_code > 0 ? slotAt(address) : nullptr;
+    FenceSlot* const slot =
+            info->si_code > 0 && (number == SIGSEGV || number == SIGBUS) ? slotAt(address) : nullptr;
     if (slot == nullptr) {
         // Not ours: it happens again, and ends the process as it would have.
-        sigaction(number, &sBefore[number == SIGBUS], nullptr);
+        reportEnd();
+        const int* const known = std::find(std::begin(kSignals), std::end(kSignals), number);
+        sigaction(number, &sBefore[known - kSignals], nullptr);
         return;
     }
     if (!slot->told.exchange(true)) {
@@ -164,8 +168,9 @@ void watchFences() {
     struct sigaction action = {};
     action.sa_sigaction = onSignal;
     action.sa_flags = static_cast<int>(SA_SIGINFO | SA_NODEFER);
-    sigaction(SIGSEGV, &action, &sBefore[0]);
-    sigaction(SIGBUS, &action, &sBefore[1]);
+    for (size_t i = 0; i < std::size(kSignals); ++i) {
+        sigaction(kSignals[i], &action, &sBefore[i]);
+    }
 }
 
 }  // namespace check

@@ -48,7 +48,7 @@ class Fence {
     FenceSlot* mSlot = nullptr;  // null without fences
 };
 
-/** Has the faults at fences come in. Once, before the first fence. */
+/** Has the faults at fences come in, and those that end the process. Once, before the first fence. */
 void watchFences();
 
 }  // namespace check

@@ -266,6 +266,10 @@ void report(const char* function, const std::string& text) {
     write({"fault", function, text});
 }
 
+void reportEnd() {
+    write({"end", thread()});
+}
+
 Call::Call(Point& point, const void* caller) : mPoint(point), mChecked(sReport >= 0 && isService(caller)) {
     // In main(), when all that looks after signals has been set up.
     if (mChecked) {

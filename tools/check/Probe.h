@@ -39,6 +39,9 @@ extern const Module kModules[8];
 /** A function has broken its word: appended to the report. Any thread. */
 void report(const char* function, const std::string& text);
 
+/** This thread ends the process. */
+void reportEnd();
+
 /** One call of a function, from the service into the library. */
 class Call {
   public:

@@ -12,6 +12,7 @@
 //     done THREAD NAME STATUS NANOSECONDS         it has come back
 //     fault NAME TEXT                             the function has broken its word
 //     event MODULE TYPE                           the module has raised an event
+//     end THREAD                                  the thread ends the process by a signal
 //     order LETTER                                an order has been carried out
 namespace check {
 

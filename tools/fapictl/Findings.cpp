@@ -20,7 +20,9 @@ void Findings::take(const std::vector<std::string>& words) {
             mFunctions.push_back({words[1], words[2], words[3], words[4]});
         }
     } else if (kind == "call" && words.size() == 3) {
-        mAtWork[words[1]] = words[2];
+        if (!mEnding) {
+            mAtWork[words[1]] = words[2];
+        }
         if (Function* const function = find(words[2]); function != nullptr) {
             ++function->calls;
         }
@@ -34,6 +36,9 @@ void Findings::take(const std::vector<std::string>& words) {
         }
     } else if (kind == "fault" && words.size() == 3) {
         fault(words[1], words[2]);
+    } else if (kind == "end" && words.size() == 2 && mAtWork.count(words[1]) > 0) {
+        mAtWork = {{words[1], mAtWork[words[1]]}};
+        mEnding = true;
     } else if (kind == "event" && words.size() == 3) {
         ++mEvents[words[1]];
     }

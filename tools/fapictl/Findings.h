@@ -37,7 +37,10 @@ class Findings {
 
     /** Functions that have been called and have not come back, in all since the service was started. */
     std::vector<std::string> atWork() const;
-    void forgetWork() { mAtWork.clear(); }
+    void forgetWork() {
+        mAtWork.clear();
+        mEnding = false;
+    }
     /** Functions that were called since begin(), the readiness answer aside; each once, in order. */
     const std::vector<std::string>& called() const { return mCalled; }
 
@@ -60,6 +63,7 @@ class Findings {
     std::vector<Fault> mFaults;
     std::set<std::string> mKnown;                // of the faults, without numbers
     std::map<std::string, std::string> mAtWork;  // by the thread
+    bool mEnding = false;                        // only the one that ends the service is at work
     std::vector<std::string> mCalled;
     std::map<std::string, size_t> mEvents;
     std::string mDuring;
