@@ -92,7 +92,9 @@ struct Watches::Place {
     std::mutex mutex;
     // Guarded by mutex.
     std::shared_ptr<Channel> channel;
-    sp<IBase> manager;  // its death is told while we have it
+    // Its death is told while we have both.
+    sp<IBase> manager;
+    sp<android::hardware::hidl_death_recipient> notice;
 };
 
 namespace {
@@ -205,7 +207,7 @@ Watches::Subscription Watches::add(Engine& engine, const Target& target,
         const auto channel = std::make_shared<Channel>();
         channel->listeners = {listener};
         const sp<IBase> service = engine.find(findInterface(engine.package(), "Manager"), target);
-        // Both stay with the runtime, and the channel with them.
+        // It stays with the runtime, and the channel with it.
         const sp<Watcher> watcher = new Watcher([channel](const Event& event) { channel->tell(event); });
         const sp<DeathNotice> notice = new DeathNotice([channel] {
             channel->die();
@@ -216,6 +218,7 @@ Watches::Subscription Watches::add(Engine& engine, const Target& target,
             }
         });
         place->manager = subscribe(service, watcher, notice);
+        place->notice = notice;
         place->channel = channel;
     }
     Subscription subscription;
