@@ -2,11 +2,16 @@
 // the lines below, indented. The section says what is done with the words of an input, which are those of
 // tests/cases/Method.h or stand between 'single quotes' as they are. FILES is a folder; "..." is any text.
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <ctime>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <map>
+#include <set>
+#include <sstream>
 
 #include "tests/cases/Method.h"
 #include "tests/support/Shortened.h"
@@ -19,6 +24,7 @@
 #include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Filter.h"
 #include "tools/fapictl/Records.h"
+#include "tools/fapictl/Session.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Values.h"
 
@@ -137,6 +143,37 @@ std::string replayed(const Words& words) {
     return shown(ran);
 }
 
+/** What a session answers to these lines, sorted: answers come as they are there. */
+std::string session(const Words& lines) {
+    int in[2];
+    int out[2];
+    EXPECT_EQ(0, pipe2(in, O_CLOEXEC) | pipe2(out, O_CLOEXEC));
+    for (const std::string& line : lines) {
+        EXPECT_EQ(static_cast<ssize_t>(line.size() + 1),
+                  write(in[1], (line + '\n').c_str(), line.size() + 1));
+    }
+    close(in[1]);
+    const Bell never;
+    const SessionEnd end = serveSession(testPackage(), {}, in[0], out[1], never);
+    EXPECT_FALSE(end.outputGone);
+    EXPECT_EQ(end.leftBehind, 0);
+    close(in[0]);
+    close(out[1]);
+    std::string text(1 << 20, '\0');
+    const ssize_t count = read(out[0], text.data(), text.size());
+    close(out[0]);
+    std::istringstream answers(text.substr(0, count > 0 ? static_cast<size_t>(count) : 0));
+    std::multiset<std::string> sorted;
+    for (std::string line; std::getline(answers, line);) {
+        sorted.insert(line);
+    }
+    std::string all;
+    for (const std::string& line : sorted) {
+        all += line + '\n';
+    }
+    return all;
+}
+
 const std::map<std::string, std::function<std::string(const Words&)>> kSections = {
         {"[value]", value},
         {"[bind]", bind},
@@ -152,6 +189,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kSections 
              return nearest(words.at(0), {words.begin() + 1, words.end()});
          }},
         {"[complete]", [](const Words& words) { return joined(complete(testPackage(), words)); }},
+        {"[session]", session},
         {"[thing]", [](const Words& words) { return shown(ran(testPackage(), words)); }},
         {"[replay]", replayed},
         {"[factory]", [](const Words& words) { return shown(ran(factoryPackage(), words)); }},
@@ -264,7 +302,8 @@ TEST_P(Cases, Hold) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Cases,
-                         testing::Values("values.cases", "events.cases", "commands.cases", "replay.cases"));
+                         testing::Values("values.cases", "events.cases", "commands.cases", "replay.cases",
+                                         "session.cases"));
 
 }  // namespace
 }  // namespace fapictl

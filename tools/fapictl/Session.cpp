@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <cstring>
 #include <iterator>
@@ -26,6 +27,7 @@ constexpr size_t kLongestLine = 16 << 20;
 constexpr size_t kReadBytes = 64 << 10;
 /** Threads without work that are kept for the next. */
 constexpr int kIdle = 4;
+constexpr std::chrono::milliseconds kUntilEnded(100);
 
 [[noreturn]] void fail(const char* call) {
     throw std::system_error(errno, std::generic_category(), call);
@@ -144,8 +146,9 @@ class Session : public std::enable_shared_from_this<Session> {
         mWriter->close();
         mStop.ring();
         std::unique_lock<std::mutex> lock(mMutex);
-        mChanged.wait(lock, [&] { return mThreads == mServing; });
-        return {gone, mServing};
+        // Who has just answered is about to end; a call that was answered by its deadline is not.
+        mChanged.wait_for(lock, kUntilEnded, [&] { return mThreads == 0; });
+        return {gone, mThreads};
     }
 
   private:
