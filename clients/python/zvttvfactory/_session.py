@@ -14,13 +14,13 @@ import weakref
 from typing import Any, Callable, Deque, Dict, List, Mapping, Optional, Sequence
 
 from .errors import (
-    CallFailed, DeadlineExceeded, Error, NotRegistered, OutputError, ServiceDied, SessionError, UsageError,
+    CallFailed, DeadlineExceeded, Error, NotRegistered, OutputError, ServiceDied, SessionError, StatusError, UsageError,
 )
 
 PROTOCOL = 1
 
-# The session answers no more requests at once; further threads wait for their turn.
-_AT_ONCE = 64
+# Further threads wait for their turn. The session takes twice as many: one that is answered counts a little longer.
+_AT_ONCE = 32
 # How long beyond a request's deadline the session may take to say that it has passed.
 _GRACE = 5.0
 # How long the session may take to start and to tell its version. Through a cable and a debug bridge, seconds.
@@ -39,16 +39,19 @@ Notified = Callable[[str, Dict[str, Any]], None]
 class _Request:
     """One request that is under way. `done` tells when `result` or `error` is there."""
 
-    def __init__(self, answered: Optional[Callable[[Any], None]]) -> None:
+    def __init__(self, method: str, answered: Optional[Callable[[Any], None]]) -> None:
+        self.method = method
         self.done = threading.Event()
         self.answered = answered
         self.result: Any = None
         self.error: Optional[Error] = None
 
 
-def _error_of(error: Mapping[str, Any]) -> Error:
+def _error_of(method: str, error: Mapping[str, Any]) -> Error:
     code, message = error.get("code"), str(error.get("message"))
     data = error.get("data")
+    if code == -32001 and isinstance(data, dict):
+        return StatusError(method, data.get("status"), "", message, None)
     if code == -32003:
         return NotRegistered(message)
     if code == -32004:
@@ -135,7 +138,7 @@ class Session:
                 wait = max(0.0, begin + wait - time.monotonic())
                 if method not in _AT_HAND:
                     params = {**params, "timeout": wait}
-            request = _Request(answered)
+            request = _Request(method, answered)
             with self._lock:
                 if self._broken is not None:
                     raise self._fresh(self._broken)
@@ -209,7 +212,7 @@ class Session:
         if request is None:
             return  # its caller has given up
         if "error" in message:
-            request.error = _error_of(message["error"])
+            request.error = _error_of(request.method, message["error"])
         else:
             request.result = message["result"]
             if request.answered is not None:

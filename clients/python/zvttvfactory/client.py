@@ -253,9 +253,11 @@ class Tv(interfaces.Interfaces):
              timeout: Optional[float] = None) -> List[Service]:
         """Waits until the interfaces are registered, all of the package when none is named, and with ready until the
         library behind them can be called. Raises NotRegistered when they are not in time."""
-        params: Dict[str, Any] = {"ready": ready, "instance": instance or self._instance}
+        params: Dict[str, Any] = {"instance": instance or self._instance}
         if interfaces:
             params["interfaces"] = list(interfaces)
+        if ready:
+            params["ready"] = True
         return [Service(one["interface"], one["instance"], one.get("pid"))
                 for one in self._request("wait", params, timeout)]
 

@@ -44,11 +44,11 @@ class SessionError(Error):
 class StatusError(Error):
     """The service refused: its status is not 0, or it says that the thing was not done.
 
-    :ivar method: the method's whole name
+    :ivar method: the method's whole name, or "capture" or "edid"
     :ivar number: the status; None of a method that has none and only tells whether it was done
-    :ivar name: the status's name, such as "out of range"
+    :ivar name: the status's name, such as "out of range"; "" where it is not known
     :ivar reason: why, where the service tells; else ""
-    :ivar results: the named tuple that the call would have given with check=False
+    :ivar results: the named tuple that the call would have given with check=False; None where there is none
     """
 
     def __init__(self, method: str, number: Optional[int], name: str, reason: str, results: Any) -> None:
@@ -60,5 +60,5 @@ class StatusError(Error):
         self.results = results
 
     def __str__(self) -> str:
-        status = self.name if self.number is None else f"{self.number} ({self.name})"
+        status = self.name if self.number is None else f"{self.number} ({self.name})" if self.name else str(self.number)
         return f"{self.method}: {status}" + (f": {self.reason}" if self.reason else "")
