@@ -8,8 +8,8 @@ import signal
 import sys
 from typing import Any, Dict
 
-EVENT: Dict[str, Any] = {"watch": 1, "number": 1, "time": "2026-11-23T21:56:24.123+0200", "module": "sys", "type": 0x10001,
-         "records": [{"value": 7, "text": "hello", "bytes": "00ff"}, {}, {}, {}]}
+EVENT: Dict[str, Any] = {"watch": 1, "number": 1, "time": "2026-11-23T21:56:24.123+0200", "module": "sys",
+                         "type": 0x10001, "records": [{"value": 7, "text": "hello", "bytes": "00ff"}, {}, {}, {}]}
 
 
 def send(**message: Any) -> None:
@@ -38,7 +38,8 @@ def main(does: str, *words: str) -> None:
         for request in reversed([next(requests) for _ in range(int(words[0]))]):
             answer(request)
     elif does == "refuse":
-        send(id=next(requests)["id"], error={"code": int(words[0]), "message": "its words", "data": json.loads(words[1])})
+        send(id=next(requests)["id"],
+             error={"code": int(words[0]), "message": "its words", "data": json.loads(words[1])})
     elif does == "die":
         next(requests)
         print("fake: about to end", file=sys.stderr, flush=True)

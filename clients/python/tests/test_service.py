@@ -56,7 +56,7 @@ def phases(tv: Tv) -> ZvtTvFApiAdcPhase_t:
         1, ZvtTvFApiDispTstPattern(stForeground=ZvtTvFApiDispTstColor(u32Red=1023, u8Alpha=255))), None),
     (lambda tv: tv.displaytest.gen_test_pattern(1, {"stForeground": {"u32Red": 1023}}), None),
     (lambda tv: tv.displaytest.set_burning_mode_adv(True, 1, [ZvtTvFApiColor(1), {}]), None),
-    (lambda tv: tv.call("information", "ip_enable_status", [3])[:4],
+    (lambda tv: tv.call("information", "get_ip_enable_status", [3])[:4],
      ("a_hidl_zvttvfapi_info_get_ip_enable_status", {"bEnable": True, "s32Status": 0}, 0, False)),
     (lambda tv: tv.version["package"], PACKAGE),
     (lambda tv: len(tv.services()), 10),
@@ -88,7 +88,8 @@ def test_what_calls_give(tv: Tv, does: Callable[[Tv], Any], gives: Any) -> None:
     (lambda tv: tv.edid(9), Error, ""),
     (lambda tv: tv.events(module="nix").__enter__(), zvttvfactory.UsageError, "nix"),
     (lambda tv: tv.wait("Audio", instance="other", timeout=0.01), zvttvfactory.NotRegistered, ""),
-    (lambda tv: tv.call("Audio", "adv_get_volume", [0], instance="other"), zvttvfactory.NotRegistered, "other"),
+    (lambda tv: tv.call("Audio", "adv_get_volume", [0], instance="other", timeout=0.01), zvttvfactory.NotRegistered,
+     "other"),
 ])
 def test_what_goes_wrong_is_told_apart(tv: Tv, does: Callable[[Tv], Any], error: Type[Exception], says: str) -> None:
     with pytest.raises(error, match=says) as caught:
@@ -105,6 +106,15 @@ def test_a_refusal_brings_what_the_call_would_have_given(board: Board, tv: Tv) -
     with pytest.raises(zvttvfactory.StatusError) as caught:
         tv.peripheral.write_factory_uart("x", 1)
     assert (caught.value.number, caught.value.results) == (None, (False,))
+
+
+def test_waiting_for_the_library_ends_when_it_is_ready(board: Board, tv: Tv) -> None:
+    board.not_ready()
+    with pytest.raises(zvttvfactory.NotRegistered, match="not ready within"):
+        tv.wait(ready=True, timeout=0.05)
+    board.not_ready(100)
+    tv.wait(ready=True)
+    tv.system.sync_fs()
 
 
 def test_a_text_that_is_not_utf8_comes_with_a_warning(tv: Tv) -> None:
@@ -133,7 +143,8 @@ def test_calls_of_many_threads_run_at_once_and_end_with_the_service(board: Board
         with tv.events(module="sys") as events:
             upgrade = threads.submit(tv.system.upgrade_fw, 2, firmware)
             events.next(10)  # it is under way
-            answers = list(threads.map(lambda number: tv.information.get_ip_enable_status(number % 13).bEnable, range(400)))
+            answers = list(threads.map(lambda number: tv.information.get_ip_enable_status(number % 13).bEnable,
+                                       range(400)))
             assert answers[:13] * 30 == answers[:390] and not upgrade.done()
             board.kill()
             with pytest.raises(zvttvfactory.ServiceDied):
@@ -162,7 +173,7 @@ def test_events_are_selected_and_none_is_lost(tv: Tv) -> None:
     assert 2 not in [event.records[0].value for event in some]
 
 
-def test_the_simulated_board_can_be_left_out(pytester: pytest.Pytester, board: Board) -> None:
+def test_the_simulated_board_can_be_left_out(board: Board, pytester: pytest.Pytester) -> None:
     pytester.makepyfile("""
         def test_any(tv):
             tv.audio.adv_set_volume(0, 77)

@@ -1,4 +1,4 @@
-"""A service on a simulated board of its own, for tests. On the host alone; a real board has nobody who could turn it."""
+"""A service on a simulated board of its own, for tests. On the host alone."""
 
 from __future__ import annotations
 
@@ -19,8 +19,8 @@ from .errors import Error, NotRegistered
 
 SERVICE = "vendor.zentrovi.tv.zvttvfactory@1.0-service"
 
-# How long the service may take to register, and to carry out an order. On an idle machine some tens of milliseconds, and
-# less than one.
+# How long the service may take to register, and to carry out an order. On an idle machine some tens of milliseconds,
+# and less than one.
 _PATIENCE = 30.0
 # What the service says of an order that it does not carry out.
 _REFUSAL = re.compile(r"^board: (?:not obeyed|nothing forced|no event raised|event 0x[0-9a-f]+|no module).*$", re.M)
