@@ -53,7 +53,7 @@ cmake --build "$here/client/build" >"$here/build.log" 2>&1 || fail "the client d
 
 "$here/client/build/factory-client" 60 >>"$here/client.log" 2>&1 &
 children+=($!)
-start_service
+ZVTTV_BOARD_READY=500 start_service # the client asks again
 eventually 'connected: version sim-1.0.0, status 0' "$here/client.log"
 "$moved/bin/fapictl" post 0x10001 'value=7 text=first'
 eventually 'event of sys: 65537, 7, first' "$here/client.log"
