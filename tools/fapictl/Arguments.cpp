@@ -55,23 +55,17 @@ bool isName(std::string_view word) {
     });
 }
 
-/** A positional word with a '=' in it may be an argument's name with a slip of the hand. */
+/**
+ * A positional word with a '=' in it is an argument's name with a slip of the hand, unless its place is one
+ * where such words may stand.
+ */
 void refuseMisspeltName(const Method& method, const Field& argument, const std::string& word) {
     Assignment assignment;
-    if (!split(word, assignment) || !isName(assignment.name) || holdsRecords(*argument.type)) {
-        return;
+    if (argument.type->kind != Type::Kind::Text && !holdsRecords(*argument.type) && split(word, assignment) &&
+        isName(assignment.name)) {
+        throw Failure(Exit::Usage, "no argument " + inQuotes(assignment.name) +
+                                           suggestion(assignment.name, argumentNames(method)));
     }
-    const std::vector<std::string> names = argumentNames(method);
-    const bool text = argument.type->kind == Type::Kind::Text;
-    const std::string near = nearest(assignment.name, names);
-    if (text && (near.empty() || editDistance(near, assignment.name) > 2)) {
-        return;
-    }
-    std::string message = "no argument " + inQuotes(assignment.name) + suggestion(assignment.name, names);
-    if (text) {
-        message += " To pass it as text, write " + argument.label.name + "=" + word;
-    }
-    throw Failure(Exit::Usage, message);
 }
 
 void requireAll(const Method& method, const std::vector<bool>& given) {

@@ -10,6 +10,7 @@
 #include "tools/fapictl/Arguments.h"
 #include "tools/fapictl/Display.h"
 #include "tools/fapictl/Names.h"
+#include "tools/fapictl/Values.h"
 #include "tools/fapictl/Verbs.h"
 #include "tools/fapictl/Watcher.h"
 
@@ -119,10 +120,16 @@ Exit call(const Context& context) {
     const bool takesObject =
             std::any_of(method.arguments.begin(), method.arguments.end(),
                         [](const Field& one) { return one.type->kind == Type::Kind::Interface; });
+    if (options.arguments && options.words.size() > 2) {
+        throw Failure(Exit::Usage, "all arguments are in --args; it takes none beside it, as " +
+                                           inQuotes(options.words[2]));
+    }
     Json arguments;
     try {
-        arguments = bindArguments(method,
-                                  std::vector<std::string>(options.words.begin() + 2, options.words.end()));
+        arguments = options.arguments
+                            ? bindArguments(method, readJson(*options.arguments, "--args"))
+                            : bindArguments(method, std::vector<std::string>(options.words.begin() + 2,
+                                                                             options.words.end()));
     } catch (const Failure& failure) {
         throw takesObject ? Failure(failure.code, std::string(failure.what()) + kObjectHint) : failure;
     }

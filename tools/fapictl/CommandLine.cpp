@@ -38,15 +38,25 @@ constexpr const char* kCallHelp =
         "Each ARG is a value in the method's order, or NAME=VALUE, in any mixture. Values by type:\n"
         "  number       12, -3, 0x1f, 0o755\n"
         "  bool         true, false, on, off, 1, 0\n"
-        "  text         as it is\n"
+        "  text         as it is, or @FILE for a file's contents; @@ for one that begins with @\n"
         "  enumeration  a name or a number\n"
         "  bytes        dead, de:ad, or @FILE for a file's contents\n"
         "  list         1,2,3 or JSON; with semicolons between records\n"
         "  record       FIELD=VALUE,FIELD=VALUE or JSON, or a word for each part: NAME.FIELD=VALUE,\n"
-        "               NAME.LIST[0]=VALUE; fields that are not given are zero\n"
+        "               NAME.LIST[0]=VALUE; fields that are not given are zero. A value in it that holds\n"
+        "               commas stands in brackets or quotes: LIST=[1,2],INNER={A=1},TEXT=\"a, b\"\n"
         "  object       null\n"
-        "@FILE works for lists and records too; @- is standard input. Write -- before arguments that begin\n"
-        "with a minus sign and are no numbers.\n";
+        "The last elements of an array may be left out, except of one of bytes; they are zero. @FILE works "
+        "for\n"
+        "lists and records too; @- is standard input. Write -- before arguments that begin with a minus "
+        "sign\n"
+        "and are no numbers.\n"
+        "With --args, the arguments are one JSON object by their names, or an array in order. Its strings "
+        "may\n"
+        "hold any of the above, except for texts, which are taken as they are.\n\n"
+        "  fapictl call system read_file /test.txt 0 16\n"
+        "  fapictl call system write_file /test.txt @notes.txt bAppend=off bAddCrLf=off\n"
+        "  fapictl call system --args '{\"strVarName\":\"a\",\"strVarValue\":\"@b\"}' set_emmc_env_var\n";
 
 constexpr const char* kWatchHelp =
         "Prints a line for each event as it comes in: its number in this watch, the local time, the module, "
@@ -208,6 +218,10 @@ struct Parser {
                        "write the first text or bytes among the results to a file as they are; - is standard "
                        "output")
                 ->type_name("FILE");
+        app.add_option(
+                   "--args", options.arguments,
+                   "all arguments as a JSON object or array; @FILE for a file with it, - for standard input")
+                ->type_name("JSON");
         app.add_option("--module", options.modules, "show a module's events; may be given several times")
                 ->type_name("M")
                 ->allow_extra_args(false)
@@ -407,7 +421,7 @@ const std::vector<Verb>& verbs() {
              "call a method and show its results",
              kCallHelp,
              Words::Method,
-             {"json", "no-legend", "instance", "timeout", "out", "progress"},
+             {"args", "json", "no-legend", "instance", "timeout", "out", "progress"},
              2,
              kAnyNumber,
              call},

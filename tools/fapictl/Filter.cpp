@@ -24,13 +24,9 @@ std::string findModule(const std::string& word) {
     const auto at = std::find_if(all.begin(), all.end(),
                                  [&](const std::string& one) { return equalIgnoringCase(one, word); });
     if (at == all.end()) {
-        std::string names;
-        for (const std::string& one : all) {
-            names += (names.empty() ? "" : ", ") + one;
-        }
         const std::string near = suggestion(word, all);
         throw Failure(Exit::Usage,
-                      "no module " + inQuotes(word) + (near.empty() ? "; there are " + names : near));
+                      "no module " + inQuotes(word) + (near.empty() ? "; there are " + listed(all) : near));
     }
     return *at;
 }

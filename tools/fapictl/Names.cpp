@@ -139,16 +139,19 @@ const Method& findMethod(const Interface& interface, std::string_view name) {
         found = matchMethods(interface, name);
     }
     if (found.empty()) {
-        const std::string advice = interface.methods.empty() ? "; " + shortName(interface) + " has no methods"
-                                                             : suggestion(name, allForms(interface.methods));
+        const std::string near = suggestion(name, allForms(interface.methods));
+        const std::string advice = interface.methods.empty()
+                                           ? "; " + shortName(interface) + " has no methods"
+                                           : near + (near.empty() ? "; see" : " See") +
+                                                     " fapictl introspect " + shortName(interface);
         throw Failure(Exit::Usage, "no method " + inQuotes(name) + " in " + shortName(interface) + advice);
     }
     if (found.size() > 1) {
-        std::string list;
+        std::vector<std::string> names;
         for (const Method* method : found) {
-            list += (list.empty() ? "" : ", ") + method->name;
+            names.push_back(method->name);
         }
-        throw Failure(Exit::Usage, inQuotes(name) + " could be any of " + list);
+        throw Failure(Exit::Usage, inQuotes(name) + " could be any of " + listed(names));
     }
     return *found.front();
 }
@@ -211,6 +214,22 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {
     const std::string near = nearest(name, candidates);
     return near.empty() ? "" : "; did you mean " + inQuotes(near) + "?";
+}
+
+std::string listed(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& one : names) {
+        list += (list.empty() ? "" : ", ") + one;
+    }
+    return list;
+}
+
+std::string choiceOf(std::string_view name, const std::vector<std::string>& candidates) {
+    constexpr size_t kFew = 8;
+    if (candidates.empty() || candidates.size() > kFew) {
+        return suggestion(name, candidates);
+    }
+    return (candidates.size() == 1 ? "; there is " : "; there are ") + listed(candidates);
 }
 
 }  // namespace fapictl

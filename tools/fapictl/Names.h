@@ -44,4 +44,10 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
 /** The nearest candidate as "; did you mean "X"?", or empty. */
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);
 
+/** "A, B, C" */
+std::string listed(const std::vector<std::string>& names);
+
+/** All candidates when they are few, as "; there are A, B", or the suggestion. */
+std::string choiceOf(std::string_view name, const std::vector<std::string>& candidates);
+
 }  // namespace fapictl

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
-#include <cstdint>
 #include <iterator>
 
 #include "tools/fapictl/Failure.h"
@@ -53,41 +51,6 @@ size_t endOfText(std::string_view text, std::string_view signs) {
     return text.size();
 }
 
-/** Takes a quoted value from the front of the text, which starts with the quote. */
-std::string takeQuoted(std::string_view& rest, const std::string& where) {
-    std::string out;
-    for (size_t i = 1; i < rest.size(); ++i) {
-        const char c = rest[i];
-        if (c == '"') {
-            rest.remove_prefix(i + 1);
-            if (!rest.empty() && kSeparators.find(rest[0]) == std::string_view::npos) {
-                refuse(where,
-                       "a comma or blank must follow the closing quote, not " + inQuotes(rest.substr(0, 1)));
-            }
-            return out;
-        }
-        if (c != '\\') {
-            out += c;
-            continue;
-        }
-        const std::string_view escape = rest.substr(++i, 3);
-        constexpr std::string_view kNames = "ntr\\\"";
-        const size_t name = escape.empty() ? std::string_view::npos : kNames.find(escape[0]);
-        uint8_t byte = 0;
-        if (name != std::string_view::npos) {
-            out += "\n\t\r\\\""[name];
-        } else if (escape.size() == 3 && escape[0] == 'x' &&
-                   std::from_chars(escape.data() + 1, escape.data() + 3, byte, 16).ptr == escape.data() + 3) {
-            out += static_cast<char>(byte);
-            i += 2;
-        } else {
-            refuse(where,
-                   "no escape \\" + escaped(escape.substr(0, 1)) + R"(; there are \n \t \r \\ \" and \xNN)");
-        }
-    }
-    refuse(where, "the closing quote is missing");
-}
-
 RecordPart::Key findKey(std::string_view name, bool afterText, const std::string& where) {
     std::vector<std::string> names;
     for (size_t i = 0; i < std::size(kKeys); ++i) {
@@ -133,6 +96,10 @@ std::vector<RecordPart> splitRecord(std::string_view record, bool patterns, cons
         rest.remove_prefix(name.size() + 1);
         if (!rest.empty() && rest[0] == '"') {
             part.value = takeQuoted(rest, where);
+            if (!rest.empty() && kSeparators.find(rest[0]) == std::string_view::npos) {
+                refuse(where,
+                       "a comma or blank must follow the closing quote, not " + inQuotes(rest.substr(0, 1)));
+            }
         } else {
             afterText = part.key == RecordPart::Key::Text;
             const size_t end = afterText ? endOfText(rest, signs)

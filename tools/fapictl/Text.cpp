@@ -1,6 +1,9 @@
 #include "tools/fapictl/Text.h"
 
 #include <algorithm>
+#include <charconv>
+
+#include "tools/fapictl/Failure.h"
 
 namespace fapictl {
 namespace {
@@ -86,6 +89,36 @@ std::string escaped(std::string_view text) {
 
 std::string inQuotes(std::string_view text) {
     return '"' + escapedWith(text, true) + '"';
+}
+
+std::string takeQuoted(std::string_view& rest, const std::string& where) {
+    std::string out;
+    for (size_t i = 1; i < rest.size(); ++i) {
+        const char c = rest[i];
+        if (c == '"') {
+            rest.remove_prefix(i + 1);
+            return out;
+        }
+        if (c != '\\') {
+            out += c;
+            continue;
+        }
+        const std::string_view escape = rest.substr(++i, 3);
+        constexpr std::string_view kNames = "ntr\\\"";
+        const size_t name = escape.empty() ? std::string_view::npos : kNames.find(escape[0]);
+        uint8_t byte = 0;
+        if (name != std::string_view::npos) {
+            out += "\n\t\r\\\""[name];
+        } else if (escape.size() == 3 && escape[0] == 'x' &&
+                   std::from_chars(escape.data() + 1, escape.data() + 3, byte, 16).ptr == escape.data() + 3) {
+            out += static_cast<char>(byte);
+            i += 2;
+        } else {
+            throw Failure(Exit::Usage, where + ": no escape \\" + escaped(escape.substr(0, 1)) +
+                                               R"(; there are \n \t \r \\ \" and \xNN)");
+        }
+    }
+    throw Failure(Exit::Usage, where + ": the closing quote is missing");
 }
 
 std::string toHex(const std::vector<uint8_t>& bytes) {

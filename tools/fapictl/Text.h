@@ -18,6 +18,12 @@ std::string escaped(std::string_view text);
 /** escaped() between double quotes, the quotes inside escaped too. */
 std::string inQuotes(std::string_view text);
 
+/**
+ * Takes such a quoted text from the front of `rest`, which starts with the quote. Throws Failure (Usage)
+ * whose message names `where`.
+ */
+std::string takeQuoted(std::string_view& rest, const std::string& where);
+
 /** "deadbeef" */
 std::string toHex(const std::vector<uint8_t>& bytes);
 

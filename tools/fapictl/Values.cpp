@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <set>
 
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Names.h"
@@ -17,6 +19,8 @@ namespace {
 /** Far above what one call can carry; keeps an endless file from filling the memory. */
 constexpr size_t kLargestFile = 16 << 20;
 constexpr size_t kLongestQuote = 60;
+/** Of JSON: no value has so many, and what shows one calls itself for each. */
+constexpr int kDeepest = 64;
 
 [[noreturn]] void refuse(const Type& type, const std::string& where, std::string_view given,
                          const std::string& reason) {
@@ -27,6 +31,12 @@ constexpr size_t kLongestQuote = 60;
     throw Failure(Exit::Usage, where + " (" + type.name + "): " + reason + "; given " + shown);
 }
 
+[[noreturn]] void refuseJson(const Type& type, const std::string& where, const Json& given,
+                             const std::string& reason) {
+    refuse(type, where, given.dump(), reason);
+}
+
+/** The contents of what @FILE names. */
 std::string readFile(const Type& type, std::string_view word, const std::string& where) {
     const std::string path(word.substr(1));
     // Not a stream: some standard libraries' take a read error, as of a directory, for the end of the file.
@@ -107,7 +117,7 @@ Json parseEnumeration(const Type& type, std::string_view word, const std::string
         (std::isdigit(static_cast<unsigned char>(word[0])) || word[0] == '-' || word[0] == '+')) {
         return parseInteger(type, word, where);
     }
-    refuse(type, where, word, "no such name" + suggestion(word, choices(type)));
+    refuse(type, where, word, "no such name" + choiceOf(word, choices(type)));
 }
 
 Json parseBytes(const Type& type, std::string_view word, const std::string& where) {
@@ -128,10 +138,18 @@ Json parseBytes(const Type& type, std::string_view word, const std::string& wher
     return Json::binary(std::move(bytes));
 }
 
-void checkCount(const Type& type, size_t count, std::string_view word, const std::string& where) {
-    if (type.count && count != *type.count) {
+/** Of an array of bytes, which are given whole. */
+void checkSize(const Type& type, size_t size, std::string_view word, const std::string& where) {
+    if (type.count && size != *type.count) {
         refuse(type, where, word,
-               "needs " + std::to_string(*type.count) + " elements, not " + std::to_string(count));
+               "needs " + std::to_string(*type.count) + " bytes, not " + std::to_string(size));
+    }
+}
+
+/** Of any other array the last elements may be left out. */
+void fillUp(const Type& type, Json& list) {
+    while (type.count && list.size() < *type.count) {
+        list.push_back(zeroValue(*type.element));
     }
 }
 
@@ -139,38 +157,118 @@ std::string at(const std::string& where, size_t index) {
     return where + "[" + std::to_string(index) + "]";
 }
 
-/** The pieces between the separators, without the blanks around them; a blank text has none. */
-std::vector<std::string_view> split(std::string_view text, std::string_view separators) {
-    std::vector<std::string_view> pieces;
-    constexpr std::string_view kBlanks = " \t\r\n";
-    while (true) {
-        text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-        if (text.empty() && pieces.empty()) {
-            return pieces;
+constexpr std::string_view kBlanks = " \t\r\n";
+
+std::string_view withoutBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+bool startsWithAny(std::string_view text, std::string_view characters) {
+    return !text.empty() && characters.find(text[0]) != std::string_view::npos;
+}
+
+/** The length of the quoted text or of the brackets that the text begins with; npos when they do not end. */
+size_t closedLength(std::string_view text) {
+    std::string closing;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const bool inside = !closing.empty() && closing.back() == '"';
+        if (inside && c == '\\') {
+            ++i;
+        } else if (!closing.empty() && c == closing.back()) {
+            closing.pop_back();
+        } else if (!inside && (c == '"' || c == '[' || c == '{')) {
+            closing += c == '"' ? '"' : c == '[' ? ']' : '}';
         }
-        const size_t end = std::min(text.find_first_of(separators), text.size());
-        const std::string_view piece = text.substr(0, end);
-        pieces.push_back(piece.substr(0, piece.find_last_not_of(kBlanks) + 1));
-        if (end == text.size()) {
-            return pieces;
+        if (closing.empty()) {
+            return i + 1;
         }
-        text.remove_prefix(end + 1);
     }
+    return std::string_view::npos;
+}
+
+/** Where one of the separators is, outside of what is quoted or in brackets behind a '='. */
+size_t findSeparator(std::string_view text, std::string_view separators) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (separators.find(text[i]) != std::string_view::npos) {
+            return i;
+        }
+        if (text[i] == '=' && startsWithAny(text.substr(i + 1), "\"[{")) {
+            const size_t length = closedLength(text.substr(i + 1));
+            i += length == std::string_view::npos ? 0 : length;
+        }
+    }
+    return text.size();
+}
+
+/**
+ * Takes a value from the front of the text: between quotes, between brackets if it has parts, or up to one of
+ * the separators, which stays.
+ */
+Json takeValue(const Type& type, std::string_view& rest, std::string_view separators,
+               const std::string& where) {
+    const bool text = type.kind == Type::Kind::Text;
+    const bool parts = type.kind == Type::Kind::List || type.kind == Type::Kind::Record;
+    const std::string_view start = rest.substr(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+    if (startsWithAny(start, "\"")) {
+        rest = start;
+        const std::string value = takeQuoted(rest, where);
+        return text ? Json(value) : parseValue(type, value, where);
+    }
+    if (parts && startsWithAny(start, "[{")) {
+        const size_t length = closedLength(start);
+        if (length == std::string_view::npos) {
+            refuse(type, where, start, "a closing bracket is missing");
+        }
+        rest = start.substr(length);
+        return parseValue(type, start.substr(0, length), where);
+    }
+    rest = text ? rest : start;
+    const size_t end =
+            parts ? findSeparator(rest, separators) : std::min(rest.find_first_of(separators), rest.size());
+    const std::string_view value = rest.substr(0, end);
+    rest.remove_prefix(end);
+    return parseValue(type, text ? value : withoutBlanks(value), where);
 }
 
 Json parseList(const Type& type, std::string_view word, const std::string& where) {
-    // Lists and records hold commas of their own.
+    // Lists and records hold commas of their own, unless they stand in brackets.
     const bool nested = type.element->kind == Type::Kind::List || type.element->kind == Type::Kind::Record;
+    std::string_view rest = withoutBlanks(word);
+    const std::string_view marks = !nested ? "," : startsWithAny(rest, "[{") ? ",;" : ";";
+    // Numbers in a file stand on lines as often as between commas.
+    const bool lines = !nested && type.element->kind != Type::Kind::Text;
+    const std::string separators = std::string(marks) + std::string(lines ? kBlanks : "");
     Json list = Json::array();
-    for (const std::string_view piece : split(word, nested ? ";" : ",")) {
-        // Numbers in a file stand on lines as often as between commas.
-        const bool inner = !nested && !piece.empty() && type.element->kind != Type::Kind::Text;
-        for (const std::string_view element :
-             inner ? split(piece, " \t\r\n") : std::vector<std::string_view>{piece}) {
-            list.push_back(parseValue(*type.element, element, at(where, list.size())));
+    bool more = !rest.empty();
+    while (more) {
+        if (type.count && list.size() == *type.count) {
+            refuse(type, where, word, "has " + std::to_string(*type.count) + " elements, not more");
+        }
+        list.push_back(takeValue(*type.element, rest, separators, at(where, list.size())));
+        const bool blank = startsWithAny(rest, kBlanks);
+        rest = withoutBlanks(rest);
+        more = !rest.empty();
+        if (startsWithAny(rest, marks)) {
+            rest.remove_prefix(1);
+        } else if (more && !(lines && blank)) {
+            refuse(type, where, rest, "a separator is missing");
         }
     }
+    fillUp(type, list);
     return list;
+}
+
+/** "stPlace.s16X" for each field in a record inside this one whose own name it is. */
+void findInside(const Type& type, std::string_view name, const std::string& path,
+                std::vector<std::string>& found) {
+    for (const Field& field : type.fields) {
+        if (!path.empty() && equalIgnoringCase(field.label.name, name)) {
+            found.push_back(path + field.label.name);
+        }
+        findInside(*field.type, name, path + field.label.name + ".", found);
+    }
 }
 
 const Field& findField(const Type& type, std::string_view name, std::string_view given,
@@ -182,28 +280,101 @@ const Field& findField(const Type& type, std::string_view name, std::string_view
         }
         names.push_back(field.label.name);
     }
-    refuse(type, where, given, "no field " + inQuotes(name) + suggestion(name, names));
+    std::vector<std::string> inside;
+    findInside(type, name, "", inside);
+    refuse(type, where, given,
+           "no field " + inQuotes(name) + (inside.empty() ? choiceOf(name, names) : choiceOf(name, inside)));
+}
+
+/** A part of a value. */
+struct Place {
+    const Type& type;
+    Json& value;
+    std::string where;
+};
+
+/** `path` is as assign() takes it; `given` is for the message. */
+Place locate(const Type& type, Json& value, std::string_view path, std::string_view given,
+             const std::string& where) {
+    if (path.empty()) {
+        return {type, value, where};
+    }
+    const size_t end = std::min(path.find_first_of(".[", 1), path.size());
+    std::string_view step = path.substr(1, end - 1);
+    if (path[0] == '.' && type.kind == Type::Kind::Record) {
+        const Field& field = findField(type, step, given, where);
+        return locate(*field.type, value[field.label.name], path.substr(end), given,
+                      where + "." + field.label.name);
+    }
+    uint64_t index = 0;
+    bool overflow = false;
+    if (path[0] != '[' || type.kind != Type::Kind::List || step.empty() || step.back() != ']' ||
+        !parseDigits(step.substr(0, step.size() - 1), index, overflow)) {
+        refuse(type, where, given, "has no part " + inQuotes(path));
+    }
+    if (type.isBytes()) {
+        refuse(type, where, given, "is given whole, not byte by byte");
+    }
+    // A list grows one by one, so that a slip of the hand does not make it a billion long.
+    if (overflow || index > value.size() || (type.count && index == value.size())) {
+        refuse(type, where, given,
+               "has " + std::to_string(value.size()) + " elements, no number " +
+                       std::string(step.substr(0, step.size() - 1)));
+    }
+    if (index == value.size()) {
+        value.push_back(zeroValue(*type.element));
+    }
+    return locate(*type.element, value[index], path.substr(end), given, at(where, index));
 }
 
 Json parseRecord(const Type& type, std::string_view word, const std::string& where) {
     Json record = zeroValue(type);
-    std::string_view rest = word;
+    std::vector<std::string> set;
+    std::string_view rest = withoutBlanks(word);
     do {
-        const size_t end = std::min(rest.find(','), rest.size());
-        const std::string_view part = rest.substr(0, end);
+        const std::string_view part = rest.substr(0, findSeparator(rest, ","));
         const size_t equals = part.find('=');
         if (equals == std::string_view::npos) {
             refuse(type, where, word, "neither JSON nor field=value,field=value");
         }
-        assign(type, record, "." + std::string(part.substr(0, equals)), part.substr(equals + 1), where);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        const Place place = locate(type, record, "." + std::string(withoutBlanks(part.substr(0, equals))),
+                                   part.substr(equals + 1), where);
+        // Neither twice, nor the whole behind its part.
+        for (const std::string& one : set) {
+            const std::string_view start = std::string_view(one).substr(0, place.where.size());
+            if (start == place.where && (one == start || startsWithAny(one.substr(start.size()), ".["))) {
+                refuse(place.type, place.where, part.substr(equals + 1), "is given twice");
+            }
+        }
+        set.push_back(place.where);
+        rest.remove_prefix(equals + 1);
+        place.value = takeValue(place.type, rest, ",", place.where);
+        rest = withoutBlanks(rest);
+        if (!rest.empty() && rest[0] != ',') {
+            refuse(place.type, place.where, rest, "a comma is missing");
+        }
+        rest = withoutBlanks(rest.substr(std::min<size_t>(1, rest.size())));
     } while (!rest.empty());
     return record;
 }
 
-bool isJson(std::string_view word) {
-    const size_t first = word.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && (word[first] == '{' || word[first] == '[');
+/** A list or record that begins with a bracket: JSON, or what else may stand in brackets. */
+Json parseInBrackets(const Type& type, std::string_view text, const std::string& where) {
+    if (const std::optional<Json> json = parseJson(text, where)) {
+        return checkValue(type, *json, where);
+    }
+    const std::string_view all = withoutBlanks(text);
+    const size_t length = closedLength(all);
+    if (length == std::string_view::npos) {
+        refuse(type, where, text, "a closing bracket is missing");
+    }
+    const bool own = length == all.size() && (all[0] == '[') == (type.kind == Type::Kind::List);
+    if (type.isBytes() || (type.kind == Type::Kind::Record && !own)) {
+        refuse(type, where, text, "not valid JSON");
+    }
+    const std::string_view inside = own ? all.substr(1, length - 2) : all;
+    return type.kind == Type::Kind::Record ? parseRecord(type, inside, where)
+                                           : parseList(type, inside, where);
 }
 
 }  // namespace
@@ -211,11 +382,15 @@ bool isJson(std::string_view word) {
 Json parseValue(const Type& type, std::string_view word, const std::string& where) {
     std::string contents;
     std::string_view text = word;
-    if ((type.kind == Type::Kind::List || type.kind == Type::Kind::Record) && !word.empty() &&
-        word[0] == '@') {
+    const bool isText = type.kind == Type::Kind::Text;
+    if (isText && word.substr(0, 2) == "@@") {
+        return std::string(word.substr(1));
+    }
+    if ((isText || type.kind == Type::Kind::List || type.kind == Type::Kind::Record) &&
+        startsWithAny(word, "@")) {
         contents = readFile(type, word, where);
         if (type.isBytes()) {
-            checkCount(type, contents.size(), word, where);
+            checkSize(type, contents.size(), word, where);
             return Json::binary(std::vector<uint8_t>(contents.begin(), contents.end()));
         }
         text = contents;
@@ -238,24 +413,30 @@ Json parseValue(const Type& type, std::string_view word, const std::string& wher
         case Type::Kind::Record:
             break;
     }
-    if (isJson(text)) {
-        const Json json = Json::parse(text, nullptr, false);
-        if (json.is_discarded()) {
-            refuse(type, where, word, "not valid JSON");
-        }
-        return checkValue(type, json, where);
+    if (startsWithAny(withoutBlanks(text), "[{")) {
+        return parseInBrackets(type, text, where);
     }
     if (type.kind == Type::Kind::Record) {
         return parseRecord(type, text, where);
     }
-    Json list = type.isBytes() ? parseBytes(type, text, where) : parseList(type, text, where);
-    checkCount(type, list.is_binary() ? list.get_binary().size() : list.size(), word, where);
-    return list;
+    if (!type.isBytes()) {
+        return parseList(type, text, where);
+    }
+    Json bytes = parseBytes(type, text, where);
+    checkSize(type, bytes.get_binary().size(), word, where);
+    return bytes;
 }
 
 Json checkValue(const Type& type, const Json& json, const std::string& where) {
     if (json.is_string()) {
-        return parseValue(type, json.get_ref<const std::string&>(), where);
+        const auto& text = json.get_ref<const std::string&>();
+        if (type.kind == Type::Kind::Text) {
+            return json;
+        }
+        if (text == "@-") {
+            refuse(type, where, text, "standard input cannot be named in JSON");
+        }
+        return parseValue(type, text, where);
     }
     switch (type.kind) {
         case Type::Kind::Boolean:
@@ -276,19 +457,32 @@ Json checkValue(const Type& type, const Json& json, const std::string& where) {
             break;
         case Type::Kind::List:
             if (json.is_array()) {
-                checkCount(type, json.size(), json.dump(), where);
+                if (type.count && json.size() > *type.count) {
+                    refuseJson(type, where, json,
+                               "has " + std::to_string(*type.count) + " elements, not " +
+                                       std::to_string(json.size()));
+                }
                 Json list = Json::array();
                 for (const Json& element : json) {
                     list.push_back(checkValue(*type.element, element, at(where, list.size())));
                 }
-                return type.isBytes() ? Json::binary(list.get<std::vector<uint8_t>>()) : list;
+                if (type.isBytes()) {
+                    checkSize(type, list.size(), json.dump(), where);
+                    return Json::binary(list.get<std::vector<uint8_t>>());
+                }
+                fillUp(type, list);
+                return list;
             }
             break;
         case Type::Kind::Record:
             if (json.is_object()) {
                 Json record = zeroValue(type);
+                std::set<std::string> set;
                 for (const auto& [name, value] : json.items()) {
-                    const Field& field = findField(type, name, json.dump(), where);
+                    const Field& field = findField(type, name, value.dump(), where);
+                    if (!set.insert(field.label.name).second) {
+                        refuseJson(*field.type, where + "." + field.label.name, value, "is given twice");
+                    }
                     record[field.label.name] = checkValue(*field.type, value, where + "." + field.label.name);
                 }
                 return record;
@@ -297,41 +491,44 @@ Json checkValue(const Type& type, const Json& json, const std::string& where) {
         case Type::Kind::Text:
             break;
     }
-    refuse(type, where, json.dump(), std::string("a JSON ") + json.type_name() + " does not fit");
+    refuseJson(type, where, json, std::string("a JSON ") + json.type_name() + " does not fit");
 }
 
 void assign(const Type& type, Json& value, std::string_view path, std::string_view word,
             const std::string& where) {
-    if (path.empty()) {
-        value = parseValue(type, word, where);
-        return;
+    const Place place = locate(type, value, path, word, where);
+    place.value = parseValue(place.type, word, place.where);
+}
+
+std::optional<Json> parseJson(std::string_view text, const std::string& where) {
+    std::vector<std::set<std::string>> objects;
+    const auto check = [&](int depth, Json::parse_event_t event, Json& parsed) {
+        if (depth > kDeepest) {
+            throw Failure(Exit::Usage, where + ": JSON of more than " + std::to_string(kDeepest) + " levels");
+        }
+        if (event == Json::parse_event_t::object_start) {
+            objects.emplace_back();
+        } else if (event == Json::parse_event_t::object_end) {
+            objects.pop_back();
+        } else if (event == Json::parse_event_t::key &&
+                   !objects.back().insert(parsed.get<std::string>()).second) {
+            throw Failure(Exit::Usage, where + ": " + parsed.dump() + " is given twice");
+        }
+        return true;
+    };
+    Json json = Json::parse(text, check, false);
+    return json.is_discarded() ? std::nullopt : std::optional<Json>(std::move(json));
+}
+
+Json readJson(std::string_view word, const std::string& where) {
+    static const Type kJson = {Type::Kind::Record, "JSON"};
+    const std::string file = word == "-" ? "@-" : std::string(word);
+    const std::string contents = startsWithAny(file, "@") ? readFile(kJson, file, where) : file;
+    std::optional<Json> json = parseJson(contents, where);
+    if (!json) {
+        refuse(kJson, where, contents, "not valid JSON");
     }
-    const size_t end = std::min(path.find_first_of(".[", 1), path.size());
-    std::string_view step = path.substr(1, end - 1);
-    if (path[0] == '.' && type.kind == Type::Kind::Record) {
-        const Field& field = findField(type, step, word, where);
-        assign(*field.type, value[field.label.name], path.substr(end), word, where + "." + field.label.name);
-        return;
-    }
-    uint64_t index = 0;
-    bool overflow = false;
-    if (path[0] != '[' || type.kind != Type::Kind::List || step.empty() || step.back() != ']' ||
-        !parseDigits(step.substr(0, step.size() - 1), index, overflow)) {
-        refuse(type, where, word, "has no part " + inQuotes(path));
-    }
-    if (type.isBytes()) {
-        refuse(type, where, word, "is given whole, not byte by byte");
-    }
-    // A list grows one by one, so that a slip of the hand does not make it a billion long.
-    if (overflow || index > value.size() || (type.count && index == value.size())) {
-        refuse(type, where, word,
-               "has " + std::to_string(value.size()) + " elements, no number " +
-                       std::string(step.substr(0, step.size() - 1)));
-    }
-    if (index == value.size()) {
-        value.push_back(zeroValue(*type.element));
-    }
-    assign(*type.element, value[index], path.substr(end), word, at(where, index));
+    return std::move(*json);
 }
 
 Json zeroValue(const Type& type) {

@@ -19,11 +19,12 @@ struct Options {
     bool all = false;
     std::string instance = "default";
     bool instanceGiven = false;
-    std::optional<double> timeout;     // seconds
-    std::vector<std::string> modules;  // whose events to show, empty for all
-    std::vector<std::string> types;    // of the events to show, empty for all
-    std::vector<std::string> matches;  // what their records have
-    std::optional<int64_t> count;      // of events
+    std::optional<double> timeout;         // seconds
+    std::vector<std::string> modules;      // whose events to show, empty for all
+    std::vector<std::string> types;        // of the events to show, empty for all
+    std::vector<std::string> matches;      // what their records have
+    std::optional<int64_t> count;          // of events
+    std::optional<std::string> arguments;  // of a call, as JSON, @FILE or -
     bool quiet = false;
     bool progress = false;
     std::vector<std::string> ignored;  // methods and results that may differ
