@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <set>
 #include <sstream>
 #include <thread>
 
@@ -15,6 +14,7 @@
 #include "simulator/board/BoardOrders.h"
 #include "simulator/board/ChipCall.h"
 #include "simulator/board/DriveOrders.h"
+#include "simulator/board/EventRecords.h"
 #include "simulator/board/Refusals.h"
 #include "simulator/board/StateDirectory.h"
 #include "simulator/board/Status.h"
@@ -30,51 +30,6 @@ constexpr size_t kMaxLine = 2 * 1024 * 1024;
 
 std::string tooLong() {
     return "the line is longer than " + std::to_string(kMaxLine) + " bytes";
-}
-
-bool readHex(const std::string& text, std::vector<uint8_t>* bytes) {
-    if (text.size() % 2 != 0) {
-        return false;
-    }
-    for (size_t i = 0; i < text.size(); i += 2) {
-        const int high = digitOf(text[i]);
-        const int low = digitOf(text[i + 1]);
-        if (high < 0 || low < 0) {
-            return false;
-        }
-        bytes->push_back(static_cast<uint8_t>(high * 16 + low));
-    }
-    return true;
-}
-
-std::string readRecord(const std::string& text, fapi_core::ZvtTvFApiEventCommonObject* record) {
-    if (text == "-") {
-        return {};
-    }
-    std::istringstream fields(text);
-    std::set<std::string> given;
-    for (std::string field; std::getline(fields, field, ',');) {
-        const size_t equals = field.find('=');
-        const std::string key = field.substr(0, equals);
-        const std::string value = equals == std::string::npos ? "" : field.substr(equals + 1);
-        bool good = equals != std::string::npos;
-        if (key == "value") {
-            good = good && readAnyNumber(value, &record->u32Value);
-        } else if (key == "text") {
-            record->strValue = value;
-        } else if (key == "bytes") {
-            good = good && readHex(value, &record->vecValue);
-        } else {
-            good = false;
-        }
-        if (!good) {
-            return "\"" + field + "\" is not value=NUMBER, text=TEXT or bytes=HEX";
-        }
-        if (!given.insert(key).second) {
-            return key + " is given twice";
-        }
-    }
-    return {};
 }
 
 void serve(Descriptor pipe) {
@@ -144,17 +99,9 @@ std::string readEventOrder(const std::string& line, EventOrder* order) {
     if (!readAnyNumber(type, &order->type)) {
         return "\"" + type + "\" is not an event type";
     }
-    size_t count = 0;
-    for (std::string record; words >> record; ++count) {
-        if (count == 4) {
-            return "an event has four records";
-        }
-        const std::string fault = readRecord(record, &order->payload.objects[count]);
-        if (!fault.empty()) {
-            return fault;
-        }
-    }
-    return {};
+    std::string records;
+    std::getline(words, records, '\0');
+    return readEventRecords(records, &order->payload);
 }
 
 int32_t carryOutOrder(const std::string& line) {

@@ -15,9 +15,8 @@ struct EventOrder {
 
 /**
  * Reads an order: `MODULE TYPE [RECORD...]`, separated by blanks; MODULE is a module's short name, TYPE a
- * number, and each of up to four RECORDs is `-` for an empty one or some of `value=NUMBER`, `text=TEXT` and
- * `bytes=HEX`, each once, separated by commas. Numbers are decimal, or hexadecimal after 0x. A text in
- * it can hold no blank, comma or NUL; the line is at most 2 MiB long.
+ * number, decimal or hexadecimal after 0x, and the records are those of simulator/board/EventRecords.h. The
+ * line is at most 2 MiB long and holds no NUL.
  *
  *     disp 0x10005 value=3,text=signal - bytes=00ff
  *

@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "tests/cases/Method.h"
+#include "tests/cases/Rows.h"
 #include "tests/support/Shortened.h"
 #include "tests/tools/Service.h"
 #include "tests/tools/Thing.h"
@@ -68,9 +69,32 @@ std::string bind(const Words& words) {
     return cases::showAll(arguments);
 }
 
+const Type& recordType() {
+    return *findMethod(findInterface(factoryPackage(), "Manager"), "post_event").arguments[1].type;
+}
+
 Json record(const Words& words) {
-    const Method& post = findMethod(findInterface(factoryPackage(), "Manager"), "post_event");
-    return parseEventRecord(*post.arguments[1].type, words.at(0), "record 2");
+    return parseEventRecord(recordType(), words.at(0), "record 2");
+}
+
+/** Records as the event that they make shows them, and which it is made of again. */
+std::string records(const Words& words) {
+    Event event = {};
+    const auto fill = [&](const Words& from) {
+        size_t i = 0;
+        for (const Json& fields : parseEventRecords(recordType(), from)) {
+            const std::vector<uint8_t>& bytes = fields["vecValue"].get_binary();
+            event.records.at(i++) = {fields["u32Value"], fields["strValue"], bytes};
+        }
+        return recordsText(event);
+    };
+    try {
+        const std::string text = fill(words);
+        EXPECT_EQ(fill({text}), text);
+        return text;
+    } catch (const Failure&) {
+        return "refused";
+    }
 }
 
 /** An event with these records, the first of them as its second. */
@@ -178,6 +202,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kSections 
         {"[value]", value},
         {"[bind]", bind},
         {"[record]", [](const Words& words) { return cases::showAll(record(words)); }},
+        {"[records]", records},
         {"[event]", event},
         {"[filter]", filter},
         {"[interface]", [](const Words& words) { return findInterface(testPackage(), words.at(0)).name; }},
@@ -202,19 +227,6 @@ std::string replaced(std::string text, const std::string& what, const std::strin
     return text;
 }
 
-/** Writes what stands between single quotes as cases::split() reads it. */
-std::string withoutSingleQuotes(const std::string& input) {
-    std::string out;
-    bool inside = false;
-    for (const char c : input) {
-        inside = inside != (c == '\'');
-        out += c == '\''                           ? "\""
-               : inside && (c == '"' || c == '\\') ? std::string{'\\', c}
-                                                   : std::string(1, c);
-    }
-    return out;
-}
-
 bool matches(std::string_view text, std::string_view pattern) {
     const size_t gap = pattern.find("...");
     if (gap == std::string_view::npos) {
@@ -232,40 +244,6 @@ bool matches(std::string_view text, std::string_view pattern) {
     return false;
 }
 
-struct Row {
-    std::string place;  // file:line
-    std::string section;
-    std::string input;
-    std::string expected;
-};
-
-std::vector<Row> rowsOf(const std::string& name) {
-    std::vector<Row> rows;
-    std::ifstream file(FAPICTL_CASES "/" + name);
-    std::string section;
-    std::string blank;  // lines, which belong to what is expected if more of it follows
-    size_t number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        const size_t arrow = (' ' + line + ' ').find(" -> ");
-        if (line.empty()) {
-            blank += '\n';
-        } else if (line[0] == ' ') {
-            std::string& expected = rows.at(rows.size() - 1).expected;
-            expected += (expected.empty() ? "" : "\n") + blank + line.substr(4);
-            blank.clear();
-        } else if (kSections.count(line) > 0) {
-            section = line;
-        } else if (line[0] != '#') {
-            blank.clear();
-            rows.push_back({name + ":" + std::to_string(number), section, line.substr(0, arrow),
-                            line.substr(std::min(arrow + 3, line.size()))});
-        }
-    }
-    EXPECT_FALSE(rows.empty()) << name;
-    return rows;
-}
-
 class Cases : public Service, public testing::WithParamInterface<const char*> {
   protected:
     Cases() {
@@ -278,9 +256,9 @@ class Cases : public Service, public testing::WithParamInterface<const char*> {
     }
     ~Cases() override { std::filesystem::remove_all(mFiles); }
 
-    std::string outcome(const Row& row) const {
+    std::string outcome(const cases::Row& row) const {
         try {
-            const std::string words = withoutSingleQuotes(replaced(row.input, "FILES", mFiles));
+            const std::string words = cases::withoutSingleQuotes(replaced(row.input, "FILES", mFiles));
             const std::string out = kSections.at(row.section)(cases::split(words));
             return replaced(out.substr(0, out.find_last_not_of('\n') + 1), mFiles, "FILES");
         } catch (const Failure& failure) {
@@ -295,15 +273,16 @@ class Cases : public Service, public testing::WithParamInterface<const char*> {
 
 TEST_P(Cases, Hold) {
     startAndWait("default");
-    for (const Row& row : rowsOf(GetParam())) {
+    for (const cases::Row& row : cases::rowsOf(GetParam())) {
         const std::string got = outcome(row);
         EXPECT_TRUE(matches(got, row.expected)) << row.place << ": " << row.input << "->\n" << got;
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, Cases,
-                         testing::Values("values.cases", "events.cases", "commands.cases", "replay.cases",
-                                         "session.cases"));
+                         testing::Values(FAPICTL_CASES "/values.cases", FAPICTL_CASES "/events.cases",
+                                         FAPICTL_CASES "/commands.cases", FAPICTL_CASES "/replay.cases",
+                                         FAPICTL_CASES "/session.cases", RECORD_CASES));
 
 }  // namespace
 }  // namespace fapictl

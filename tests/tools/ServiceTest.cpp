@@ -158,8 +158,8 @@ TEST_F(Watch, OfSomeModulesCountsTheirsOnlyAndEndsInTime) {
     }
     EXPECT_EQ(join().code, Exit::NotFound);
     EXPECT_EQ(join().err, "fapictl: 2 of 3 events within 1.0 s\n");
-    EXPECT_THAT(join().out, testing::MatchesRegex("1  .*  net      0x00020002  - \\| - \\| - \\| -\n"
-                                                  "2  .*  tv       0x01000003  - \\| - \\| - \\| -\n"));
+    EXPECT_THAT(join().out, testing::MatchesRegex("1  .*  net      0x00020002  value=0 \\| - \\| - \\| -\n"
+                                                  "2  .*  tv       0x01000003  value=0 \\| - \\| - \\| -\n"));
 }
 
 TEST_F(Watch, WithAReaderThatStallsLeavesTheBacklogToTheServiceAndLosesNothing) {
@@ -205,7 +205,7 @@ TEST_F(Watch, EndsWhenTheServiceDiesWithAllThatItSent) {
     EXPECT_EQ(post(Manager::kDie, {"text=last"}).code, Exit::Transport);
     mOutput.gate.unlock();
     EXPECT_EQ(join().code, Exit::Transport);
-    EXPECT_THAT(join().out, HasSubstr("0x0010dead  text=\"last\""));
+    EXPECT_THAT(join().out, HasSubstr("0x0010dead  value=0 text=\"last\""));
     EXPECT_THAT(join().err, HasSubstr("the service died; 2 events were shown"));
 }
 

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Records.h"
 #include "tools/fapictl/Values.h"
@@ -10,9 +12,8 @@ Exit post(const Context& context) {
     const Interface& manager = findInterface(context.package, "Manager");
     const Method& method = findMethod(manager, "post_event");
     Json arguments = Json::array({parseValue(*method.arguments[0].type, words[0], "TYPE")});
-    for (size_t i = 1; i < method.arguments.size(); ++i) {
-        arguments.push_back(parseEventRecord(*method.arguments[i].type, i < words.size() ? words[i] : "-",
-                                             "record " + std::to_string(i)));
+    for (Json& record : parseEventRecords(*method.arguments[1].type, {words.begin() + 1, words.end()})) {
+        arguments.push_back(std::move(record));
     }
     return callAndPrint(context, manager, method, arguments);
 }

@@ -12,6 +12,7 @@
 namespace fapictl {
 namespace {
 
+constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kSeparators = ", \t";
 
 struct Key {
@@ -49,6 +50,30 @@ size_t endOfText(std::string_view text, std::string_view signs) {
         at = text.find_first_of(kSeparators, next);
     }
     return text.size();
+}
+
+/** Behind the closing quote, given where the opening one is; the end of the text when there is none. */
+size_t endOfQuoted(std::string_view text, size_t quote) {
+    for (size_t i = quote + 1; i < text.size(); ++i) {
+        if (text[i] == '"') {
+            return i + 1;
+        }
+        i += text[i] == '\\' ? 1 : 0;
+    }
+    return text.size();
+}
+
+/** Takes ("text") from the front, which eventLine() shows behind bytes that are one. */
+void skipRemark(std::string_view& rest, const std::string& where) {
+    const size_t start = skipSeparators(rest, 0);
+    if (rest.substr(start, 2) == "(\"") {
+        rest.remove_prefix(start + 1);
+        takeQuoted(rest, where);
+        if (rest.empty() || rest[0] != ')') {
+            refuse(where, "the closing bracket is missing");
+        }
+        rest.remove_prefix(1);
+    }
 }
 
 RecordPart::Key findKey(std::string_view name, bool afterText, const std::string& where) {
@@ -107,12 +132,44 @@ std::vector<RecordPart> splitRecord(std::string_view record, bool patterns, cons
             part.value = rest.substr(0, end);
             rest.remove_prefix(end);
         }
+        if (part.key == RecordPart::Key::Bytes) {
+            skipRemark(rest, where);
+        }
         parts.push_back(std::move(part));
     }
 }
 
 const char* nameOf(RecordPart::Key key) {
     return kKeys[static_cast<size_t>(key)].name;
+}
+
+std::vector<std::string_view> splitRecords(std::string_view text) {
+    std::vector<std::string_view> records;
+    size_t start = 0;
+    for (size_t at = 0; (at = skipSeparators(text, at)) < text.size();) {
+        const std::string_view rest = text.substr(at);
+        const auto isBlank = [](char c) { return kBlanks.find(c) != std::string_view::npos; };
+        if (rest[0] == '|' && (at == 0 || isBlank(text[at - 1])) && (rest.size() == 1 || isBlank(rest[1]))) {
+            records.push_back(text.substr(start, at - start));
+            start = ++at;
+            continue;
+        }
+        const size_t value = keyAt(rest, "=").size() + 1;
+        if (rest.substr(0, 2) == "(\"") {
+            at += endOfQuoted(rest, 1);
+        } else if (value > 1 && value < rest.size() && rest[value] == '"') {
+            at += endOfQuoted(rest, value);
+        }
+        at = text.find_first_of(kSeparators, at);
+    }
+    records.push_back(text.substr(start));
+    for (std::string_view& one : records) {
+        one.remove_prefix(skipSeparators(one, 0));
+        if (records.size() > 1) {
+            one = one.substr(0, one.find_last_not_of(kBlanks) + 1);
+        }
+    }
+    return records;
 }
 
 Json parseEventRecord(const Type& type, std::string_view word, const std::string& where) {
@@ -124,6 +181,23 @@ Json parseEventRecord(const Type& type, std::string_view word, const std::string
         record[name] = parseValue(*field->type, part.value, where + ", " + nameOf(part.key));
     }
     return record;
+}
+
+Json parseEventRecords(const Type& type, const std::vector<std::string>& words) {
+    Json records = Json::array();
+    for (const std::string& word : words) {
+        for (const std::string_view record : splitRecords(word)) {
+            const std::string where = "record " + std::to_string(records.size() + 1);
+            if (records.size() == kEventRecords) {
+                refuse(where, "an event has " + std::to_string(kEventRecords));
+            }
+            records.push_back(parseEventRecord(type, record, where));
+        }
+    }
+    while (records.size() < kEventRecords) {
+        records.push_back(zeroValue(type));
+    }
+    return records;
 }
 
 }  // namespace fapictl

@@ -91,6 +91,17 @@ std::string inQuotes(std::string_view text) {
     return '"' + escapedWith(text, true) + '"';
 }
 
+bool isReadable(std::string_view text) {
+    while (!text.empty()) {
+        const size_t length = characterLength(text);
+        if (length == 0 && std::string_view("\n\r\t").find(text[0]) == std::string_view::npos) {
+            return false;
+        }
+        text.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return true;
+}
+
 std::string takeQuoted(std::string_view& rest, const std::string& where) {
     std::string out;
     for (size_t i = 1; i < rest.size(); ++i) {

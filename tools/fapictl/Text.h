@@ -18,6 +18,9 @@ std::string escaped(std::string_view text);
 /** escaped() between double quotes, the quotes inside escaped too. */
 std::string inQuotes(std::string_view text);
 
+/** Whether it is UTF-8 that can be shown, line ends and tabs among it. */
+bool isReadable(std::string_view text);
+
 /**
  * Takes such a quoted text from the front of `rest`, which starts with the quote. Throws Failure (Usage)
  * whose message names `where`.
