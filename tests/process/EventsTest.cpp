@@ -13,6 +13,7 @@
 
 #include "tests/process/ServiceFixture.h"
 #include "tests/support/Descriptors.h"
+#include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Watcher.h"
 
@@ -28,35 +29,23 @@ using ::testing::Value;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
 using Record = ZvtTvFApiEventCommonObject;
 
-/** Events that this process receives for as long as it is there; nobody can unsubscribe. */
+/** Events that this process receives, once it has begun and for as long as it is there. */
 class Listening {
   public:
     using Sink = std::function<void(const Event&)>;
-    explicit Listening(Sink sink) : mShared(std::make_shared<Shared>()) { mShared->sink = std::move(sink); }
-    ~Listening() {
-        const std::lock_guard<std::mutex> lock(mShared->mutex);
-        mShared->sink = nullptr;
-    }
+    explicit Listening(Sink sink)
+        : mListener(
+                  std::make_shared<fapictl::EventListener>(fapictl::EventListener{std::move(sink), [] {}})) {}
+    ~Listening() { mPlace.end(); }
     Listening(const Listening&) = delete;
 
-    bool begin() const {
-        const sp<IZvtTvFApiCallbackManager> watcher =
-                new fapictl::Watcher({}, [shared = mShared](const Event& event) {
-                    const std::lock_guard<std::mutex> lock(shared->mutex);
-                    if (shared->sink) {
-                        shared->sink(event);
-                    }
-                });
-        return IZvtTvFApiManager::getService()->a_hidl_a_zvttvfapi_mngr_set_callback(watcher).withDefault(
-                       -1) == 0;
-    }
+    void begin() { mPlace = mWatches.add(mEngine, {}, mListener); }
 
   private:
-    struct Shared {
-        std::mutex mutex;
-        Sink sink;
-    };
-    const std::shared_ptr<Shared> mShared;
+    const std::shared_ptr<fapictl::EventListener> mListener;
+    fapictl::Engine mEngine{fapictl::factoryPackage()};
+    fapictl::Watches mWatches;
+    fapictl::Watches::Subscription mPlace;
 };
 
 int32_t post(uint32_t type, const Record& first = {}) {
@@ -66,13 +55,14 @@ int32_t post(uint32_t type, const Record& first = {}) {
 }
 
 int playWatcher() {
-    const Listening listening([](const Event& event) {
+    Listening listening([](const Event& event) {
         if (write(STDOUT_FILENO, &event.records[0].value, sizeof(uint32_t)) < 0) {
             _exit(1);
         }
     });
+    listening.begin();
     const uint32_t registered = UINT32_MAX;
-    if (!listening.begin() || write(STDOUT_FILENO, &registered, sizeof(registered)) != sizeof(registered)) {
+    if (write(STDOUT_FILENO, &registered, sizeof(registered)) != sizeof(registered)) {
         return 1;
     }
     return pause();
@@ -102,7 +92,7 @@ TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
     const auto shown = [](uint32_t value, const std::string& text, const std::vector<uint8_t>& bytes) {
         return " " + std::to_string(value) + text + fapictl::toHex(bytes);
     };
-    const Listening local([&](const Event& event) {
+    Listening local([&](const Event& event) {
         const std::lock_guard<std::mutex> guard(lock);
         std::string line = event.module;
         line += " " + std::to_string(event.type);
@@ -111,7 +101,7 @@ TEST_F(EventsTest, WhatEachModuleRaisesAndWhatIsPostedReachesEveryClient) {
         }
         seen.push_back(line);
     });
-    ASSERT_TRUE(local.begin());
+    local.begin();
     const ChildProcess other = watcher();
     uint32_t value = 0;
     std::vector<std::string> expected;
@@ -239,14 +229,14 @@ TEST_F(EventsTest, AStoppedClientDelaysNobodyAndGetsWhatItsQueueHeldInOrder) {
 TEST_F(EventsTest, AClientMayPostAndRegisterFromInsideItsCallback) {
     std::atomic<int> seen{0};
     std::atomic<int> nested{0};
-    const Listening inner([&](const Event&) { ++nested; });
-    const Listening outer([&](const Event& event) {
+    Listening inner([&](const Event&) { ++nested; });
+    Listening outer([&](const Event& event) {
         if (++seen == 1) {
-            EXPECT_TRUE(inner.begin());
+            inner.begin();
             EXPECT_EQ(0, post(event.type + 1));
         }
     });
-    ASSERT_TRUE(outer.begin());
+    outer.begin();
     EXPECT_EQ(0, post(0x10000));
     EXPECT_TRUE(eventually([&] { return seen == 2 && nested == 1; }));
 }
@@ -256,11 +246,11 @@ TEST_F(EventsTest, HundredsOfClientsComeAndGoUnderLoadAndSurvivorsMissNothing) {
     startAndWait();
     std::atomic<uint32_t> received{0};
     std::atomic<bool> ordered{true};
-    const Listening survivor([&](const Event& event) {
+    Listening survivor([&](const Event& event) {
         ordered = ordered && event.records[0].value == received;
         ++received;
     });
-    ASSERT_TRUE(survivor.begin());
+    survivor.begin();
     // The service has all that it keeps once a client has come and gone: it accepts connections in their
     // order.
     watcher();

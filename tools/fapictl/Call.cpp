@@ -20,24 +20,74 @@ namespace {
 /** For methods that want an object of the caller's. */
 constexpr const char* kObjectHint = "; fapictl watch registers a callback and shows its events";
 
-/** The result that --out writes: the first text or bytes; the number of results when there is none. */
-size_t findPayload(const Method& method) {
-    size_t i = 0;
-    while (i < method.results.size() && method.results[i].type->kind != Type::Kind::Text &&
-           !method.results[i].type->isBytes()) {
-        ++i;
-    }
-    return i;
+bool isText(const Type& type) {
+    return type.kind == Type::Kind::Text || type.isBytes();
 }
 
-void writePayload(const Context& context, const Json& value) {
-    const std::string& path = context.options.out;
-    if (value.is_binary()) {
-        const std::vector<uint8_t>& bytes = value.get_binary();
-        writeBytes(context, path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    } else {
-        writeBytes(context, path, value.get_ref<const std::string&>());
+/** The results besides that which tells how the method fared; where there is no other, that one. */
+std::vector<size_t> valuesOf(const Method& method) {
+    std::vector<size_t> values;
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        if (i != method.outcome() || method.results.size() == 1) {
+            values.push_back(i);
+        }
     }
+    return values;
+}
+
+/** The result that --out writes: the first text or bytes, or the only value when it is a number; the number
+ * of results when there is none. */
+size_t findPayload(const Method& method) {
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        if (isText(*method.results[i].type)) {
+            return i;
+        }
+    }
+    const std::vector<size_t> values = valuesOf(method);
+    const auto isNumber = [&](size_t i) {
+        const Type::Kind kind = method.results[i].type->kind;
+        return kind != Type::Kind::Record && kind != Type::Kind::List && kind != Type::Kind::Interface;
+    };
+    return values.size() == 1 && isNumber(values[0]) ? values[0] : method.results.size();
+}
+
+/** The result that --raw prints. Throws Failure (Usage) when it is none or not certain. */
+size_t findRaw(const Method& method, const std::string& name) {
+    const std::vector<size_t> values = valuesOf(method);
+    if (name == kOnlyResult && values.size() == 1) {
+        return values[0];
+    }
+    std::string all;
+    std::vector<std::string> names;
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        names.push_back(method.results[i].label.name);
+        if (equalIgnoringCase(names.back(), name)) {
+            return i;
+        }
+        all += (i == 0 ? "" : ", ") + names.back();
+    }
+    throw Failure(Exit::Usage, names.empty() ? "--raw: the method has no results"
+                               : name == kOnlyResult
+                                       ? "--raw=NAME says which of the results: " + all
+                                       : "no result " + inQuotes(name) + suggestion(name, names));
+}
+
+/** A value as it is: texts and bytes themselves, enumerations as numbers, lists and records as JSON. */
+std::string bareValue(const Type& type, const Json& value) {
+    if (type.isBytes()) {
+        const std::vector<uint8_t>& bytes = value.get_binary();
+        return {bytes.begin(), bytes.end()};
+    }
+    if (type.kind == Type::Kind::Text) {
+        return value.get<std::string>();
+    }
+    const bool parts = type.kind == Type::Kind::List || type.kind == Type::Kind::Record;
+    return parts ? jsonText(forPrograms(type, value), false) : value.dump();
+}
+
+/** What --out writes of a result: a number is a line. */
+std::string payloadOf(const Type& type, const Json& value) {
+    return bareValue(type, value) + (isText(type) ? "" : "\n");
 }
 
 /** While it lives, events that come in are shown beside the results, on standard error. */
@@ -80,8 +130,7 @@ void print(const Context& context, const Method& method, const Answer& answer, s
     for (size_t i = 0; i < method.results.size(); ++i) {
         const Field& result = method.results[i];
         if (i == payload) {
-            const size_t size = results[i].is_binary() ? results[i].get_binary().size()
-                                                       : results[i].get_ref<const std::string&>().size();
+            const size_t size = payloadOf(*result.type, results[i]).size();
             table.row({result.label.name, result.type->name,
                        std::to_string(size) + " bytes written to " + escaped(options.out)});
             json[result.label.name] = {{"file", options.out}, {"size", size}};
@@ -146,10 +195,14 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
     const Options& options = context.options;
     size_t payload = findPayload(method);
     if (!options.out.empty() && payload == method.results.size()) {
-        context.err << "fapictl: --out has no effect: the method has no text or bytes among its results\n";
+        context.err
+                << "fapictl: --out has no effect: the method has no text, bytes or single number to write\n";
     } else if (options.out.empty()) {
         payload = method.results.size();
     }
+
+    const std::optional<size_t> raw =
+            options.raw ? std::optional(findRaw(method, *options.raw)) : std::nullopt;
 
     const Answer answer = context.engine.call(interface, method, arguments, targetOf(context));
     if (!answer.reason.empty()) {
@@ -160,9 +213,15 @@ Exit callAndPrint(const Context& context, const Interface& interface, const Meth
         payload = method.results.size();
     }
     if (payload != method.results.size()) {
-        writePayload(context, answer.results[payload]);
+        writeBytes(context, options.out, payloadOf(*method.results[payload].type, answer.results[payload]));
     }
-    if (payload == method.results.size() || options.out != "-") {
+    if (raw && !answer.failed) {
+        const Type& type = *method.results[*raw].type;
+        context.out << bareValue(type, answer.results[*raw]) << (type.isBytes() ? "" : "\n");
+    } else if (raw && answer.status) {
+        context.err << "fapictl: the method failed: status " << *answer.status << " (" << answer.statusName
+                    << ")\n";
+    } else if (!raw && (payload == method.results.size() || options.out != "-")) {
         print(context, method, answer, payload);
     }
     if (answer.failed && !answer.status) {

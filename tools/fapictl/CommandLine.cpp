@@ -211,6 +211,7 @@ constexpr const char* kSessionHelp =
 struct Parser {
     Options options;
     bool help = false;
+    bool version = false;
     CLI::App app{"Calls the factory service's interfaces from the command line.", "fapictl"};
 
     Parser() {
@@ -226,8 +227,8 @@ struct Parser {
                        "how long all of it may take, from waiting for the service on, in seconds")
                 ->type_name("S");
         app.add_option("--out", options.out,
-                       "write the first text or bytes among the results to a file as they are; - is standard "
-                       "output")
+                       "write the first text or bytes among the results, or a single number, to a file as it "
+                       "is; - is standard output")
                 ->type_name("FILE");
         app.add_option(
                    "--args", options.arguments,
@@ -254,8 +255,13 @@ struct Parser {
                 ->delimiter(',');
         app.add_flag("--progress", options.progress, "show the events that come in while the method runs");
         app.add_flag("--quiet", options.quiet, "do not say when watching or monitoring begins");
+        app.add_flag("--raw{-}", options.raw,
+                     "print nothing but the only result besides the status, or the one that is named")
+                ->type_name("[=NAME]");
+        app.add_flag("--ready", options.ready, "wait until calls are no longer answered with -5, not ready");
         app.add_flag("--all", options.all, "list other packages' services too; check dangerous methods too");
         app.add_flag("-h,--help", help, "print this help");
+        app.add_flag("--version", version, "print the version of this program and of the interfaces");
     }
 
     /** Without the -- that may stand before them. */
@@ -342,6 +348,9 @@ void warnAboutUselessOptions(const Parser& parser, const Verb& verb, std::ostrea
     if (parser.given("json") && parser.given("no-legend")) {
         err << "fapictl: --no-legend has no effect on JSON\n";
     }
+    if (parser.given("json") && parser.given("raw")) {
+        err << "fapictl: --json has no effect with --raw\n";
+    }
     if (parser.given("json") && parser.options.out == "-") {
         err << "fapictl: --json has no effect with --out -\n";
     }
@@ -358,6 +367,10 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     }
     Options& options = parser.options;
     std::vector<std::string> words = parser.words();
+    if (parser.version) {
+        out << "fapictl " << FAPICTL_VERSION << ", " << package.name << '\n';
+        return Exit::Success;
+    }
     if (words.empty()) {
         printHelp(parser.help ? out : err, parser, nullptr);
         return parser.help ? Exit::Success : Exit::Usage;
@@ -432,7 +445,7 @@ const std::vector<Verb>& verbs() {
              "call a method and show its results",
              kCallHelp,
              Words::Method,
-             {"args", "json", "no-legend", "instance", "timeout", "out", "progress"},
+             {"args", "json", "no-legend", "instance", "timeout", "out", "progress", "raw"},
              2,
              kAnyNumber,
              call},
@@ -440,9 +453,10 @@ const std::vector<Verb>& verbs() {
              "[INTERFACE...]",
              "wait until services are registered",
              "Waits until the interfaces are registered, all of them when none is given, for ever without "
-             "--timeout.\n",
+             "--timeout;\n"
+             "with --ready, until calls are no longer answered with -5, not ready, too.\n",
              Words::Interfaces,
-             {"json", "no-legend", "instance", "timeout"},
+             {"json", "no-legend", "instance", "timeout", "ready"},
              0,
              kAnyNumber,
              wait},

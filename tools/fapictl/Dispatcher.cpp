@@ -508,9 +508,13 @@ Served edid(const std::shared_ptr<Impl>& impl, const Parameters& parameters, con
 Served wait(const std::shared_ptr<Impl>& impl, const Parameters& parameters, const Target& target) {
     const std::vector<const Interface*> wanted =
             selectServices(impl->package, parameters.texts("interfaces"));
+    const bool ready = parameters.flag("ready");
     const std::vector<const Interface*> missing = impl->engine.wait(wanted, target);
     if (!missing.empty()) {
         throw notInTime(missing.size(), wanted.size(), target);
+    }
+    if (ready) {
+        impl->engine.waitUntilReady(target);
     }
     Json services = Json::array();
     for (const Interface* interface : wanted) {
@@ -586,7 +590,7 @@ const std::vector<RpcMethod>& rpcMethods() {
             {"post", {"type", "records"}, post},
             {"capture", {"layers"}, capture},
             {"edid", {"port"}, edid},
-            {"wait", {"interfaces"}, wait},
+            {"wait", {"interfaces", "ready"}, wait},
     };
     return methods;
 }

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <set>
+#include <thread>
 #include <tuple>
 
 #include "tools/fapictl/Names.h"
@@ -239,6 +240,35 @@ Failure refused(const std::string& what, const Answer& answer) {
                     what + ": status " + std::to_string(*answer.status) + " (" + answer.statusName + ")");
     failure.status = answer.status;
     return failure;
+}
+
+void Engine::waitUntilReady(const Target& target) {
+    constexpr auto kPause = std::chrono::milliseconds(20);
+    constexpr int64_t kNotReady = -5;
+    const Interface& information = findInterface(mPackage, "Information");
+    const Method& version = findMethod(information, "get_fapi_sw_version");
+    const auto begin = steady_clock::now();
+    while (true) {
+        Target left = target;
+        if (target.seconds) {
+            const std::chrono::duration<double> spent = steady_clock::now() - begin;
+            left.seconds = std::max(0.0, *target.seconds - spent.count());
+        }
+        try {
+            if (call(information, version, Json::array(), left).status != kNotReady) {
+                return;
+            }
+        } catch (const Failure& failure) {
+            // It may be on its way back.
+            if (!failure.dead && failure.code != Exit::NotFound) {
+                throw;
+            }
+        }
+        if (left.seconds && *left.seconds <= 0) {
+            throw Failure(Exit::NotFound, "not ready within " + Json(*target.seconds).dump() + " s");
+        }
+        std::this_thread::sleep_for(kPause);
+    }
 }
 
 Failure notInTime(size_t missing, size_t wanted, const Target& target) {

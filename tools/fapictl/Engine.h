@@ -68,6 +68,13 @@ class Engine {
      */
     std::vector<const Interface*> wait(const std::vector<const Interface*>& interfaces, const Target& target);
 
+    /**
+     * Waits until calls are no longer answered with -5, not ready, for ever without a time; a service that
+     * ends in between is waited for anew. Asks for the library's version every 20 ms. Throws Failure
+     * (NotFound when it was not in time, Transport). May block when the service is stopped.
+     */
+    void waitUntilReady(const Target& target);
+
   private:
     class Arrivals;
     class Kept;

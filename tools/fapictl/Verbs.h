@@ -17,6 +17,7 @@ struct Options {
     std::string json;                // "short", "pretty", or empty for a table
     bool noLegend = false;
     bool all = false;
+    bool ready = false;  // wait for the library, too
     std::string instance = "default";
     bool instanceGiven = false;
     std::optional<double> timeout;         // seconds
@@ -29,7 +30,11 @@ struct Options {
     bool progress = false;
     std::vector<std::string> ignored;  // methods and results that may differ
     std::string out;                   // a file, "-" for standard output, empty for none
+    std::optional<std::string> raw;    // a result's name, "-" for the only one
 };
+
+/** Options::raw without a name. */
+inline constexpr const char* kOnlyResult = "-";
 
 struct Context {
     const Package& package;

@@ -1,12 +1,17 @@
 #include <algorithm>
+#include <chrono>
+#include <optional>
 
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Verbs.h"
+#include "tools/fapictl/Watchdog.h"
 
 namespace fapictl {
+
 Exit wait(const Context& context) {
     const Options& options = context.options;
+    const auto begin = std::chrono::steady_clock::now();
     const std::vector<const Interface*> wanted = selectServices(context.package, options.words);
     const std::vector<const Interface*> missing = context.engine.wait(wanted, targetOf(context));
     Table table({"INTERFACE", "INSTANCE", "STATE"});
@@ -25,6 +30,16 @@ Exit wait(const Context& context) {
     }
     if (!missing.empty()) {
         throw notInTime(missing.size(), wanted.size(), targetOf(context));
+    }
+    if (options.ready) {
+        Target left = targetOf(context);
+        std::optional<Watchdog> watchdog;
+        if (left.seconds) {
+            const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
+            left.seconds = std::max(0.0, *left.seconds - spent.count());
+            watchdog.emplace(*left.seconds, context.err);
+        }
+        context.engine.waitUntilReady(left);
     }
     return Exit::Success;
 }
