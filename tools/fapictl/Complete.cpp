@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "tools/fapictl/Events.h"
 #include "tools/fapictl/Failure.h"
@@ -41,8 +42,9 @@ struct Line {
 };
 
 Line parse(const std::vector<std::string>& words) {
-    static const std::set<std::string> withValue = {"--instance", "--timeout", "--out", "--module",
-                                                    "--count"};
+    static const std::set<std::string> withValue = {"--instance", "--timeout", "--out",
+                                                    "--module",   "--count",   "--type",
+                                                    "--match",    "--args",    "--ignore"};
     Line line;
     line.current = words.back();
     for (size_t i = 0; i + 1 < words.size(); ++i) {
@@ -108,6 +110,7 @@ std::vector<std::string> completeArgument(const Method& method, const Line& line
         }
     }
     std::vector<std::string> candidates;
+    bool next = true;  // this argument is the one that a word without a name gives
     for (const Field& argument : method.arguments) {
         const std::string& name = argument.label.name;
         if (named.count(name) > 0) {
@@ -116,6 +119,9 @@ std::vector<std::string> completeArgument(const Method& method, const Line& line
         if (positional > 0) {
             --positional;
             continue;
+        }
+        if (std::exchange(next, false)) {
+            candidates = choices(*argument.type);
         }
         const std::string prefix = name + "=";
         if (startsWith(line.current, prefix)) {
