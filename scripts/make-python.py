@@ -15,7 +15,7 @@ import textwrap
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "tools/fapictl"))
 sys.dont_write_bytecode = True
-import generate
+import hal
 
 ROOT = pathlib.Path(__file__).parent.parent
 MODULE = ROOT / "clients/python/zvttvfactory/interfaces.py"
@@ -307,9 +307,8 @@ def main():
     answer = subprocess.run([sys.argv[1], "introspect", "--json"], check=True, capture_output=True, text=True)
     interfaces = json.loads(answer.stdout)
     # What the tool does not tell: the comments of the records and enumerations themselves.
-    package = generate.Package(interfaces[0]["interface"].split("::")[0])
-    for file in sorted((ROOT / "interface").glob(f"{package.name.split('@')[1]}/*.hal")):
-        generate.Parser(package, file.read_text()).file()
+    name = interfaces[0]["interface"].split("::")[0]
+    package = hal.read(name, sorted((ROOT / "interface").glob(f"{name.split('@')[1]}/*.hal")))
     text = "\n".join(module(interfaces, lambda name: package.comment(name).text)) + "\n"
     if sys.argv[2:] != ["--check"]:
         MODULE.write_text(text)
