@@ -509,12 +509,13 @@ Served wait(const std::shared_ptr<Impl>& impl, const Parameters& parameters, con
     const std::vector<const Interface*> wanted =
             selectServices(impl->package, parameters.texts("interfaces"));
     const bool ready = parameters.flag("ready");
+    const auto begin = steady_clock::now();
     const std::vector<const Interface*> missing = impl->engine.wait(wanted, target);
     if (!missing.empty()) {
         throw notInTime(missing.size(), wanted.size(), target);
     }
     if (ready) {
-        impl->engine.waitUntilReady(target);
+        impl->engine.waitUntilReady(target, begin);
     }
     Json services = Json::array();
     for (const Interface* interface : wanted) {

@@ -242,12 +242,11 @@ Failure refused(const std::string& what, const Answer& answer) {
     return failure;
 }
 
-void Engine::waitUntilReady(const Target& target) {
+void Engine::waitUntilReady(const Target& target, steady_clock::time_point begin) {
     constexpr auto kPause = std::chrono::milliseconds(20);
     constexpr int64_t kNotReady = -5;
     const Interface& information = findInterface(mPackage, "Information");
     const Method& version = findMethod(information, "get_fapi_sw_version");
-    const auto begin = steady_clock::now();
     while (true) {
         Target left = target;
         if (target.seconds) {

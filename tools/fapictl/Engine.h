@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -72,8 +73,10 @@ class Engine {
      * Waits until calls are no longer answered with -5, not ready, for ever without a time; a service that
      * ends in between is waited for anew. Asks for the library's version every 20 ms. Throws Failure
      * (NotFound when it was not in time, Transport). May block when the service is stopped.
+     *
+     * @param begin when the target's time began
      */
-    void waitUntilReady(const Target& target);
+    void waitUntilReady(const Target& target, std::chrono::steady_clock::time_point begin);
 
   private:
     class Arrivals;

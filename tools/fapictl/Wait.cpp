@@ -12,6 +12,11 @@ namespace fapictl {
 Exit wait(const Context& context) {
     const Options& options = context.options;
     const auto begin = std::chrono::steady_clock::now();
+    // Only a call may be without an answer.
+    std::optional<Watchdog> watchdog;
+    if (options.ready && options.timeout) {
+        watchdog.emplace(*options.timeout, context.err);
+    }
     const std::vector<const Interface*> wanted = selectServices(context.package, options.words);
     const std::vector<const Interface*> missing = context.engine.wait(wanted, targetOf(context));
     Table table({"INTERFACE", "INSTANCE", "STATE"});
@@ -32,14 +37,7 @@ Exit wait(const Context& context) {
         throw notInTime(missing.size(), wanted.size(), targetOf(context));
     }
     if (options.ready) {
-        Target left = targetOf(context);
-        std::optional<Watchdog> watchdog;
-        if (left.seconds) {
-            const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begin;
-            left.seconds = std::max(0.0, *left.seconds - spent.count());
-            watchdog.emplace(*left.seconds, context.err);
-        }
-        context.engine.waitUntilReady(left);
+        context.engine.waitUntilReady(targetOf(context), begin);
     }
     return Exit::Success;
 }
