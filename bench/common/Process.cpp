@@ -1,7 +1,9 @@
 #include "bench/common/Process.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <signal.h>
+#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,14 +28,21 @@ void onChildEnded(int) {
     }
 }
 
-}  // namespace
-
-Child::Child(const std::string& program, const std::vector<std::string>& arguments, int standardInput) {
+/** For exec; of the two texts' memory. */
+std::vector<char*> argumentsOf(const std::string& program, const std::vector<std::string>& arguments) {
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }
     argv.push_back(nullptr);
+    return argv;
+}
+
+}  // namespace
+
+Child::Child(const std::string& program, const std::vector<std::string>& arguments, int standardInput,
+             int standardOutput) {
+    const std::vector<char*> argv = argumentsOf(program, arguments);
     struct sigaction action {};
     action.sa_handler = onChildEnded;
     action.sa_flags = SA_NOCLDSTOP | SA_RESTART;
@@ -47,6 +56,9 @@ Child::Child(const std::string& program, const std::vector<std::string>& argumen
         if (standardInput >= 0) {
             dup2(standardInput, STDIN_FILENO);
         }
+        if (standardOutput >= 0) {
+            dup2(standardOutput, STDOUT_FILENO);
+        }
         execv(argv[0], argv.data());
         const char complaint[] = "can not start a program of the benchmark\n";
         (void)!write(STDERR_FILENO, complaint, sizeof(complaint) - 1);
@@ -58,6 +70,23 @@ Child::~Child() {
     sEndingChild = 1;
     kill(mPid, SIGKILL);
     waitpid(mPid, nullptr, 0);
+    sEndingChild = 0;
+}
+
+void runToItsEnd(const std::string& program, const std::vector<std::string>& arguments) {
+    static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    const std::vector<char*> argv = argumentsOf(program, arguments);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, nowhere, STDOUT_FILENO);
+    sEndingChild = 1;
+    pid_t pid = -1;
+    int status = 0;
+    const int error = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0 || waitpid(pid, &status, 0) != pid || status != 0) {
+        fail(program + " fails");
+    }
     sEndingChild = 0;
 }
 

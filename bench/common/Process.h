@@ -16,10 +16,10 @@ class Child {
   public:
     /**
      * @param program path
-     * @param standardInput its descriptor 0; ours stays open
+     * @param standardInput, standardOutput its descriptors 0 and 1; ours stay open
      */
     explicit Child(const std::string& program, const std::vector<std::string>& arguments = {},
-                   int standardInput = -1);
+                   int standardInput = -1, int standardOutput = -1);
     ~Child();
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
@@ -55,6 +55,9 @@ class OneCpu {
   private:
     cpu_set_t mBefore;
 };
+
+/** Runs a program, whose output is nobody's, to its end, which must be a success. From one thread. */
+void runToItsEnd(const std::string& program, const std::vector<std::string>& arguments);
 
 /** A program of the same folder as ours. */
 std::string sibling(const std::string& name);
