@@ -537,10 +537,11 @@ Served watch(const std::shared_ptr<Impl>& impl, const Parameters& parameters, co
     const auto listener = std::make_shared<EventListener>();
     listener->take = [feed](const Event& event) { feed->take(event); };
     listener->died = [feed, number, held = std::weak_ptr<Impl>(impl)] {
-        feed->died();
+        // Before the client knows: who is told that the watch has ended finds none.
         if (const std::shared_ptr<Impl> alive = held.lock()) {
             alive->forget(number);
         }
+        feed->died();
     };
     const auto entry = std::make_shared<Impl::Watch>();
     entry->feed = feed;
