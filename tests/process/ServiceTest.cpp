@@ -1,11 +1,17 @@
 // The service executable on the simulated board, seen from another process.
 
+#include <fnmatch.h>
 #include <gmock/gmock.h>
+#include <sys/ioctl.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiInformation.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiSystem.h>
 
+#include <array>
 #include <atomic>
+#include <climits>
+#include <functional>
 #include <map>
+#include <set>
 
 #include "tests/process/ServiceFixture.h"
 
@@ -136,6 +142,116 @@ TEST_F(ServiceTest, AWatchRunsACommandAndNothingOutlastsItsTime) {
         EXPECT_EQ("", tool(words, 4));
     }
     service().signal(SIGCONT);
+}
+
+/** A session of the tool's, on two pipes. */
+class Session {
+  public:
+    Session() : Session(opened()) {}
+    ~Session() { end(); }
+    Session(const Session&) = delete;
+
+    void send(const std::string& line) const {
+        const std::string text = line + '\n';
+        for (size_t at = 0; at < text.size();) {
+            const ssize_t count = write(mInput, text.data() + at, text.size() - at);
+            ASSERT_GT(count, 0) << line.substr(0, 100);
+            at += static_cast<size_t>(count);
+        }
+    }
+    /** The next line that it writes. */
+    std::string answer() const {
+        std::string line;
+        for (char c; (c = process.word()) != '\n' && c != '\0';) {
+            line += c;
+        }
+        return line;
+    }
+    /** Ends its input. */
+    void end() { close(std::exchange(mInput, -1)); }
+
+    ChildProcess process;
+
+  private:
+    explicit Session(std::array<int, 2> input)
+        : process([&] {
+              dup2(input[0], STDIN_FILENO);
+              const char* const tool = getenv("ZVTTV_TEST_FAPICTL");
+              return execl(tool, tool, "session", nullptr);
+          }),
+          mInput(input[1]) {
+        close(input[0]);
+    }
+    static std::array<int, 2> opened() {
+        std::array<int, 2> ends = {};
+        EXPECT_EQ(0, pipe2(ends.data(), O_CLOEXEC));
+        return ends;
+    }
+
+    int mInput;
+};
+
+TEST_F(ServiceTest, ASessionGoesAsItsTranscriptSays) {
+    Session session;
+    const std::map<std::string, std::function<void()>> deeds = {
+            {"start", [&] { startAndWait(); }},
+            {"stop",
+             [&] {
+                 service().signal(SIGSTOP);
+                 waitpid(service().pid(), nullptr, WUNTRACED);  // until all threads have stopped
+             }},
+            {"continue", [&] { service().signal(SIGCONT); }},
+            {"kill", [&] { service().stop(SIGKILL); }},
+            {"send 16 MiB and a letter", [&] { session.send(std::string((16 << 20) + 1, 'x')); }},
+    };
+    std::ifstream transcript(ZVTTV_SOURCE "/tests/process/session.transcript");
+    std::vector<std::string> expected;
+    for (std::string line; std::getline(transcript, line);) {
+        const std::string rest = line.substr(std::min<size_t>(2, line.size()));
+        if (line[0] == '!') {
+            deeds.at(rest)();
+        } else if (line[0] == '>') {
+            session.send(rest);
+        } else if (line[0] == '<') {
+            expected.push_back(rest);
+        }
+        if (!expected.empty() && transcript.peek() != '<') {
+            std::multiset<std::string> answers;
+            while (answers.size() < expected.size()) {
+                answers.insert(session.answer());
+            }
+            auto pattern = expected.begin();
+            for (const std::string& answer : answers) {
+                EXPECT_EQ(0, fnmatch(pattern->c_str(), answer.c_str(), 0)) << *pattern << "\n" << answer;
+                ++pattern;
+            }
+            expected.clear();
+        }
+    }
+    session.end();
+    EXPECT_EQ("", session.process.readAll());
+    EXPECT_EQ(0, session.process.wait());
+}
+
+TEST_F(ServiceTest, ASessionEndsWithoutItsReaderAndAtTheFirstSignalWhenThatOneStalls) {
+    startAndWait();
+    Session unread;
+    unread.send(R"({"jsonrpc":"2.0","id":1,"method":"watch"})");
+    EXPECT_THAT(unread.answer(), HasSubstr("\"watch\":1"));
+    dup2(STDERR_FILENO, unread.process.output());  // which closes it
+    EXPECT_EQ(5, unread.process.wait());
+
+    Session stalled;
+    for (int i = 0; i < 60; ++i) {
+        stalled.send(R"({"jsonrpc":"2.0","id":1,"method":"introspect"})");
+    }
+    EXPECT_TRUE(eventually([&] {
+        int written = 0;
+        ioctl(stalled.process.output(), FIONREAD, &written);
+        return written > fcntl(stalled.process.output(), F_GETPIPE_SZ) - PIPE_BUF;
+    }));
+    stalled.process.signal(SIGTERM);
+    EXPECT_EQ(0, stalled.process.wait());
 }
 
 TEST_F(ServiceTest, EachInterfaceAnswersTheRecordedHashOfItsFile) {
