@@ -202,7 +202,7 @@ TEST_F(ServiceTest, ASessionGoesAsItsTranscriptSays) {
              }},
             {"continue", [&] { service().signal(SIGCONT); }},
             {"kill", [&] { service().stop(SIGKILL); }},
-            {"send 16 MiB and a letter", [&] { session.send(std::string((16 << 20) + 1, 'x')); }},
+            {"send 17 MiB", [&] { session.send(std::string(17 << 20, 'x')); }},
     };
     std::ifstream transcript(ZVTTV_SOURCE "/tests/process/session.transcript");
     std::vector<std::string> expected;
