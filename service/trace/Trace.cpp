@@ -70,8 +70,10 @@ struct Observer {
 };
 
 /// Held for a few steps only, never while somebody writes.
-Mutex sMutex;
-std::array<std::shared_ptr<Observer>, kMostObservers> sObservers GUARDED_BY(sMutex);
+/// Never destroyed, nor what it guards: calls and observers' threads go on while the process ends.
+Mutex& sMutex = *new Mutex;
+std::array<std::shared_ptr<Observer>, kMostObservers>& sObservers GUARDED_BY(sMutex) =
+        *new std::array<std::shared_ptr<Observer>, kMostObservers>;
 
 Line lostLine(uint64_t calls) {
     return std::make_shared<const std::string>("{\"lost\":" + std::to_string(calls) + "}\n");
@@ -231,8 +233,9 @@ const char* traceTo(const ::android::hardware::hidl_handle& handle) {
     const native_handle_t* const native = handle.getNativeHandle();
     struct stat status {};
     if (native == nullptr || native->numFds < 1 || fstat(native->data[0], &status) != 0 ||
-        !S_ISFIFO(status.st_mode)) {
-        return "refused, it goes to a pipe alone";
+        !S_ISFIFO(status.st_mode) || (fcntl(native->data[0], F_GETFL) & O_ACCMODE) != O_WRONLY) {
+        // One that can be read through as well would have a reader for ever, us.
+        return "refused, it goes to the writing end of a pipe alone";
     }
     try {
         const auto observer = std::make_shared<Observer>(native->data[0]);

@@ -744,11 +744,11 @@ void Dispatcher::serve(std::string_view text, Send done) {
     Json json;
     try {
         json = Json::parse(text);
-    } catch (const Json::parse_error& error) {
-        done(textOf({{"jsonrpc", "2.0"},
-                     {"id", nullptr},
-                     {"error",
-                      errorOf(kNotJson, "not JSON, at byte " + std::to_string(error.byte), Exit::Usage)}}));
+    } catch (const Json::exception& error) {
+        const auto* place = dynamic_cast<const Json::parse_error*>(&error);
+        const std::string why = place == nullptr ? "a number that is too large"
+                                                 : "not JSON, at byte " + std::to_string(place->byte);
+        done(textOf({{"jsonrpc", "2.0"}, {"id", nullptr}, {"error", errorOf(kNotJson, why, Exit::Usage)}}));
         return;
     }
     const bool batch = json.is_array();

@@ -27,6 +27,8 @@ constexpr size_t kLongestLine = 16 << 20;
 constexpr size_t kReadBytes = 64 << 10;
 /** Threads without work that are kept for the next. */
 constexpr int kIdle = 4;
+/** More than a session ever has under way, so that those too many are told; then its input waits. */
+constexpr int kMostServed = 80;
 constexpr std::chrono::milliseconds kUntilEnded(100);
 
 [[noreturn]] void fail(const char* call) {
@@ -167,12 +169,21 @@ class Session : public std::enable_shared_from_this<Session> {
             const std::lock_guard<std::mutex> lock(mMutex);
             ++mThreads;
         }
-        std::thread([self = shared_from_this()] {
-            self->work();
-            const std::lock_guard<std::mutex> lock(self->mMutex);
-            --self->mThreads;
-            self->mChanged.notify_all();
-        }).detach();
+        try {
+            std::thread([self = shared_from_this()] {
+                self->work();
+                const std::lock_guard<std::mutex> lock(self->mMutex);
+                --self->mThreads;
+                self->mChanged.notify_all();
+            }).detach();
+        } catch (const std::system_error&) {
+            // The next line waits until a thread has served its own.
+            const std::lock_guard<std::mutex> lock(mMutex);
+            --mThreads;
+            if (mThreads == 0) {
+                throw;
+            }
+        }
     }
 
     void work() {
@@ -197,6 +208,7 @@ class Session : public std::enable_shared_from_this<Session> {
         Lines::State state;
         bool alone = false;
         bool ready = false;
+        bool full = false;
         {
             // The turn is this thread's alone; the lock shows what it did to the next.
             const std::lock_guard<std::mutex> lock(mMutex);
@@ -211,12 +223,15 @@ class Session : public std::enable_shared_from_this<Session> {
                 ++mOpen;
                 ++mServing;
                 alone = mThreads == mServing;
+                full = mFull = mServing >= kMostServed;
             }
         }
-        if (alone) {
-            startThread();
+        if (!full) {
+            if (alone) {
+                startThread();
+            }
+            watch(EPOLL_CTL_MOD, ready ? mReady.fd() : mIn, EPOLLIN | EPOLLONESHOT);
         }
-        watch(EPOLL_CTL_MOD, ready ? mReady.fd() : mIn, EPOLLIN | EPOLLONESHOT);
         if (state == Lines::State::TooLong) {
             mWriter->write(Dispatcher::refusal("a line of more than 16 MiB"));
         }
@@ -226,6 +241,10 @@ class Session : public std::enable_shared_from_this<Session> {
         serve(line);
         const std::lock_guard<std::mutex> lock(mMutex);
         --mServing;
+        if (mFull) {
+            mFull = false;
+            watch(EPOLL_CTL_MOD, mIsFile || mLines.isReady() ? mReady.fd() : mIn, EPOLLIN | EPOLLONESHOT);
+        }
         mChanged.notify_all();
         return mThreads - mServing <= kIdle;
     }
@@ -266,8 +285,9 @@ class Session : public std::enable_shared_from_this<Session> {
     std::condition_variable mChanged;
     // Guarded by mMutex.
     int mThreads = 0;
-    int mServing = 0;  // of them
-    int mOpen = 0;     // messages that are not answered
+    int mServing = 0;    // of them
+    bool mFull = false;  // so many that the next line has to wait for one of them
+    int mOpen = 0;       // messages that are not answered
     bool mEnded = false;
 };
 

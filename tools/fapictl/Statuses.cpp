@@ -74,7 +74,7 @@ std::optional<std::string> parameter(const Package& package, const std::string& 
     } catch (const std::system_error&) {
         return std::nullopt;
     }
-    return future.wait_for(kPatience) == std::future_status::ready ? future.get() : "";
+    return future.wait_for(kPatience) == std::future_status::ready ? future.get() : std::nullopt;
 }
 
 /** The call as the library keeps it: the function's name, numbers and texts; lists and records left out. */

@@ -185,11 +185,13 @@ class Session:
             _end(self._process, idle)
             self._writing.release()
             if threading.current_thread() is not self._listener:
-                self._listener.join()
-            self._errors.join()
-            for stream in (self._process.stdout, self._process.stderr):
+                self._listener.join(_END)
+            self._errors.join(_END)
+            # A process that the command has left behind may hold the other end; then they stay open.
+            for thread, stream in ((self._listener, self._process.stdout), (self._errors, self._process.stderr)):
                 assert stream is not None
-                stream.close()
+                if not thread.is_alive() or thread is threading.current_thread():
+                    stream.close()
 
     # Below: on the listener's thread.
 
