@@ -51,7 +51,8 @@ def write(package, function, header, namespace, include, out):
             emit(f"                {label(field, package.comment(*path, field).text)},")
         emit("        };\n    }\n};\n")
     emit(f"const Package& {function}() {{")
-    emit(f"    static const Package package = {{\n        {literal(package.name)},\n        {{")
+    # Never destroyed: a call that nobody waits for any longer may still be under way when the process ends.
+    emit(f"    static const Package& package = *new Package{{\n        {literal(package.name)},\n        {{")
     for interface in package.interfaces:
         name = interface.name
         is_service = "false" if name in package.client_implemented else "true"
