@@ -1,7 +1,13 @@
 // The service's calls as another process is shown them, and as it makes them again.
 
+#include <cutils/native_handle.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/IZvtTvFApiManager.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "tests/process/ServiceFixture.h"
@@ -9,6 +15,7 @@
 namespace {
 
 using nlohmann::ordered_json;
+using ::vendor::zentrovi::tv::zvttvfactory::V1_0::IZvtTvFApiManager;
 
 class TraceTest : public ServiceFixture {
   protected:
@@ -115,6 +122,22 @@ TEST_F(TraceTest, FourMayLookAndOneWhoGoesMakesRoom) {
     EXPECT_EQ(0, listening.front().wait());
     service().stop(SIGKILL);
     EXPECT_EQ(4, listening.back().wait());
+}
+
+TEST_F(TraceTest, APipeThatHasAReaderForEverIsRefused) {
+    startAndWait();
+    const std::string path = mState + "/fifo";
+    ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
+    const int both = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(both, 0);
+    native_handle_t* const native = native_handle_create(1, 0);
+    native->data[0] = both;
+    ASSERT_TRUE(IZvtTvFApiManager::getService()->debug(native, {"trace"}).isOk());
+    native_handle_delete(native);
+    std::string page(4096, '\0');
+    page.resize(static_cast<size_t>(std::max<ssize_t>(0, read(both, page.data(), page.size()))));
+    close(both);
+    EXPECT_THAT(page, testing::HasSubstr("\ntrace: refused, it goes to the writing end of a pipe alone\n"));
 }
 
 }  // namespace
