@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -200,7 +201,12 @@ class Check {
               shownArguments(target.method, arguments));
         const Progress progress = mService.call(target.interface, target.method, arguments);
         hear();
-        if (progress != Progress::Running) {
+        if (progress == Progress::Failed) {
+            // At its bounds a call may ask for more than an answer can carry, which is nobody's fault.
+            if (arguments == plainArguments(target.method, true)) {
+                mFindings.fault(lastCalled(), "comes back, but its results do not reach the caller");
+            }
+        } else if (progress != Progress::Running) {
             mDeadly.insert(&target.method);
             mourn(progress, lastCalled());
         }
@@ -257,13 +263,18 @@ class Check {
             begin("ten calls at once");
             std::vector<std::thread> callers;
             std::vector<Progress> progress(kCallers, Progress::Running);
+            std::atomic<bool> failed{false};
             for (size_t i = 0; i < kCallers; ++i) {
                 callers.emplace_back([&, i] {
-                    for (size_t j = 0; j < targets.size() && progress[i] == Progress::Running; ++j) {
+                    const auto goesOn = [&] {
+                        return progress[i] == Progress::Running || progress[i] == Progress::Failed;
+                    };
+                    for (size_t j = 0; j < targets.size() && goesOn(); ++j) {
                         const size_t shift = same ? 0 : i * targets.size() / kCallers;
                         const Tested& target = targets[(j + shift) % targets.size()];
                         progress[i] = mService.call(target.interface, target.method,
                                                     plainArguments(target.method, true));
+                        failed = failed || progress[i] == Progress::Failed;
                     }
                 });
             }
@@ -271,6 +282,9 @@ class Check {
                 caller.join();
             }
             hear();
+            if (failed) {
+                mFindings.fault("", "results that do not reach their caller");
+            }
             for (const Progress how : {Progress::Late, Progress::Dead}) {
                 if (mAlive && std::count(progress.begin(), progress.end(), how) > 0) {
                     mourn(how, "");

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -24,6 +23,7 @@
 #include "tools/fapictl/Engine.h"
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Text.h"
+#include "tools/fapictl/Watchdog.h"
 
 namespace fapictl {
 namespace {
@@ -73,38 +73,6 @@ std::string withBefore(const std::string& first, const char* variable, const cha
 
 }  // namespace
 
-class CheckedService::Guard {
-  public:
-    Guard(CheckedService& service, double seconds)
-        : mThread([this, &service, seconds] {
-              std::unique_lock<std::mutex> lock(mMutex);
-              if (!mCondition.wait_for(lock, std::chrono::duration<double>(seconds),
-                                       [this] { return mOver; })) {
-                  {
-                      const std::lock_guard<std::mutex> serviceLock(service.mMutex);
-                      service.mLate = true;
-                  }
-                  // Not yet reaped, since whoever waits for it has this guard.
-                  kill(service.mPid, SIGKILL);
-              }
-          }) {}
-    ~Guard() {
-        {
-            const std::lock_guard<std::mutex> lock(mMutex);
-            mOver = true;
-            mCondition.notify_all();
-        }
-        mThread.join();
-    }
-    Guard(const Guard&) = delete;
-
-  private:
-    std::mutex mMutex;
-    std::condition_variable mCondition;
-    bool mOver = false;  // guarded by mMutex
-    std::thread mThread;
-};
-
 CheckedService::CheckedService(const Package& package, const std::string& folder, double seconds)
     : mPackage(package), mLibraries(folder), mSeconds(seconds) {
     std::error_code error;
@@ -116,7 +84,8 @@ CheckedService::CheckedService(const Package& package, const std::string& folder
                                                "): check needs it beside fapictl");
         }
     }
-    std::string path = (std::filesystem::temp_directory_path(error) / "fapictl-check-XXXXXX").string();
+    // Six letters that mkdtemp() replaces.
+    std::string path = std::filesystem::temp_directory_path(error) / ("fapictl-check-" + std::string(6, 'X'));
     if (mkdtemp(path.data()) == nullptr) {
         throw Failure(Exit::Output, "cannot make the folder " + inQuotes(path) + ": " + std::strerror(errno));
     }
@@ -243,9 +212,11 @@ bool CheckedService::findAll() {
             return instance.interface == interface.descriptor && instance.pid == mPid;
         });
         if (there && mProxies.count(&interface) == 0) {
-            mProxies[&interface] = interface.find("default");
+            if (const sp<IBase> proxy = interface.find("default"); proxy != nullptr) {
+                mProxies[&interface] = proxy;
+            }
         }
-        all = all && (there || !interface.isService);
+        all = all && (mProxies.count(&interface) > 0 || !interface.isService);
     }
     return all;
 }
@@ -256,11 +227,21 @@ CheckedService::Progress CheckedService::call(const Interface& interface, const 
     const sp<IBase> service = proxy == mProxies.end() ? nullptr : proxy->second;
     Reply reply;
     if (service != nullptr) {
-        const Guard guard(*this, mSeconds);
+        const Watchdog watchdog(mSeconds, [this] {
+            {
+                const std::lock_guard<std::mutex> lock(mMutex);
+                mLate = true;
+            }
+            // Not yet reaped, since whoever waits for it has this watchdog.
+            kill(mPid, SIGKILL);
+        });
         reply = method.call(*service, arguments);
     }
     const std::lock_guard<std::mutex> lock(mMutex);
-    return mLate ? Progress::Late : reply.dead ? Progress::Dead : Progress::Running;
+    return mLate                    ? Progress::Late
+           : reply.dead             ? Progress::Dead
+           : !reply.failure.empty() ? Progress::Failed
+                                    : Progress::Running;
 }
 
 void CheckedService::take() {

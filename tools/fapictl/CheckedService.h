@@ -34,7 +34,8 @@ class CheckedService {
         Waiting,  // ahead of the first module's start
         Running,
         Dead,
-        Late,  // and ended therefore
+        Late,    // and ended therefore
+        Failed,  // alive, but the call came back without results
     };
 
     /**
@@ -66,9 +67,6 @@ class CheckedService {
     size_t count(const char* what) const;
 
   private:
-    /** Ends the service when it is not destroyed in time. */
-    class Guard;
-
     Progress waitForOrder(char order);
     /** Finds the interfaces that are registered; whether all are. */
     bool findAll();

@@ -4,23 +4,33 @@
 
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 #include "tools/fapictl/Failure.h"
 #include "tools/fapictl/Model.h"
 
 namespace fapictl {
 
-Watchdog::Watchdog(double seconds, std::ostream& err)
-    : mThread([this, seconds, &err] {
-          constexpr double kGrace = 0.1;
+namespace {
+
+constexpr double kGrace = 0.1;
+
+}  // namespace
+
+Watchdog::Watchdog(double seconds, std::function<void()> late)
+    : mThread([this, seconds, late = std::move(late)] {
           std::unique_lock<std::mutex> lock(mMutex);
-          if (!mDone.wait_for(lock, std::chrono::duration<double>(seconds + kGrace),
-                              [this] { return mIsDone; })) {
-              err << "fapictl: no answer within " << Json(seconds).dump() << " s" << std::endl;
-              // What was printed before stays; nothing else is waited for.
-              std::fflush(stdout);
-              _exit(static_cast<int>(Exit::Transport));
+          if (!mDone.wait_for(lock, std::chrono::duration<double>(seconds), [this] { return mIsDone; })) {
+              late();
           }
+      }) {}
+
+Watchdog::Watchdog(double seconds, std::ostream& err)
+    : Watchdog(seconds + kGrace, [seconds, &err] {
+          err << "fapictl: no answer within " << Json(seconds).dump() << " s" << std::endl;
+          // What was printed before stays; nothing else is waited for.
+          std::fflush(stdout);
+          _exit(static_cast<int>(Exit::Transport));
       }) {}
 
 Watchdog::~Watchdog() {

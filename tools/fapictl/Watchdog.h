@@ -1,19 +1,23 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <ostream>
 #include <thread>
 
 namespace fapictl {
 
-/**
- * Ends the process when it lives longer than its seconds, and a tenth of one more for those who watch the
- * time themselves: a call to a service that is stopped comes back never, and cannot be taken back. The
- * message is that of Exit::Transport, and so is the code.
- */
+/** Acts, once, when it lives longer than its seconds. */
 class Watchdog {
   public:
+    /** @param late called on a thread of its own, which the destructor waits for */
+    Watchdog(double seconds, std::function<void()> late);
+    /**
+     * Ends the process, and gives a tenth of a second more to those who watch the time themselves: a call to
+     * a service that is stopped comes back never, and cannot be taken back. The message is that of
+     * Exit::Transport, and so is the code.
+     */
     Watchdog(double seconds, std::ostream& err);
     ~Watchdog();
     Watchdog(const Watchdog&) = delete;
