@@ -233,7 +233,7 @@ TEST_F(ServiceTest, ASessionGoesAsItsTranscriptSays) {
     EXPECT_EQ(0, session.process.wait());
 }
 
-TEST_F(ServiceTest, ASessionEndsWithoutItsReaderAndAtTheFirstSignalWhenThatOneStalls) {
+TEST_F(ServiceTest, ASessionAndAWatchEndWhenTheirReaderHasGoneOrStalls) {
     startAndWait();
     Session unread;
     unread.send(R"({"jsonrpc":"2.0","id":1,"method":"watch"})");
@@ -245,13 +245,25 @@ TEST_F(ServiceTest, ASessionEndsWithoutItsReaderAndAtTheFirstSignalWhenThatOneSt
     for (int i = 0; i < 60; ++i) {
         stalled.send(R"({"jsonrpc":"2.0","id":1,"method":"introspect"})");
     }
-    EXPECT_TRUE(eventually([&] {
+    const auto isFull = [](int pipe) {
         int written = 0;
-        ioctl(stalled.process.output(), FIONREAD, &written);
-        return written > fcntl(stalled.process.output(), F_GETPIPE_SZ) - PIPE_BUF;
-    }));
+        ioctl(pipe, FIONREAD, &written);
+        return written > fcntl(pipe, F_GETPIPE_SZ) - PIPE_BUF;
+    };
+    EXPECT_TRUE(eventually([&] { return isFull(stalled.process.output()); }));
     stalled.process.signal(SIGTERM);
     EXPECT_EQ(0, stalled.process.wait());
+
+    const std::string errors = mState + ".watch";
+    ChildProcess watch({getenv("ZVTTV_TEST_FAPICTL"), "watch", "--json"}, errors);
+    ASSERT_TRUE(eventually([&] { return contentOf(errors).find("watching") != std::string::npos; }));
+    for (int i = 0; i < 3; ++i) {
+        tool({"post", "0x10000", "text=" + std::string(100000, 'x')});
+    }
+    EXPECT_TRUE(eventually([&] { return isFull(watch.output()); }));
+    watch.signal(SIGTERM);
+    EXPECT_EQ(0, watch.wait());
+    std::filesystem::remove(errors);
 }
 
 TEST_F(ServiceTest, EachInterfaceAnswersTheRecordedHashOfItsFile) {

@@ -213,21 +213,6 @@ class Monitor {
     uint64_t mShown = 0;
 };
 
-/** Waits until there is more of the trace, or a signal, or the time has come. */
-void waitForMore(const Trace& trace, std::optional<steady_clock::time_point> deadline) {
-    pollfd fds[] = {{trace.fd(), POLLIN, 0}, {EndSignals::bell().fd(), POLLIN, 0}};
-    timespec left = {};
-    if (deadline) {
-        const auto duration = std::max(*deadline - steady_clock::now(), steady_clock::duration::zero());
-        const auto whole = std::chrono::floor<std::chrono::seconds>(duration);
-        left.tv_sec = whole.count();
-        left.tv_nsec = std::chrono::nanoseconds(duration - whole).count();
-    }
-    if (ppoll(fds, std::size(fds), deadline ? &left : nullptr, nullptr) < 0 && errno != EINTR) {
-        throw std::system_error(errno, std::generic_category(), "ppoll");
-    }
-}
-
 }  // namespace
 
 Exit monitor(const Context& context) {
@@ -244,6 +229,9 @@ Exit monitor(const Context& context) {
     Trace trace(*context.engine.find(findInterface(context.package, "Manager"), targetOf(context)));
     const EndSignals signals;
     watchdog.reset();
+    if (deadline) {
+        watchdog.emplace(*deadline, context.err);
+    }
     if (!options.quiet) {
         context.err << "monitoring: press Ctrl-C to end" << std::endl;
     }
@@ -268,7 +256,7 @@ Exit monitor(const Context& context) {
                                                    (monitor.shown() == 1 ? " call was" : " calls were") +
                                                    " shown until then");
         } else {
-            waitForMore(trace, deadline);
+            EndSignals::waitFor(trace.fd(), deadline);
             ended = !trace.receive();
         }
     }

@@ -2,8 +2,11 @@
 
 #include <signal.h>
 
+#include <chrono>
 #include <cstdint>
 #include <iterator>
+#include <optional>
+#include <thread>
 
 namespace fapictl {
 
@@ -26,6 +29,7 @@ class Bell {
 
 /**
  * While it lives, the signals that ask a process to end only ring a bell; the second one ends the process.
+ * One that has not ended a second after the first, since nobody reads what it writes, ends there, with 0.
  */
 class EndSignals {
   public:
@@ -36,9 +40,14 @@ class EndSignals {
     /** Lives for ever: a handler may still be running when the signals are given back. */
     static const Bell& bell();
 
+    /** Waits until the descriptor can be read, the bell has rung or the time has come; false for the last. */
+    static bool waitFor(int fd, std::optional<std::chrono::steady_clock::time_point> time);
+
   private:
     static constexpr int kSignals[] = {SIGINT, SIGTERM};
     struct sigaction mBefore[std::size(kSignals)] = {};
+    const Bell mOver;
+    std::thread mEnder;
 };
 
 }  // namespace fapictl

@@ -152,20 +152,9 @@ class Command {
 
 /** Sleeps until something happens or the time has come; false in the latter case. */
 bool sleepUntil(const Queue& queue, std::optional<steady_clock::time_point> time) {
-    pollfd fds[] = {{queue.bell().fd(), POLLIN, 0}, {EndSignals::bell().fd(), POLLIN, 0}};
-    timespec left = {};
-    if (time) {
-        const auto duration = std::max(*time - steady_clock::now(), steady_clock::duration::zero());
-        const auto whole = std::chrono::floor<std::chrono::seconds>(duration);
-        left.tv_sec = whole.count();
-        left.tv_nsec = std::chrono::nanoseconds(duration - whole).count();
-    }
-    const int ready = ppoll(fds, std::size(fds), time ? &left : nullptr, nullptr);
-    if (ready < 0 && errno != EINTR) {
-        throw std::system_error(errno, std::generic_category(), "ppoll");
-    }
+    const bool happened = EndSignals::waitFor(queue.bell().fd(), time);
     queue.bell().rang();
-    return ready != 0;
+    return happened;
 }
 
 /** The command may be null. */
@@ -263,6 +252,9 @@ Exit watch(const Context& context) {
     watches.add(context.engine, targetOf(context), listener);
     const EndSignals signals;
     watchdog.reset();
+    if (deadline) {
+        watchdog.emplace(*deadline, context.err);
+    }
     if (!options.quiet) {
         context.err << "watching: press Ctrl-C to end" << std::endl;
     }

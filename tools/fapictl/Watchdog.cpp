@@ -33,6 +33,12 @@ Watchdog::Watchdog(double seconds, std::ostream& err)
           _exit(static_cast<int>(Exit::Transport));
       }) {}
 
+Watchdog::Watchdog(std::chrono::steady_clock::time_point time, std::ostream& err)
+    : Watchdog(std::chrono::duration<double>(time - std::chrono::steady_clock::now()).count() + 1, [&err] {
+          err << "fapictl: nobody reads the output" << std::endl;
+          _exit(static_cast<int>(Exit::Output));
+      }) {}
+
 Watchdog::~Watchdog() {
     {
         const std::lock_guard<std::mutex> lock(mMutex);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -19,6 +20,11 @@ class Watchdog {
      * Exit::Transport, and so is the code.
      */
     Watchdog(double seconds, std::ostream& err);
+    /**
+     * Ends the process a second after the time has come: who prints until then has a reader that does not
+     * read. The code is that of Exit::Output.
+     */
+    Watchdog(std::chrono::steady_clock::time_point time, std::ostream& err);
     ~Watchdog();
     Watchdog(const Watchdog&) = delete;
 
