@@ -18,7 +18,8 @@ FOLDERS = ("Android.bp", "docs/device.md", "interface", "adapters", "manager", "
            "tools/fapictl")
 ROOTS = ("-r", f"{PACKAGE}:interface", "-r", "android.hidl.base:platform/hal/base")
 # What a module names when, and only when, its sources include a header of that beginning.
-LIBRARIES = {"libcutils": "<cutils/", "cli11-headers": "<CLI/", "nlohmann-json-headers": "<nlohmann/"}
+LIBRARIES = {"libcutils": "<cutils/", "cli11-headers": "<CLI/", "nlohmann-json-headers": "<nlohmann/",
+             "libmicrohttpd": "<microhttpd.h>"}
 # Whose clients may link the interface's library; see docs/device.md. The compiler writes the first.
 IMAGES = ("    product_specific: true,\n", "    system_ext_specific: true,\n", "")
 # Modules of the platform, and the one of the chip layer's two that the guide leaves to its reader. What else a module
@@ -205,9 +206,10 @@ def check_itself(root):
         ("service/frame/Android.bp", '    header_libs: ["libcutils_headers"],\n', ""),
         ("tools/fapictl/Android.bp", '        "Wait.cpp",\n', ""),
         ("tools/fapictl/Android.bp", '        "cli11-headers",\n', ""),
-        ("tools/fapictl/Android.bp", '    shared_libs: ["libcutils"],\n', ""),
+        ("tools/fapictl/Android.bp", '        "libcutils",\n', ""),
+        ("tools/fapictl/Android.bp", '        "libmicrohttpd",\n', ""),
         ("tools/fapictl/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
-        ("tools/fapictl/Android.bp", '    generated_sources: ["fapictl-table"],\n', ""),
+        ("tools/fapictl/Android.bp", '        "fapictl-table",\n    ],\n', "    ],\n"),
         ("tools/fapictl/Android.bp", '    srcs: ["generate.py"],\n    libs: ["fapictl-hal"],\n', '    srcs: ["generate.py"],\n'),
         ("service/trace/Android.bp", ":zvttvfactory-hal-files", ":zvttvfactory-hal"),
         ("service/Android.bp", '    generated_headers: ["zvttvfactory-traced-interfaces"],\n', ""),

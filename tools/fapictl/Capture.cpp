@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tools/fapictl/Board.h"
 #include "tools/fapictl/Names.h"
 #include "tools/fapictl/Text.h"
 #include "tools/fapictl/Verbs.h"
@@ -27,20 +28,6 @@ std::string environment(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-/** Where the simulated board of this user keeps its state, unless told otherwise. */
-std::string stateDirectory() {
-    if (const std::string chosen = environment("ZVTTV_STATE_DIR"); !chosen.empty()) {
-        return chosen;
-    }
-    if (const std::string states = environment("XDG_STATE_HOME"); !states.empty() && states[0] == '/') {
-        return states + "/zvttvfactory";
-    }
-    if (const std::string home = environment("HOME"); !home.empty()) {
-        return home + "/.local/state/zvttvfactory";
-    }
-    return "/tmp/zvttvfactory-" + std::to_string(geteuid());
-}
-
 /** A file that goes away, whatever becomes of its contents. */
 struct Removed {
     const std::string path;
@@ -58,6 +45,19 @@ std::string contentOf(const std::string& path) {
 }
 
 }  // namespace
+
+std::string stateDirectory() {
+    if (const std::string chosen = environment("ZVTTV_STATE_DIR"); !chosen.empty()) {
+        return chosen;
+    }
+    if (const std::string states = environment("XDG_STATE_HOME"); !states.empty() && states[0] == '/') {
+        return states + "/zvttvfactory";
+    }
+    if (const std::string home = environment("HOME"); !home.empty()) {
+        return home + "/.local/state/zvttvfactory";
+    }
+    return "/tmp/zvttvfactory-" + std::to_string(geteuid());
+}
 
 const std::vector<std::string>& captureLayers() {
     static const std::vector<std::string> layers = {"all", "video", "graphics", "osd"};

@@ -207,6 +207,15 @@ constexpr const char* kSessionHelp =
         "SIGTERM; with 5 when nobody reads its output.\n\n"
         "  echo '{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"version\"}' | fapictl session\n";
 
+constexpr const char* kServeHelp =
+        "Serves a page that shows the simulated board's panel, calls every method and streams the events, "
+        "and prints\n"
+        "its address, which is a secret: whoever knows it may call the service. Only this machine can use "
+        "it, "
+        "until\n"
+        "Ctrl-C. It is JSON-RPC over HTTP, for programs too: docs/session.md.\n\n"
+        "  fapictl serve --open\n";
+
 /** The whole command line as options; what is no option is left in words. */
 struct Parser {
     Options options;
@@ -260,6 +269,10 @@ struct Parser {
                 ->type_name("[=NAME]");
         app.add_flag("--ready", options.ready, "wait until calls are no longer answered with -5, not ready");
         app.add_flag("--all", options.all, "list other packages' services too; check dangerous methods too");
+        app.add_option("--port", options.port, "listen on that port; 0 is one that is free")
+                ->type_name("N")
+                ->capture_default_str();
+        app.add_flag("--open", options.open, "open the page in a browser");
         app.add_flag("-h,--help", help, "print this help");
         app.add_flag("--version", version, "print the version of this program and of the interfaces");
     }
@@ -407,7 +420,7 @@ Exit runVerb(const Package& package, const std::vector<std::string>& arguments, 
     warnAboutUselessOptions(parser, verb, err);
     // These go by the time themselves.
     const bool watched = options.timeout && verb.run != wait && verb.run != watch && verb.run != monitor &&
-                         verb.run != check && verb.run != session;
+                         verb.run != check && verb.run != session && verb.run != serve;
     const std::optional<Watchdog> watchdog =
             watched ? std::optional<Watchdog>(std::in_place, *options.timeout, err) : std::nullopt;
     Engine engine(package);
@@ -551,6 +564,15 @@ const std::vector<Verb>& verbs() {
              0,
              0,
              session},
+            {"serve",
+             "",
+             "serve a page for browsers",
+             kServeHelp,
+             Words::None,
+             {"port", "open", "instance", "timeout"},
+             0,
+             0,
+             serve},
     };
     return all;
 }

@@ -199,6 +199,8 @@ class Parameters {
   public:
     explicit Parameters(const Json& given) : mGiven(given) {}
 
+    const Json& all() const { return mGiven; }
+
     /** Null when it is not given. */
     const Json* find(const char* name) const {
         const auto at = mGiven.find(name);
@@ -336,6 +338,14 @@ struct Served {
 }  // namespace
 
 struct Dispatcher::Impl {
+    struct RpcMethod {
+        const char* name;
+        std::vector<std::string> parameters;
+        std::function<Served(const std::shared_ptr<Impl>& impl, const Parameters& parameters,
+                             const Target& target)>
+                serve;
+    };
+
     Impl(const Package& thePackage, Target theDefaults, Send theNotify)
         : package(thePackage),
           engine(thePackage, Engine::Services::Keep),
@@ -396,6 +406,7 @@ struct Dispatcher::Impl {
     Engine engine;
     const Target defaults;
     const Send notify;
+    std::vector<RpcMethod> methods;  // not changed once requests come
     Deadlines deadlines;
     Watches watches;
     std::atomic<int> underWay{0};
@@ -575,11 +586,7 @@ Served unwatch(const std::shared_ptr<Impl>& impl, const Parameters& parameters, 
     return Json{{"watch", number}, {"events", events}};
 }
 
-struct RpcMethod {
-    const char* name;
-    std::vector<std::string> parameters;
-    Served (*serve)(const std::shared_ptr<Impl>& impl, const Parameters& parameters, const Target& target);
-};
+using RpcMethod = Impl::RpcMethod;
 
 const std::vector<RpcMethod>& rpcMethods() {
     static const std::vector<RpcMethod> methods = {
@@ -597,11 +604,10 @@ const std::vector<RpcMethod>& rpcMethods() {
     return methods;
 }
 
-const RpcMethod* findRpcMethod(const std::string& name) {
-    const std::vector<RpcMethod>& methods = rpcMethods();
-    const auto at = std::find_if(methods.begin(), methods.end(),
+const RpcMethod* findRpcMethod(const Impl& impl, const std::string& name) {
+    const auto at = std::find_if(impl.methods.begin(), impl.methods.end(),
                                  [&](const RpcMethod& method) { return name == method.name; });
-    return at == methods.end() ? nullptr : &*at;
+    return at == impl.methods.end() ? nullptr : &*at;
 }
 
 /** Throws Failure (Usage) for one that the method does not take. */
@@ -638,10 +644,10 @@ class Request {
                                               Exit::Usage));
             return;
         }
-        mMethod = findRpcMethod(name->get_ref<const std::string&>());
+        mMethod = findRpcMethod(*mImpl, name->get_ref<const std::string&>());
         if (mMethod == nullptr) {
             std::vector<std::string> names;
-            for (const RpcMethod& method : rpcMethods()) {
+            for (const RpcMethod& method : mImpl->methods) {
                 names.push_back(method.name);
             }
             const std::string& asked = name->get_ref<const std::string&>();
@@ -727,8 +733,18 @@ class Request {
 
 }  // namespace
 
-Dispatcher::Dispatcher(const Package& package, Target defaults, Send notify)
-    : mImpl(std::make_shared<Impl>(package, std::move(defaults), std::move(notify))) {}
+Dispatcher::Dispatcher(const Package& package, Target defaults, Send notify, std::vector<Further> further)
+    : mImpl(std::make_shared<Impl>(package, std::move(defaults), std::move(notify))) {
+    for (Further& method : further) {
+        mImpl->methods.push_back(
+                {method.name, std::move(method.parameters),
+                 [serve = std::move(method.serve)](const std::shared_ptr<Impl>&, const Parameters& parameters,
+                                                   const Target& target) {
+                     return Served(serve(parameters.all(), target));
+                 }});
+    }
+    mImpl->methods.insert(mImpl->methods.end(), rpcMethods().begin(), rpcMethods().end());
+}
 
 Dispatcher::~Dispatcher() = default;
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/fapictl/Engine.h"
 
@@ -23,11 +24,19 @@ class Dispatcher {
     /** Requests that may be under way at a time, those left behind by their deadlines included. */
     static constexpr int kUnderWay = 64;
 
+    /** A method besides those that every dispatcher has, or instead of the one of its name. */
+    struct Further {
+        const char* name;
+        std::vector<std::string> parameters;
+        /** Returns the result. Throws Failure. On any thread. */
+        std::function<Json(const Json& params, const Target& target)> serve;
+    };
+
     /**
      * @param defaults of requests that do not say otherwise
      * @param notify is sent the events of watches
      */
-    Dispatcher(const Package& package, Target defaults, Send notify);
+    Dispatcher(const Package& package, Target defaults, Send notify, std::vector<Further> further = {});
     /** Requires that serve() has returned everywhere. Nothing is sent from then on. */
     ~Dispatcher();
     Dispatcher(const Dispatcher&) = delete;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -31,6 +32,8 @@ struct Options {
     std::vector<std::string> ignored;  // methods and results that may differ
     std::string out;                   // a file, "-" for standard output, empty for none
     std::optional<std::string> raw;    // a result's name, "-" for the only one
+    uint16_t port = 0;                 // to listen on, 0 for one that is free
+    bool open = false;                 // the page, in a browser
 };
 
 /** Options::raw without a name. */
@@ -75,6 +78,7 @@ Exit monitor(const Context& context);
 Exit replay(const Context& context);
 Exit check(const Context& context);
 Exit session(const Context& context);
+Exit serve(const Context& context);
 
 /** The service that the options name, and how long they let it be waited for. */
 Target targetOf(const Context& context);
