@@ -64,8 +64,10 @@ class Page {
     std::unique_ptr<native_handle_t, Delete> mHandle;
 };
 
-std::string pageOf(IBase& service,
-                   const android::hardware::hidl_vec<android::hardware::hidl_string>& options) {
+}  // namespace
+
+std::string debugText(IBase& service, const std::vector<std::string>& words) {
+    const android::hardware::hidl_vec<android::hardware::hidl_string> options(words.begin(), words.end());
     Page page;
     std::string text;
     // The service writes while the call lasts, and more than a pipe holds.
@@ -79,12 +81,9 @@ std::string pageOf(IBase& service,
     return text;
 }
 
-}  // namespace
-
 Exit debug(const Context& context) {
     const std::vector<std::string>& words = context.options.words;
-    const android::hardware::hidl_vec<android::hardware::hidl_string> passedOn(words.begin() + 1,
-                                                                               words.end());
+    const std::vector<std::string> passedOn(words.begin() + 1, words.end());
     bool found = false;
     bool written = false;  // pages are parted by an empty line
     for (const Interface* interface : selectInterfaces(context.package, words[0])) {
@@ -96,7 +95,7 @@ Exit debug(const Context& context) {
                           shortName(*interface) + " is implemented by clients, it cannot be asked");
         }
         const sp<IBase> service = context.engine.find(*interface, targetOf(context));
-        const std::string page = pageOf(*service, passedOn);
+        const std::string page = debugText(*service, passedOn);
         context.out << (written && !page.empty() ? "\n" : "") << page;
         written = written || !page.empty();
         if (page.empty()) {

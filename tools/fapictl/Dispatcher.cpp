@@ -586,6 +586,11 @@ Served unwatch(const std::shared_ptr<Impl>& impl, const Parameters& parameters, 
     return Json{{"watch", number}, {"events", events}};
 }
 
+Served debug(const std::shared_ptr<Impl>& impl, const Parameters& parameters, const Target& target) {
+    const Interface& interface = findCallable(impl->package, parameters.text("interface"));
+    return Json{{"text", debugText(*impl->engine.find(interface, target), {})}};
+}
+
 using RpcMethod = Impl::RpcMethod;
 
 const std::vector<RpcMethod>& rpcMethods() {
@@ -600,6 +605,7 @@ const std::vector<RpcMethod>& rpcMethods() {
             {"capture", {"layers"}, capture},
             {"edid", {"port"}, edid},
             {"wait", {"interfaces", "ready"}, wait},
+            {"debug", {"interface"}, debug},
     };
     return methods;
 }

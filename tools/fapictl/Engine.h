@@ -113,6 +113,9 @@ const Interface& findCallable(const Package& package, const std::string& name);
  */
 Json introspection(const Package& package, const std::vector<std::string>& names);
 
+/** What a service writes of its state; the words are its own options. Throws Failure (Transport). */
+std::string debugText(IBase& service, const std::vector<std::string>& words);
+
 /** What of the picture a capture shows; the place is the service's option. */
 const std::vector<std::string>& captureLayers();
 
