@@ -39,6 +39,16 @@ std::string obey(const std::string& order) {
     return {};
 }
 
+std::string wholeState() {
+    return std::string("[board]\nversion ") + kBoardVersion + "\nready " + (boardReady() ? "yes" : "no") +
+           "\n" + describeForcedStatuses() + "\n" + Module::describeAll("");
+}
+
+int32_t keepState(const std::string& text) {
+    static StateFolder& sRoot = *new StateFolder(boardState(), "");
+    return sRoot.replace(kStateFile, text, kStateFileMode);
+}
+
 }  // namespace
 
 int32_t forceOrder(const std::string& order) {
@@ -51,20 +61,21 @@ int32_t forceOrder(const std::string& order) {
 }
 
 int32_t printState(const std::string& module) {
-    std::string text;
-    if (module.empty()) {
-        text = std::string("[board]\nversion ") + kBoardVersion + "\nready " + (boardReady() ? "yes" : "no") +
-               "\n" + describeForcedStatuses() + "\n";
-    }
-    const std::string modules = Module::describeAll(module);
-    if (!module.empty() && modules.empty()) {
+    const std::string text = module.empty() ? wholeState() : Module::describeAll(module);
+    if (text.empty()) {
         complain("no module \"" + module + "\" that shows its state");
         return kNotFound;
     }
-    text += modules;
     fprintf(stderr, "board: its state:\n%s", text.c_str());
-    static StateFolder& sRoot = *new StateFolder(boardState(), "");
-    return sRoot.replace(kStateFile, text, kStateFileMode);
+    return keepState(text);
+}
+
+int32_t writeState(std::string* path) {
+    const int32_t status = keepState(wholeState());
+    if (status == kOk) {
+        *path = boardState().path() + "/" + kStateFile;
+    }
+    return status;
 }
 
 }  // namespace simulator

@@ -26,4 +26,7 @@ int32_t forceOrder(const std::string& order);
  */
 int32_t printState(const std::string& module);
 
+/** Writes that file with the state of the whole board, prints nothing, and tells the file's absolute path. */
+int32_t writeState(std::string* path);
+
 }  // namespace simulator

@@ -1,7 +1,11 @@
 #include "simulator/board/OwnParameters.h"
 
 #include <cstring>
+#include <map>
+#include <mutex>
 
+#include "simulator/board/Board.h"
+#include "simulator/board/BoardOrders.h"
 #include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
@@ -28,7 +32,26 @@ std::string refusal(const std::string& call) {
     return reason.empty() ? refusalOf(call.substr(0, call.find(' '))) : reason;
 }
 
+using Tell = int32_t (*)(std::string* value);
+
+std::mutex sMutex;
+std::map<std::string, Tell>& added() {  // guarded by sMutex
+    static auto& sAdded = *new std::map<std::string, Tell>;
+    return sAdded;
+}
+
+Tell addedFor(const std::string& parameter) {
+    const std::lock_guard<std::mutex> lock(sMutex);
+    const auto found = added().find(parameter);
+    return found == added().end() ? nullptr : found->second;
+}
+
 }  // namespace
+
+void addOwnParameter(const std::string& parameter, int32_t (*tell)(std::string* value)) {
+    const std::lock_guard<std::mutex> lock(sMutex);
+    added()[parameter] = tell;
+}
 
 bool isOwnFile(const char* file) {
     return file != nullptr && (strcmp(file, "board") == 0 || strcmp(file, "board.ini") == 0);
@@ -40,6 +63,16 @@ int32_t ownParameter(const std::string& parameter, std::string* value) {
     const std::string key = colon == std::string::npos ? "" : parameter.substr(colon + 1);
     int32_t status = 0;
     value->clear();
+    if (parameter == "state:folder") {
+        *value = boardState().path();
+        return kOk;
+    }
+    if (parameter == "state:file") {
+        return writeState(value);
+    }
+    if (const Tell tell = addedFor(parameter); tell != nullptr) {
+        return tell(value);
+    }
     if (section == "status" && readNumber(key, &status)) {
         *value = statusName(status);
     } else if (section == "refusal") {

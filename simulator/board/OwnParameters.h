@@ -13,6 +13,9 @@ namespace simulator {
 //                                 of a send_cmd_to_factory_svc, exactly
 //     refusal:FUNCTION WORD...    why that function of the chip layer refused its last call, whatever the
 //                                 words
+//     state:folder                the absolute path of the state folder
+//     state:file                  writes the file of the state anew, silently, and tells its absolute path
+//     picture:revision            see addOwnParameter()
 
 /** The function whose first argument is COMMAND. */
 constexpr const char* kOrderFunction = "sys_send_cmd_to_factory_svc";
@@ -20,7 +23,11 @@ constexpr const char* kOrderFunction = "sys_send_cmd_to_factory_svc";
 /** Whether a configuration file's name is that of this one. A file of that name in ini/ is out of reach. */
 bool isOwnFile(const char* file);
 
-/** Reads one of the parameters above; kNotFound for another one, and for what there is nothing to tell of. */
+/** Makes a parameter known that another room tells, for good; on any thread. */
+void addOwnParameter(const std::string& parameter, int32_t (*tell)(std::string* value));
+
+/** Reads one of the parameters above; kNotFound for another one, and for what there is nothing to tell of;
+ * a status of the state's file. */
 int32_t ownParameter(const std::string& parameter, std::string* value);
 
 }  // namespace simulator

@@ -5,6 +5,7 @@
 
 #include "simulator/board/ChipCall.h"
 #include "simulator/board/Module.h"
+#include "simulator/board/OwnParameters.h"
 #include "simulator/modules/ChipLayer.h"
 #include "simulator/panel/Capture.h"
 #include "simulator/panel/Panel.h"
@@ -52,6 +53,10 @@ int32_t a_zvttvfapi_disp_init() {
         const int32_t result = self().init();
         if (result == kOk) {
             panel();
+            addOwnParameter("picture:revision", [](std::string* value) {
+                *value = std::to_string(panel().revision());
+                return kOk;
+            });
         }
         return result;
     });

@@ -24,7 +24,7 @@ constexpr std::chrono::seconds kOwnPace{2};
 
 std::string describe() {
     std::string text;
-    panel().withLayers([&](Layers& layers) {
+    panel().lookAtLayers([&](const Layers& layers) {
         text += "test pattern " + std::to_string(static_cast<unsigned>(layers.pattern.kind())) + "\n";
         text += "burn-in " +
                 (layers.burnIn ? std::to_string(layers.burnIn->colours.size()) + " colours, " +
@@ -40,7 +40,6 @@ std::string describe() {
         for (unsigned layer = 0; layer < kOsdLayers; ++layer) {
             text += "OSD layer " + std::to_string(layer) + (layers.osd[layer] ? " on\n" : " off\n");
         }
-        return kOk;
     });
     return text;
 }

@@ -21,7 +21,10 @@ std::string versionText(int64_t version) {
 
 }  // namespace
 
-Panel::Panel() {
+Panel::Panel()
+    : mRevision(static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                              std::chrono::system_clock::now().time_since_epoch())
+                                              .count())) {
     // Whatever is wrong has been said, and the set starts all the same.
     displaySettings();
     loadDriverParameters(&mDriver);
@@ -32,19 +35,28 @@ int32_t Panel::reloadDriver() {
     const std::lock_guard<std::mutex> lock(mMutex);
     const int32_t result = displaySettings().load();
     const int32_t driver = loadDriverParameters(&mDriver);
+    changed();
     return result != kOk ? result : driver;
 }
 
 int32_t Panel::reloadPq() {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return loadPqData(&mPqData);
+    const int32_t result = loadPqData(&mPqData);
+    changed();
+    return result;
 }
 
 int32_t Panel::change(const std::vector<Change>& changes) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return changeLocked(changes);
+}
+
+int32_t Panel::changeLocked(const std::vector<Change>& changes) {
     std::vector<std::pair<size_t, Settings::Values>> groups;
     for (const auto& [setting, values] : changes) {
         groups.emplace_back(static_cast<size_t>(setting), values);
     }
+    changed();
     return displaySettings().set(groups);
 }
 
@@ -57,13 +69,14 @@ int32_t Panel::changePicture(size_t parameter, int64_t value) {
         return kOutOfRange;
     }
     const std::lock_guard<std::mutex> lock(mMutex);
+    changed();
     return displaySettings().change(static_cast<size_t>(pictureSetting()),
                                     [&](Settings::Values& values) { values[parameter] = value; });
 }
 
 int32_t Panel::changePicture(const Settings::Values& parameters) {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return change({{pictureSetting(), parameters}});
+    return changeLocked({{pictureSetting(), parameters}});
 }
 
 bool Panel::inPqRange(size_t item, int64_t value) const {
@@ -78,7 +91,7 @@ int32_t Panel::changePq(const Settings::Values& items) {
             return kOutOfRange;
         }
     }
-    return change({{Setting::Pq, items}});
+    return changeLocked({{Setting::Pq, items}});
 }
 
 int32_t Panel::changePqItem(size_t item, int64_t value) {
@@ -86,6 +99,7 @@ int32_t Panel::changePqItem(size_t item, int64_t value) {
     if (item >= kPqItems || !inPqRange(item, value)) {
         return kOutOfRange;
     }
+    changed();
     return displaySettings().change(static_cast<size_t>(Setting::Pq), [&](Settings::Values& items) {
         clampPq(items);
         items[item] = value;
@@ -119,6 +133,20 @@ Settings Panel::seenSettings() const {
 std::vector<uint8_t> Panel::picture(Seen seen) const {
     const std::lock_guard<std::mutex> lock(mMutex);
     return compose(seenSettings(), mLayers, bannerLocked(), seen, PanelClock::now());
+}
+
+void Panel::followTime() const {
+    const Moment moment = Moment::of(mLayers, PanelClock::now());
+    if (!(moment == mMoment)) {
+        mMoment = moment;
+        ++mRevision;
+    }
+}
+
+uint64_t Panel::revision() const {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    followTime();
+    return mRevision;
 }
 
 std::vector<std::string> Panel::banner() const {

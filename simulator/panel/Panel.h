@@ -46,8 +46,22 @@ class Panel {
     template <typename Body>
     int32_t withLayers(Body body) {
         const std::lock_guard<std::mutex> lock(mMutex);
-        return body(mLayers);
+        const int32_t result = body(mLayers);
+        changed();
+        return result;
     }
+    /** The same, for those who only look. */
+    template <typename Body>
+    void lookAtLayers(Body body) const {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        body(static_cast<const Layers&>(mLayers));
+    }
+
+    /**
+     * Another number whenever what is seen may be another picture, by a change or by the time. It does not
+     * begin at the same number in each run of the service. Composes nothing.
+     */
+    uint64_t revision() const;
 
     /** As compose(). */
     std::vector<uint8_t> picture(Seen seen) const;
@@ -56,6 +70,11 @@ class Panel {
     std::vector<std::string> banner() const;
 
   private:
+    // With mMutex held, which makes a change and its number one.
+    void changed() { ++mRevision; }
+    void followTime() const;
+
+    int32_t changeLocked(const std::vector<Change>& changes);
     Setting pictureSetting() const;
     bool inPqRange(size_t item, int64_t value) const;
     void clampPq(Settings::Values& items) const;
@@ -67,6 +86,8 @@ class Panel {
     DriverParameters mDriver;
     PqData mPqData;
     Layers mLayers;
+    mutable uint64_t mRevision;
+    mutable Moment mMoment;  // which the revision stands for
 };
 
 /** Made on first use, never destroyed. */

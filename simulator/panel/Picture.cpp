@@ -120,13 +120,12 @@ class Video {
           mPq(settings[static_cast<Setting>(static_cast<unsigned>(Setting::PictureMain) + layers.window)],
               settings[Setting::Pq]),
           mPlace(kWindowPlaces[layers.window]) {
-        if (!layers.patternEnd || now < *layers.patternEnd) {
+        const Moment moment = Moment::of(layers, now);
+        if (!moment.patternEnded) {
             mPattern = layers.pattern;
         }
         if (layers.burnIn) {
-            const BurnIn& burnIn = *layers.burnIn;
-            const auto passed = std::max((now - burnIn.start) / burnIn.interval, decltype(now - now)::rep{0});
-            mBurnIn = burnIn.colours[static_cast<size_t>(passed) % burnIn.colours.size()];
+            mBurnIn = layers.burnIn->colours[moment.burnInColour];
         }
     }
 
@@ -244,6 +243,17 @@ class Output {
 };
 
 }  // namespace
+
+Moment Moment::of(const Layers& layers, PanelClock::time_point now) {
+    Moment moment;
+    moment.patternEnded = layers.patternEnd && now >= *layers.patternEnd;
+    if (layers.burnIn) {
+        const BurnIn& burnIn = *layers.burnIn;
+        const auto passed = std::max((now - burnIn.start) / burnIn.interval, decltype(now - now)::rep{0});
+        moment.burnInColour = static_cast<size_t>(passed) % burnIn.colours.size();
+    }
+    return moment;
+}
 
 std::vector<uint8_t> compose(const Settings& settings, const Layers& layers,
                              const std::vector<std::string>& banner, Seen seen, PanelClock::time_point now) {

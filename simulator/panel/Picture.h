@@ -54,6 +54,17 @@ struct Layers {
     bool osd[kOsdLayers] = {};
 };
 
+/** What of the layers the time has changed. */
+struct Moment {
+    bool patternEnded = false;
+    size_t burnInColour = 0;
+
+    static Moment of(const Layers& layers, PanelClock::time_point now);
+    bool operator==(const Moment& other) const {
+        return patternEnded == other.patternEnded && burnInColour == other.burnInColour;
+    }
+};
+
 /** Which layers a picture is composed of, by the number that clients choose them with. */
 enum class Seen : int32_t { All, Video, Graphics, Osd };
 constexpr int32_t kSeens = 4;
