@@ -40,6 +40,7 @@ void Receiver::start() {
     mState.signal = arriving();
     mState.locked = mState.signal.present;
     mRunning = true;
+    mChanged(mState);
 }
 
 void Receiver::stop() {
@@ -47,6 +48,7 @@ void Receiver::stop() {
     mRunning = false;
     mState = State();
     ++mSearch;
+    mChanged(mState);
 }
 
 Receiver::State Receiver::state() const {
@@ -59,6 +61,7 @@ void Receiver::lose() {
     if (mState.locked) {
         mState.locked = false;
         mState.signal = Signal();
+        mChanged(mState);
         mEvents.raise(mModule, INPSRC_EVENT_SIGNAL_LOCK, lockEvent(mState.source, false));
     }
 }
@@ -88,6 +91,7 @@ void Receiver::found(uint64_t search) {
             payload.objects[1].strValue = mState.signal.describe();
         }
         mState.locked = true;
+        mChanged(mState);
         mEvents.raise(mModule, type, payload);
     }
 }
@@ -118,6 +122,7 @@ int32_t Receiver::select(ZvtTvFApiInputSource_e source) {
         return status;
     }
     mState = {source, false, Signal()};
+    mChanged(mState);
     mEvents.raise(mModule, INPSRC_EVENT_SIGNAL_LOCK, lockEvent(source, false));
     search();
     return kOk;

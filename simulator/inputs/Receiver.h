@@ -18,7 +18,16 @@ namespace simulator {
  */
 class Receiver {
   public:
-    explicit Receiver(Module& module) : mModule(module) {}
+    struct State {
+        fapi_core::ZvtTvFApiInputSource_e source = fapi_core::INPUT_SOURCE_NONE;
+        bool locked = false;
+        /** As it was locked; not present without a lock. */
+        Signal signal;
+    };
+    /** Told of each change before its event is, on the thread that made it; it must not call the receiver. */
+    using Listener = void (*)(const State& state);
+
+    Receiver(Module& module, Listener changed) : mModule(module), mChanged(changed) {}
 
     /** Finds the current source as it was, its signal locked: that hardware runs on while the service
      * restarts. */
@@ -26,12 +35,6 @@ class Receiver {
     /** Loses the lock without an event. */
     void stop();
 
-    struct State {
-        fapi_core::ZvtTvFApiInputSource_e source = fapi_core::INPUT_SOURCE_NONE;
-        bool locked = false;
-        /** As it was locked; not present without a lock. */
-        Signal signal;
-    };
     State state() const;
 
     // What the world does. A status of the settings' file: then nothing has changed.
@@ -52,6 +55,7 @@ class Receiver {
     void found(uint64_t search);
 
     Module& mModule;
+    const Listener mChanged;
     mutable std::mutex mMutex;
     // All below guarded by mMutex. Events are handed to mEvents under it, so that they come in its order.
     State mState;

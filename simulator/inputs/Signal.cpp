@@ -117,6 +117,10 @@ const char* nameOf(ZvtTvFApiInputSource_e source) {
     return kSources[source].name;
 }
 
+const char* nameOf(ZvtTvFApiVideoStandard_e standard) {
+    return kStandards[standard].name;
+}
+
 ZvtTvFApiInputSourceType_e typeOf(ZvtTvFApiInputSource_e source) {
     return kSources[source].type;
 }

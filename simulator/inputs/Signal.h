@@ -23,6 +23,9 @@ bool isAnalogueVideo(fapi_core::ZvtTvFApiInputSource_e source);
 constexpr unsigned kAdcs = 3;
 std::optional<unsigned> adcOf(unsigned source);
 
+/** A colour standard's name, as orders write it. */
+const char* nameOf(fapi_core::ZvtTvFApiVideoStandard_e standard);
+
 /** What arrives at the input of a source. */
 struct Signal {
     bool present = false;

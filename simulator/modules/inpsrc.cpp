@@ -6,6 +6,7 @@
 #include "simulator/inputs/AdcCalibration.h"
 #include "simulator/inputs/Receiver.h"
 #include "simulator/modules/ChipLayer.h"
+#include "simulator/panel/Panel.h"
 
 using namespace simulator;
 using namespace fapi_core;
@@ -19,8 +20,54 @@ Module& self() {
     return sModule;
 }
 
+/** How the pictures of the sources can be told apart: by their motif, and by the hue within one. */
+void showOnPanel(const Receiver::State& state) {
+    InputSignal input;
+    switch (typeOf(state.source)) {
+        case INPUT_SOURCE_TYPE_TUNER:
+            input.motif = InputMotif::Hills;
+            input.hue = state.source == INPUT_SOURCE_ATV ? 90 : 140;
+            break;
+        case INPUT_SOURCE_TYPE_COMPOSITE:
+            input.motif = InputMotif::Stripes;
+            input.hue = 20;
+            break;
+        case INPUT_SOURCE_TYPE_COMPONENT:
+            input.motif = InputMotif::Discs;
+            break;
+        case INPUT_SOURCE_TYPE_PC:
+            input.motif = InputMotif::Tiles;
+            input.hue = 210;
+            break;
+        case INPUT_SOURCE_TYPE_HDMI:
+            input.motif = InputMotif::Diamonds;
+            input.hue = 250 + 40U * (state.source - INPUT_SOURCE_HDMI1);
+            break;
+        case INPUT_SOURCE_TYPE_MEDIA:
+            input.motif = InputMotif::Film;
+            input.hue = 170;
+            break;
+        default:
+            break;
+    }
+    const Signal& signal = state.signal;
+    input.name = nameOf(state.source);
+    input.locked = state.locked;
+    if (state.locked) {
+        input.timing = signal.describe();
+        if (signal.standard != VIDEO_STANDARD_UNKNOWN) {
+            input.timing += std::string(" ") + nameOf(signal.standard);
+        }
+        input.width = signal.width;
+        input.height = signal.height;
+        // The pixels of standard definition are not square.
+        input.wide = signal.width != 720 || (signal.height != 480 && signal.height != 576);
+    }
+    panel().setInput(input);
+}
+
 Receiver& receiver() {
-    static Receiver& sReceiver = *new Receiver(self());
+    static Receiver& sReceiver = *new Receiver(self(), showOnPanel);
     return sReceiver;
 }
 

@@ -57,19 +57,7 @@ const Glyph& glyphOf(char letter) {
 }
 
 void write(const std::string& text, int64_t x, int64_t y, Surface* surface) {
-    for (const char letter : text) {
-        const Glyph& glyph = glyphOf(letter);
-        for (int64_t row = 0; row < 7; ++row) {
-            for (int64_t column = 0; column < 5; ++column) {
-                if ((glyph.rows[row] >> (4 - column) & 1) != 0) {
-                    const int64_t left = x + column * kPixel;
-                    const int64_t top = y + row * kPixel;
-                    surface->fill({left, top, left + kPixel, top + kPixel}, kInk);
-                }
-            }
-        }
-        x += kLetterWidth;
-    }
+    drawText(text, x, y, kPixel, kInk, surface);
 }
 
 void drawBox(const Box& box, Surface* surface) {
@@ -77,6 +65,26 @@ void drawBox(const Box& box, Surface* surface) {
 }
 
 }  // namespace
+
+void drawText(const std::string& text, int64_t x, int64_t y, int64_t pixel, Argb ink, Surface* surface) {
+    for (const char letter : text) {
+        const Glyph& glyph = glyphOf(letter);
+        for (int64_t row = 0; row < 7; ++row) {
+            for (int64_t column = 0; column < 5; ++column) {
+                if ((glyph.rows[row] >> (4 - column) & 1) != 0) {
+                    const int64_t left = x + column * pixel;
+                    const int64_t top = y + row * pixel;
+                    surface->fill({left, top, left + pixel, top + pixel}, ink);
+                }
+            }
+        }
+        x += 6 * pixel;
+    }
+}
+
+int64_t textWidth(const std::string& text, int64_t pixel) {
+    return text.empty() ? 0 : static_cast<int64_t>(text.size()) * 6 * pixel - pixel;
+}
 
 void drawOsd(const std::vector<std::string>& banner, bool subtitle, Surface* surface) {
     if (!banner.empty()) {

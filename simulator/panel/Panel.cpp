@@ -130,9 +130,22 @@ Settings Panel::seenSettings() const {
     return seen;
 }
 
+void Panel::setInput(const InputSignal& input) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mInput = input;
+    mInputPicture.reset();
+    changed();
+}
+
 std::vector<uint8_t> Panel::picture(Seen seen) const {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return compose(seenSettings(), mLayers, bannerLocked(), seen, PanelClock::now());
+    if (mInput.motif != InputMotif::None && mInputPicture == nullptr) {
+        auto drawn = std::make_unique<Surface>();
+        drawInput(mInput, drawn.get());
+        mInputPicture = std::move(drawn);
+    }
+    return compose(seenSettings(), mLayers, {mInput.locked, mInputPicture.get()}, bannerLocked(), seen,
+                   PanelClock::now());
 }
 
 void Panel::followTime() const {

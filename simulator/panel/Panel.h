@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "simulator/panel/Configuration.h"
+#include "simulator/panel/InputPicture.h"
 #include "simulator/panel/Picture.h"
 #include "simulator/panel/Settings.h"
 
@@ -63,6 +65,9 @@ class Panel {
      */
     uint64_t revision() const;
 
+    /** The panel is fed with this from now on. Draws nothing yet. */
+    void setInput(const InputSignal& input);
+
     /** As compose(). */
     std::vector<uint8_t> picture(Seen seen) const;
 
@@ -86,6 +91,8 @@ class Panel {
     DriverParameters mDriver;
     PqData mPqData;
     Layers mLayers;
+    InputSignal mInput;
+    mutable std::unique_ptr<Surface> mInputPicture;  // of mInput; drawn when it is first seen
     mutable uint64_t mRevision;
     mutable Moment mMoment;  // which the revision stands for
 };

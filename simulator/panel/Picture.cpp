@@ -114,8 +114,9 @@ class PqEngine {
 /** The video layer. */
 class Video {
   public:
-    Video(const Settings& settings, const Layers& layers, PanelClock::time_point now)
+    Video(const Settings& settings, const Layers& layers, const InputLayer& input, PanelClock::time_point now)
         : mLayers(layers),
+          mInput(input),
           mOverscan(settings[Setting::Overscan]),
           mPq(settings[static_cast<Setting>(static_cast<unsigned>(Setting::PictureMain) + layers.window)],
               settings[Setting::Pq]),
@@ -131,7 +132,8 @@ class Video {
 
     /** Whether there is a timing for the panel. */
     bool timed() const {
-        return mLayers.freeRun != FreeRun::Never || mBurnIn || mPattern.kind() != PatternKind::Off;
+        return mLayers.freeRun != FreeRun::Never || mInput.locked || mBurnIn ||
+               mPattern.kind() != PatternKind::Off;
     }
 
     void draw(int y, Row* row) const {
@@ -142,13 +144,19 @@ class Video {
         if (y < mPlace.top || y >= mPlace.bottom) {
             return;
         }
-        const Light video = mLayers.freeRun == FreeRun::Always ? Light{} : kNoInput;
+        const bool black = mLayers.freeRun == FreeRun::Always;
         const std::optional<int> sourceY =
                 source(y - mPlace.top, mPlace.height(), mOverscan[2], mOverscan[3], kPictureHeight);
+        const Argb* const inputRow =
+                sourceY && mInput.surface != nullptr && !black ? mInput.surface->row(*sourceY) : nullptr;
         for (int64_t x = mPlace.left; sourceY && x < mPlace.right; ++x) {
             const std::optional<int> sourceX =
                     source(x - mPlace.left, mPlace.width(), mOverscan[0], mOverscan[1], kPictureWidth);
             if (sourceX) {
+                Light video = black ? Light{} : kNoInput;
+                if (inputRow != nullptr) {
+                    blend(inputRow[*sourceX], &video);
+                }
                 (*row)[static_cast<size_t>(x)] = mPattern.at(*sourceX, *sourceY, video);
             }
         }
@@ -172,6 +180,7 @@ class Video {
     }
 
     const Layers& mLayers;
+    const InputLayer mInput;
     const Settings::Values& mOverscan;
     const PqEngine mPq;
     const Box mPlace;
@@ -255,10 +264,10 @@ Moment Moment::of(const Layers& layers, PanelClock::time_point now) {
     return moment;
 }
 
-std::vector<uint8_t> compose(const Settings& settings, const Layers& layers,
+std::vector<uint8_t> compose(const Settings& settings, const Layers& layers, const InputLayer& input,
                              const std::vector<std::string>& banner, Seen seen, PanelClock::time_point now) {
     std::vector<uint8_t> rgb(static_cast<size_t>(kPictureWidth) * kPictureHeight * 3);
-    const Video video(settings, layers, now);
+    const Video video(settings, layers, input, now);
     if (!video.timed()) {
         return rgb;
     }

@@ -17,7 +17,7 @@ using PanelClock = std::chrono::steady_clock;
 
 /** Where the panel's timing comes from, by the number that clients choose it with. */
 enum class FreeRun : uint32_t {
-    Automatic,  // its own clock without an input; the video is blue then
+    Automatic,  // the input's clock; its own one without an input, the video is blue then
     Always,     // its own clock; the video is black
     Never,      // the input's clock: without one the panel is dark, unless a generator in the board runs
 };
@@ -69,6 +69,13 @@ struct Moment {
 enum class Seen : int32_t { All, Video, Graphics, Osd };
 constexpr int32_t kSeens = 4;
 
+/** The input's picture at the panel's size, transparent where nothing arrives; null when no source is chosen.
+ */
+struct InputLayer {
+    bool locked = false;
+    const Surface* surface = nullptr;
+};
+
 /**
  * What the panel shows, three bytes (red, green, blue) a pixel, row after row. From below: the video, a test
  * pattern on it, or the burn-in in place of both; the graphics plane; the OSD. Layers that are not asked for
@@ -77,7 +84,7 @@ constexpr int32_t kSeens = 4;
  *
  * The memory does not depend on what clients set. Throws std::bad_alloc.
  */
-std::vector<uint8_t> compose(const Settings& settings, const Layers& layers,
+std::vector<uint8_t> compose(const Settings& settings, const Layers& layers, const InputLayer& input,
                              const std::vector<std::string>& banner, Seen seen, PanelClock::time_point now);
 
 }  // namespace simulator
