@@ -1,5 +1,6 @@
 """The page in a real browser, and what its server refuses. Run by ./dev test-page, with the programs in $BIN."""
 
+import base64
 import http.client
 import json
 import os
@@ -11,6 +12,7 @@ import urllib.parse
 
 import pytest
 from selenium import webdriver
+from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
@@ -80,7 +82,6 @@ def browser(tmp_path_factory):
         options.add_argument(word)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     options.binary_location = "/usr/bin/chromium"
-    from selenium.webdriver.chrome.service import Service
     driver = webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
     driver.set_script_timeout(60)
     yield driver
@@ -173,15 +174,17 @@ def test_every_form_opens_and_each_interface_answers(board, browser):
         show(browser, board, target)
         name = "/".join(target.split("/")[1:]).replace("/", ".")
         wait(browser, lambda _, name=name: browser.find_element(By.CSS_SELECTOR, "article h3").text == name)
-    calls = ("Audio/adv_get_volume", "Display/get_tcon_info", "DisplayTest/gen_test_pattern", "Information/get_fapi_sw_version",
-             "InputSource/get_current_input_source", "Network/get_mac_address", "Peripheral/get_gpio_status", "System/get_wdt_status",
-             "Manager/post_event")
-    known = {link.get_attribute("href").split("#methods/")[1] for link in browser.find_elements(By.CSS_SELECTOR, ".methods a")}
-    called = [one for one in calls if one in known]
-    assert len(called) >= 7, sorted(known)
-    for one in called:
+    # The interface Tv has no methods.
+    calls = {"Audio/adv_get_volume": "0", "Display/get_tcon_info": "", "DisplayTest/gen_test_pattern": "0",
+             "Information/get_fapi_sw_version": "", "InputSource/get_current_input_source": "", "Network/set_interface_updown": "eth0",
+             "Peripheral/get_gpio_status": "0", "System/get_wdt_status": "", "Manager/post_event": "0x10000"}
+    for one, first in calls.items():
         show(browser, board, f"methods/{one}")
         wait(browser, lambda _, one=one: browser.find_element(By.CSS_SELECTOR, "article h3").text == one.replace("/", "."))
+        if first:
+            field = browser.find_element(By.CSS_SELECTOR, "article form input")
+            field.send_keys(Keys.CONTROL, "a")
+            field.send_keys(first)
         browser.find_element(By.CSS_SELECTOR, "article .primary").click()
         wait(browser, lambda _: browser.find_elements(By.CSS_SELECTOR, ".outcome .badge.ok"))
     no_errors(browser)
@@ -200,7 +203,8 @@ def test_a_form_is_sent_with_the_keyboard_alone(board, browser):
     browser.switch_to.active_element.send_keys("0x29", Keys.ENTER)
     wait(browser, lambda _: browser.find_elements(By.CSS_SELECTOR, ".outcome .badge.ok"))
     show(browser, board, "set")
-    wait(browser, lambda _: browser.find_elements(By.CSS_SELECTOR, "label.slider output")[6 - 6 + 6].text is not None)
+    speaker = "//label[span='speaker']/output"
+    wait(browser, lambda _: browser.find_element(By.XPATH, speaker).text == "41")
     no_errors(browser)
 
 
@@ -212,7 +216,6 @@ def test_the_panel_follows_and_its_layers_switch(board, browser):
         c.getContext('2d').drawImage(p, 40, 500, 1, 1, 0, 0, 1, 1); return Array.from(c.getContext('2d').getImageData(0, 0, 1, 1).data)"""
     board.fapictl("call", "displaytest", "gen_test_pattern", "3", "{}")
     wait(browser, lambda _: browser.execute_script(colour)[:3] == [255, 255, 255])
-    browser.find_element(By.CSS_SELECTOR, "input[name=layers]:not(:checked)")
     browser.find_elements(By.CSS_SELECTOR, "input[name=layers]")[3].click()
     wait(browser, lambda _: browser.execute_script(colour)[:3] == [0, 0, 0])
     browser.find_elements(By.CSS_SELECTOR, "input[name=layers]")[0].click()
@@ -282,8 +285,9 @@ def test_looks_and_can_be_used_by_everybody(board, browser, view, scheme, width)
         assert browser.execute_script("return document.documentElement.scrollWidth") <= width
         picture = browser.execute_cdp_cmd("Page.captureScreenshot", {"captureBeyondViewport": False})["data"]
         PICTURES.mkdir(parents=True, exist_ok=True)
-        import base64
         (PICTURES / f"{view}-{scheme}-{width}.png").write_bytes(base64.b64decode(picture))
+        if not AXE.exists():
+            pytest.skip("axe-core could not be fetched")
         browser.execute_cdp_cmd("Runtime.evaluate", {"expression": AXE.read_text()})
         violations = browser.execute_async_script(
             "const done = arguments[0]; axe.run().then((r) => done(r.violations.map((v) => [v.id, v.nodes.map((n) => n.html.slice(0, 200))])), (e) => done(String(e)))")

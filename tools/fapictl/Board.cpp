@@ -21,37 +21,46 @@
 namespace fapictl {
 namespace {
 
-constexpr std::chrono::milliseconds kLook(300);
+constexpr std::chrono::milliseconds kLook(100);
 constexpr int kReopenMilliseconds = 500;
 constexpr int64_t kNotReady = -5;
-constexpr int64_t kPrintState = 2;
+
+/**
+ * A parameter that the simulated board has of its own; empty while the board is not ready. Throws Failure
+ * (NotFound) where there is none.
+ */
+std::string ownParameter(Engine& engine, const std::string& name, const Target& target) {
+    const Interface& information = findInterface(engine.package(), "Information");
+    const Method& method = findMethod(information, "get_ini_para");
+    const Answer answer = engine.call(information, method, Json::array({"board", name}), target);
+    if (answer.failed) {
+        if (answer.status == kNotReady) {
+            return {};
+        }
+        throw Failure(Exit::NotFound, "this is no simulated board");
+    }
+    for (size_t i = 0; i < method.results.size(); ++i) {
+        if (answer.results[i].is_string()) {
+            return answer.results[i].get<std::string>();
+        }
+    }
+    return {};
+}
 
 }  // namespace
 
 void requireBoard(Engine& engine, const Target& target) {
-    // Another library has no such parameter.
-    const Interface& information = findInterface(engine.package(), "Information");
-    const Answer board = engine.call(information, findMethod(information, "get_ini_para"),
-                                     Json::array({"board", "status:0"}), target);
-    if (board.failed && board.status != kNotReady) {
-        throw Failure(Exit::NotFound, "this is no simulated board");
-    }
+    ownParameter(engine, "status:0", target);
 }
 
 std::string boardState(Engine& engine, const Target& target) {
-    requireBoard(engine, target);
-    const Interface& system = findInterface(engine.package(), "System");
-    const Answer answer = engine.call(system, findMethod(system, "send_cmd_to_factory_svc"),
-                                      Json::array({kPrintState, ""}), target);
-    if (answer.failed) {
-        throw refused("the state", answer);
-    }
-    const std::string path = stateDirectory() + "/state.txt";
+    const std::string path = ownParameter(engine, "state:file", target);
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        throw Failure(Exit::Output, "the board has printed its state, but there is no " + inQuotes(path) +
-                                            " (" + std::strerror(errno) +
-                                            "): is ZVTTV_STATE_DIR the same as the service's?");
+    if (path.empty() || !file) {
+        throw Failure(Exit::Output, path.empty()
+                                            ? "the board is not ready"
+                                            : "the board has written its state, but there is no " +
+                                                      inQuotes(path) + " (" + std::strerror(errno) + ")");
     }
     return {std::istreambuf_iterator<char>(file), {}};
 }
@@ -68,6 +77,7 @@ struct PanelWatcher::State {
     struct Picture {
         std::shared_ptr<const std::string> png;
         uint64_t revision = 0;
+        std::string drawn;  // the board's own revision, of before the capture
     };
 
     void work() {
@@ -95,15 +105,25 @@ struct PanelWatcher::State {
 
     void capture(const std::string& layers) {
         std::shared_ptr<const std::string> png;
+        std::string drawn;
         try {
+            drawn = ownParameter(engine, "picture:revision", target);
+            {
+                const std::lock_guard<std::mutex> lock(mutex);
+                if (drawn.empty() || pictures[layers].drawn == drawn) {
+                    return;
+                }
+            }
             png = std::make_shared<const std::string>(capturePicture(engine, layers, target));
         } catch (const std::exception&) {
             return;  // away, not ready or refused: the calls of whoever looks say so; it goes on when it can
         }
         const std::lock_guard<std::mutex> lock(mutex);
         Picture& last = pictures[layers];
+        last.drawn = drawn;
         if (last.png == nullptr || *last.png != *png) {
-            last = {std::move(png), ++revisions};
+            last.png = std::move(png);
+            last.revision = ++revisions;
         }
     }
 

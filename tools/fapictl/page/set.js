@@ -51,6 +51,7 @@ on('picture', (said) => { if (said.layers === layers) picture(said.revision); })
 async function watchPanel() {
   if (connection.state === 'ready' && connection.board) {
     await attempt(() => rpc('panel', { layers: visible ? layers : '' }));
+    parts.panelText.textContent = parts.panel.hidden ? 'Waiting for the picture …' : '';
   } else if (connection.state === 'ready') {
     parts.panelText.textContent = 'A real set shows its picture itself.';
   } else {
@@ -116,7 +117,7 @@ function set(slider, value) {
 
 // --- Its controls.
 
-const card = (title, ...children) => h('section', { class: 'card' }, h('h3', {}, title), ...children);
+const card = (title, ...children) => h('section', { class: `card ${title.toLowerCase().split(' ')[0]}` }, h('h3', {}, title), ...children);
 
 function slider(label, most, change) {
   const shown = h('output', {}, '0');
