@@ -168,13 +168,44 @@ else
 fi
 
 log=$here/board/service.log
-export ZVTTV_STATE_DIR=$here/board/state
+export HIDL_RUNTIME_DIR=$here/board/registry ZVTTV_STATE_DIR=$here/board/state
+
+# serve_page: starts the page for browsers, and sees that it comes with its address and not without.
+serve_page() {
+    local address
+    : >"$here/page"
+    setpriv --pdeathsig TERM "$fapictl" serve </dev/null >>"$here/page" 9>&- &
+    children+=("$!")
+    until read -r address <"$here/page"; do
+        if ! kill -0 "${children[-1]}" 2>/dev/null; then
+            echo "!! the page is not served"
+            exit 1
+        fi
+        sleep 0.05
+    done
+    python3 - "$address" <<'END'
+import sys, urllib.error, urllib.request
+address = sys.argv[1]
+assert b"<html" in urllib.request.urlopen(address, timeout=10).read()
+try:
+    urllib.request.urlopen(address[:-3] + "/", timeout=10)
+    sys.exit("!! the page is served to whoever asks")
+except urllib.error.HTTPError as error:
+    assert error.code == 404
+END
+    echo "== The set in a browser, until this ends: $address"
+}
 if ! kill -0 "$service_pid" 2>/dev/null; then
     echo "!! the service on the ready board has ended"
     exit 1
 fi
+[[ -n $binder ]] || serve_page
 case $until_ in
     now)
+        if [[ -z $binder ]]; then
+            end "${children[-1]}"
+            unset 'children[-1]'
+        fi
         end "$service_pid"
         unset 'children[-1]'
         echo "== All calls came back as expected; the service has been ended"
@@ -209,6 +240,10 @@ END
         if [[ -z $stopped ]]; then
             echo "!! the service has ended"
             exit 1
+        fi
+        if [[ -z $binder ]]; then
+            end "${children[-1]}"
+            unset 'children[-1]'
         fi
         ;;
 esac
