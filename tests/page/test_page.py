@@ -30,10 +30,14 @@ class Board:
         self.folder = folder
         self.environment = dict(os.environ, HIDL_RUNTIME_DIR=str(folder / "registry"), ZVTTV_STATE_DIR=str(folder / "state"))
         (folder / "registry").mkdir(mode=0o700)
-        self.service = None
-        self.start()
-        self.server = subprocess.Popen([BIN / "fapictl", "serve"], env=self.environment, stdout=subprocess.PIPE, text=True)
-        self.address = self.server.stdout.readline().strip()
+        self.service = self.server = None
+        try:
+            self.start()
+            self.server = subprocess.Popen([BIN / "fapictl", "serve"], env=self.environment, stdout=subprocess.PIPE, text=True)
+            self.address = self.server.stdout.readline().strip()
+        except BaseException:
+            self.end()
+            raise
 
     def start(self):
         with open(self.folder / "service.log", "ab") as log:
@@ -50,7 +54,7 @@ class Board:
 
     def end(self):
         for process in (self.server, self.service):
-            if process.poll() is None:
+            if process is not None and process.poll() is None:
                 process.terminate()
                 process.wait(timeout=30)
 
@@ -265,9 +269,13 @@ def test_goes_on_when_the_service_comes_back(board, browser):
     find(browser, "#view-events input[placeholder^=text]").clear()
     find(browser, "#view-events input[placeholder^=text]").send_keys("back")
     wait(browser, lambda _: "back" in find(browser, "#view-events tbody").text)
-    board.fapictl("call", "system", "send_cmd_to_factory_svc", "1", "not-ready 1500")
+    # The page learns of it by the next call that is refused.
     show(browser, board, "methods/Information/get_fapi_sw_version")
-    find(browser, "article .primary").click()
+    primary = find(browser, "article .primary")
+    board.fapictl("call", "system", "send_cmd_to_factory_svc", "1", "not-ready 3000")
+    primary.click()
+    state_is(browser, "not-ready")
+    assert "not ready" in browser.find_element(By.ID, "banner").text
     state_is(browser, "ready")
     no_errors(browser)
 
