@@ -7,20 +7,18 @@ export function asShell(owner, method, args) {
     + (method.arguments.length > 0 ? ` --args ${quoted(JSON.stringify(args))}` : '');
 }
 
-function python(value, type) {
+function python(value, type, types) {
   if (typeof value === 'boolean') return value ? 'True' : 'False';
-  if (typeof value === 'string') {
-    return /^(vec<uint8_t>|uint8_t\[\d+\])$/.test(type) ? `bytes.fromhex("${value}")` : JSON.stringify(value);
-  }
-  if (Array.isArray(value)) return `[${value.map((one) => python(one, '')).join(', ')}]`;
-  if (typeof value === 'object') {
-    return `{${Object.entries(value).map(([name, one]) => `${JSON.stringify(name)}: ${python(one, '')}`).join(', ')}}`;
-  }
-  return String(value);
+  const array = /^(?:vec<(.+)>|(.+)\[\d+\])$/.exec(type);
+  const inner = array?.[1] ?? array?.[2];
+  if (inner === 'uint8_t') return `bytes.fromhex("${value}")`;
+  if (array) return `[${value.map((one) => python(one, inner, types)).join(', ')}]`;
+  if (types[type]?.fields) return `{${types[type].fields.map((one) => `"${one.name}": ${python(value[one.name], one.type, types)}`).join(', ')}}`;
+  return typeof value === 'string' ? JSON.stringify(value) : String(value);
 }
 
 export function asPython(owner, method, args) {
-  const given = method.arguments.map((one) => python(args[one.name], one.type)).join(', ');
+  const given = method.arguments.map((one) => python(args[one.name], one.type, owner.types)).join(', ');
   return `import zvttvfactory\n\nwith zvttvfactory.connect(timeout=5) as tv:\n    print(tv.${owner.shortName.toLowerCase()}.${method.shortName}(${given}))\n`;
 }
 
@@ -32,7 +30,7 @@ function cpp(value, type, types) {
     const items = inner === 'uint8_t' ? (value.match(/../g) ?? []).map((pair) => `0x${pair}`) : value.map((one) => cpp(one, inner, types));
     return `{${items.join(', ')}}`;
   }
-  if (types[type]?.fields) return `{${types[type].fields.map((one) => `.${one.name} = ${cpp(value[one.name], one.type, types)}`).join(', ')}}`;
+  if (types[type]?.fields) return `{${types[type].fields.map((one) => `/* ${one.name} */ ${cpp(value[one.name], one.type, types)}`).join(', ')}}`;
   if (types[type]) return `${type}::${value}`;
   return type === 'string' ? JSON.stringify(value) : String(value);
 }

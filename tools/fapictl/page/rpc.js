@@ -77,7 +77,7 @@ async function settle() {
   const own = ++settling;
   while (own === settling) {
     try {
-      const [answer] = await Promise.all([call('Information', 'get_fapi_sw_version')]);
+      const answer = await call('Information', 'get_fapi_sw_version');
       if (own !== settling) return;
       if (answer.status.number !== -5) {
         connection.board = await rpc('state').then(() => true, () => false);
@@ -106,15 +106,21 @@ export function look() {
     call('Information', 'get_fapi_sw_version').then((answer) => {
       if (answer.status.number === -5) {
         change('not-ready');
-        settleAgain();
+        untilReady();
       }
     }, () => {});
   }
 }
 
-async function settleAgain() {
-  await rpc('wait', { ready: true }).catch(() => {});
-  change('ready');
+/** The watch goes on meanwhile. */
+async function untilReady() {
+  const own = ++settling;
+  try {
+    await rpc('wait', { ready: true });
+  } catch {
+    return; // the service has died, or the server: both are told otherwise
+  }
+  if (own === settling) change('ready');
 }
 
 export function connect(pause = 250) {
