@@ -53,13 +53,19 @@ call() {
     run call "$@"
 }
 
+# order EVENTS TEXT: tells the board what the world does, and waits until as many locks are lost and found.
+order() {
+    commands+=("fapictl call system send_cmd_to_factory_svc 0 '$2'")
+    run watch --quiet --type 0x200001,0x200002 --count "$1" --timeout 10 -- "$fapictl" call system send_cmd_to_factory_svc 0 "$2"
+}
+
 # picture NAME TITLE [LAYERS]: captures, shrinks and describes what is shown.
 picture() {
     local name=$1 title=$2
     shift 2
     run capture "$scratch/shot.png" "$@"
     # 128 colours are more than these pictures need, and a third of the bytes.
-    pngtopnm "$scratch/shot.png" | pamscale -xsize 480 -ysize 270 >"$scratch/small.ppm"
+    pngtopnm "$scratch/shot.png" | pamscale -filter=sinc -window=blackman -xsize 480 -ysize 270 >"$scratch/small.ppm"
     pnmquant 128 "$scratch/small.ppm" 2>/dev/null | pnmtopng -compression 9 2>/dev/null >"$pictures/$name.png"
     {
         printf '## %s\n\n![%s](gallery/%s.png)\n\n' "$title" "$title" "$name"
@@ -84,7 +90,23 @@ simulated board fresh from the factory, and shrunk from 1920x1080. What the numb
 
 END
 
-picture no-input "Without an input"
+picture hdmi "HDMI, as delivered"
+order 2 "source atv"
+picture tuner "The analogue tuner"
+order 2 "source dtv"
+picture digital "The digital tuner"
+order 2 "source av"
+picture composite "Composite video"
+order 2 "source component"
+picture component "Component video"
+order 2 "source vga"
+picture vga "A computer"
+order 1 "source media"
+order 1 "signal media lock 1920x1080@24"
+picture media "The media player"
+order 2 "source hdmi1"
+order 1 "signal hdmi1 lost"
+picture no-input "Without a signal"
 call displaytest gen_test_pattern 3 "{}"
 picture bars "Colour bars: pattern 3"
 call displaytest gen_test_pattern 2 "$white,$black"
@@ -103,7 +125,7 @@ call displaytest gen_test_pattern 9 "$white,$black"
 picture rings "Rings: pattern 9"
 call displaytest gen_test_pattern 6 "$white,$black,stLine.u32Red=1023,stLine.u8Alpha=255,u16LineWidth=12"
 picture window "A window: pattern 6"
-call displaytest gen_test_pattern 1 "$white,stForeground.u8Alpha=128,stBackground.u32Green=300,stBackground.u8Alpha=255,u32X=300,u32Y=200,u32Width=800,u32Height=600"
+call displaytest gen_test_pattern 1 "${white/Alpha=255/Alpha=128},stBackground.u32Green=300,stBackground.u8Alpha=255,u32X=300,u32Y=200,u32Width=800,u32Height=600"
 picture plain "A plain area, half of which the video shines through: pattern 1"
 
 call displaytest gen_test_pattern 3 "{}"

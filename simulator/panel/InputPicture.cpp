@@ -55,8 +55,9 @@ Argb pixel(InputMotif motif, double hue, double x, double y, double width) {
                        : colour(hue, 0.3 + 0.06 * row, 0.45 + 0.06 * std::fmod(column * 3 + row * 2, 7));
         }
         case InputMotif::Diamonds: {
-            const double ring = std::abs(x - width / 2) + std::abs(y - 0.5);
-            return colour(hue + 30 * x, 0.75, 0.9 - 0.45 * std::fmod(ring * 5, 1) - 0.15 * y);
+            // Few colours: a capture of the delivered state packs them well.
+            const double ring = std::floor((std::abs(x - width / 2) + std::abs(y - 0.5)) * 10);
+            return colour(hue + 4 * ring, 0.75, 0.85 - 0.12 * std::fmod(ring, 4));
         }
         case InputMotif::Film: {
             const bool edge = y < 0.14 || y > 0.86;

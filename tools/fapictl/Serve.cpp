@@ -81,7 +81,7 @@ struct Visit {
     std::unique_ptr<Dispatcher> dispatcher;
 };
 
-class Page : public std::enable_shared_from_this<Page> {
+class Page {
   public:
     Page(const Package& package, const Target& defaults)
         : mPackage(package),
@@ -97,7 +97,7 @@ class Page : public std::enable_shared_from_this<Page> {
 
     HttpServer::Handlers handlers() {
         return {[this](const HttpRequest& head) { return refusal(head); },
-                [this](const HttpRequest& head) { return nameOf(head) == "stream"; },
+                [](const HttpRequest& head) { return nameOf(head) == "stream"; },
                 [this](HttpRequest request, const HttpServer::Reply& reply) {
                     serve(std::move(request), reply);
                 },
