@@ -254,6 +254,12 @@ TEST_F(ServiceTest, ASessionAndAWatchEndWhenTheirReaderHasGoneOrStalls) {
     stalled.process.signal(SIGTERM);
     EXPECT_EQ(0, stalled.process.wait());
 
+    // That sanitizer keeps a signal from its handler while the thread is in write().
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+    return;
+#endif
+#endif
     const std::string errors = mState + ".watch";
     ChildProcess watch({getenv("ZVTTV_TEST_FAPICTL"), "watch", "--json"}, errors);
     ASSERT_TRUE(eventually([&] { return contentOf(errors).find("watching") != std::string::npos; }));
