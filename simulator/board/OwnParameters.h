@@ -15,7 +15,7 @@ namespace simulator {
 //                                 words
 //     state:folder                the absolute path of the state folder
 //     state:file                  writes the file of the state anew, silently, and tells its absolute path
-//     picture:revision            see addOwnParameter()
+//     picture:revision, picture:captured   see addOwnParameter()
 
 /** The function whose first argument is COMMAND. */
 constexpr const char* kOrderFunction = "sys_send_cmd_to_factory_svc";

@@ -57,6 +57,14 @@ int32_t a_zvttvfapi_disp_init() {
                 *value = std::to_string(panel().revision());
                 return kOk;
             });
+            addOwnParameter("picture:captured", [](std::string* value) -> int32_t {
+                const std::optional<Captured> captured = lastCapture();
+                if (!captured) {
+                    return kNotFound;
+                }
+                *value = std::to_string(captured->instant.time_since_epoch().count()) + " " + captured->path;
+                return kOk;
+            });
         }
         return result;
     });

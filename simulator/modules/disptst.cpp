@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "simulator/board/ChipCall.h"
+#include "simulator/board/DriveOrders.h"
 #include "simulator/board/Module.h"
 #include "simulator/modules/ChipLayer.h"
 #include "simulator/panel/BmpFile.h"
@@ -23,7 +24,8 @@ constexpr Light kOwnColours[] = {{kMaxLevel, kMaxLevel, kMaxLevel},
 constexpr std::chrono::seconds kOwnPace{2};
 
 std::string describe() {
-    std::string text;
+    std::string text = "clock " + std::string(PanelClock::stopped() ? "stopped at " : "") +
+                       std::to_string(PanelClock::now().time_since_epoch().count()) + " ms\n";
     panel().lookAtLayers([&](const Layers& layers) {
         text += "test pattern " + std::to_string(static_cast<unsigned>(layers.pattern.kind())) + "\n";
         text += "burn-in " +
@@ -72,6 +74,24 @@ int32_t endBurning() {
     });
 }
 
+/** One jump leads no further than a day: nothing that a client sets lasts longer than 50. */
+constexpr uint64_t kLongestJump = 24 * 60 * 60 * 1000;
+
+std::string obeyClock(const std::vector<std::string>& words) {
+    const std::string word = words.empty() ? "" : words[0];
+    uint64_t time = 0;
+    if (word == "forward" && words.size() == 2 && readDriveNumber(words[1], kLongestJump, &time)) {
+        PanelClock::forward(std::chrono::milliseconds(time));
+    } else if (word == "stop" && words.size() == 1) {
+        PanelClock::stop();
+    } else if (word == "go" && words.size() == 1) {
+        PanelClock::go();
+    } else {
+        return "neither \"stop\" nor \"go\" nor \"forward\" and at most a day's milliseconds";
+    }
+    return "";
+}
+
 int32_t showPlane(bool shown) {
     return withPlane([=](Plane& plane) {
         plane.shown = shown;
@@ -82,7 +102,17 @@ int32_t showPlane(bool shown) {
 }  // namespace
 
 int32_t a_zvttvfapi_disptst_init() {
-    return self().init();
+    return guarded([] {
+        const int32_t result = self().init();
+        if (result == kOk) {
+            static const bool sAdded = [] {
+                addDriveOrders({{"clock", "clock stop, clock go, or clock forward MILLISECONDS", obeyClock}});
+                return true;
+            }();
+            (void)sAdded;
+        }
+        return result;
+    });
 }
 int32_t a_zvttvfapi_disptst_deinit() {
     return guarded([] {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "simulator/board/Status.h"
 #include "simulator/panel/Panel.h"
@@ -51,6 +52,16 @@ int32_t writePicture(int folder, const std::string& name, const std::vector<uint
     return result != kOk || fsync(fileno(file.get())) == 0 ? result : statusOf(errno);
 }
 
+struct Last {
+    std::mutex mutex;
+    std::optional<Captured> captured;  // guarded by mutex
+};
+
+Last& last() {
+    static Last& sLast = *new Last;
+    return sLast;
+}
+
 }  // namespace
 
 int32_t captureToUsb(const char* path, Seen seen) {
@@ -77,7 +88,8 @@ int32_t captureToUsb(const char* path, Seen seen) {
     // One at a time: a picture takes twice 6 MiB and a tenth of a second.
     static std::mutex& sCapturing = *new std::mutex;
     const std::lock_guard<std::mutex> capturing(sCapturing);
-    const std::vector<uint8_t> rgb = panel().picture(seen);
+    Captured captured{path, PanelClock::now()};
+    const std::vector<uint8_t> rgb = panel().picture(seen, captured.instant);
     const std::string temporary = ".capture-" + std::to_string(getpid()) + ".tmp";
     unlinkat(folder, temporary.c_str(), 0);
     int32_t result = writePicture(folder, temporary, rgb);
@@ -90,7 +102,17 @@ int32_t captureToUsb(const char* path, Seen seen) {
     }
     // The place's own descriptor only names the folder.
     const Descriptor open(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return open && fsync(open.get()) == 0 ? kOk : statusOf(errno);
+    if (!open || fsync(open.get()) != 0) {
+        return statusOf(errno);
+    }
+    const std::lock_guard<std::mutex> lock(last().mutex);
+    last().captured = std::move(captured);
+    return kOk;
+}
+
+std::optional<Captured> lastCapture() {
+    const std::lock_guard<std::mutex> lock(last().mutex);
+    return last().captured;
 }
 
 }  // namespace simulator

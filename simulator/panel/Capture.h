@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "simulator/panel/Picture.h"
 
@@ -12,5 +14,13 @@ namespace simulator {
  * is on the disk. kBadName for a path with "..", or one that names a folder; other statuses are the file's.
  */
 int32_t captureToUsb(const char* path, Seen seen);
+
+struct Captured {
+    std::string path;  // as it was asked for
+    PanelClock::time_point instant;
+};
+
+/** The last capture that came to be, and the instant it shows. */
+std::optional<Captured> lastCapture();
 
 }  // namespace simulator

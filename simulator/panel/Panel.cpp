@@ -137,7 +137,7 @@ void Panel::setInput(const InputSignal& input) {
     changed();
 }
 
-std::vector<uint8_t> Panel::picture(Seen seen) const {
+std::vector<uint8_t> Panel::picture(Seen seen, PanelClock::time_point instant) const {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mInput.motif != InputMotif::None && mInputPicture == nullptr) {
         auto drawn = std::make_unique<Surface>();
@@ -145,7 +145,7 @@ std::vector<uint8_t> Panel::picture(Seen seen) const {
         mInputPicture = std::move(drawn);
     }
     return compose(seenSettings(), mLayers, {mInput.locked, mInputPicture.get()}, bannerLocked(), seen,
-                   PanelClock::now());
+                   instant);
 }
 
 void Panel::followTime() const {

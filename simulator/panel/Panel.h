@@ -68,8 +68,8 @@ class Panel {
     /** The panel is fed with this from now on. Draws nothing yet. */
     void setInput(const InputSignal& input);
 
-    /** As compose(). */
-    std::vector<uint8_t> picture(Seen seen) const;
+    /** As compose(), at that instant. */
+    std::vector<uint8_t> picture(Seen seen, PanelClock::time_point instant) const;
 
     /** What the OSD's banner says. */
     std::vector<std::string> banner() const;

@@ -7,13 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "simulator/panel/PanelClock.h"
 #include "simulator/panel/Settings.h"
 #include "simulator/panel/Surface.h"
 #include "simulator/panel/TestPattern.h"
 
 namespace simulator {
-
-using PanelClock = std::chrono::steady_clock;
 
 /** Where the panel's timing comes from, by the number that clients choose it with. */
 enum class FreeRun : uint32_t {
