@@ -13,6 +13,7 @@ import urllib.parse
 import pytest
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
@@ -51,6 +52,10 @@ class Board:
 
     def fapictl(self, *words):
         subprocess.run([BIN / "fapictl", *words], env=self.environment, check=True, stdout=subprocess.DEVNULL, timeout=90)
+
+    def rpc(self, verb, **params):
+        message = json.dumps({"jsonrpc": "2.0", "id": 1, "method": verb, "params": params})
+        return json.loads(self.request("POST", "rpc", message, Content_Type="application/json")[2])["result"]
 
     def end(self):
         for process in (self.server, self.service):
@@ -113,6 +118,10 @@ def show(browser, board, view):
 
 def by_text(browser, tag, text):
     return wait(browser, lambda _: browser.find_element(By.XPATH, f"//{tag}[normalize-space()='{text}']"))
+
+
+def by_label(browser, text):
+    return find(browser, f"[aria-label='{text}']")
 
 
 def revision(browser):
@@ -227,6 +236,68 @@ def test_the_panel_follows_and_its_layers_switch(board, browser):
     no_errors(browser)
 
 
+def test_the_sets_own_controls_act(board, browser):
+    show(browser, board, "set")
+    state_is(browser, "ready")
+    state = lambda: board.rpc("state")["text"]
+    wait(browser, lambda _: revision(browser) > 0)
+    for way, there in (("connect", True), ("disconnect", False)):
+        by_label(browser, f"HDMI 1: {way} the cable").click()
+        wait(browser, lambda _, there=there: ("hdmi 1 edid 1 hpd up cable in" in state()) == there)
+    by_text(browser, "button", "HDMI 1").click()
+    wait(browser, lambda _: "Hz" in find(browser, "pre[aria-label^='The EDID']").text)
+    find(browser, "input[placeholder=sys_check_file]").send_keys("sys_check_file", Keys.ENTER)
+    asked = lambda: board.rpc("call", interface="System", method="check_file", arguments=["/none"])["status"]["number"]
+    wait(browser, lambda _: "Forced" in find(browser, "#toast").text)
+    assert asked() == -77
+    assert asked() == -101
+    by_text(browser, "button", "Not ready for so long").click()
+    state_is(browser, "not-ready")
+    state_is(browser, "ready")
+    no_errors(browser)
+
+
+def test_a_call_is_made_again_and_events_are_exported(board, browser, tmp_path):
+    show(browser, board, "methods/Audio/adv_set_volume")
+    state_is(browser, "ready")
+    wait(browser, lambda _: browser.find_element(By.CSS_SELECTOR, "article h3").text == "Audio.adv_set_volume")
+    for field, value in zip(browser.find_elements(By.CSS_SELECTOR, "article form input"), ("0", "17")):
+        field.send_keys(Keys.CONTROL, "a")
+        field.send_keys(value)
+    find(browser, "article .primary").click()
+    wait(browser, lambda _: browser.find_elements(By.CSS_SELECTOR, ".outcome .badge.ok"))
+    board.fapictl("call", "audio", "adv_set_volume", "0", "40")
+    show(browser, board, "methods/Information/get_fapi_sw_version")
+    by_label(browser, "adv_set_volume again").click()
+    wait(browser, lambda _: browser.find_elements(By.CSS_SELECTOR, ".outcome .badge.ok"))
+    assert find(browser, "article h3").text == "Audio.adv_set_volume"
+    assert 17 in board.rpc("call", interface="Audio", method="adv_get_volume", arguments=[0])["results"].values()
+    show(browser, board, "events")
+    find(browser, "#view-events input[placeholder^=text]").clear()
+    board.fapictl("post", "0x10000", "text=kept")
+    wait(browser, lambda _: "kept" in find(browser, "#view-events tbody").text)
+    browser.execute_cdp_cmd("Browser.setDownloadBehavior", {"behavior": "allow", "downloadPath": str(tmp_path)})
+    by_text(browser, "button", "Export").click()
+    file = tmp_path / "events.jsonl"
+    wait(browser, lambda _: file.exists() and file.stat().st_size > 0)
+    assert json.loads(file.read_text().splitlines()[-1])["records"][0]["text"] == "kept"
+    no_errors(browser)
+
+
+def test_the_keyboard_alone_reaches_every_view(board, browser):
+    browser.get("about:blank")
+    browser.get(board.address)
+    state_is(browser, "ready")
+    for view in VIEWS[1:]:
+        for _ in range(100):
+            ActionChains(browser).send_keys(Keys.TAB).perform()
+            if browser.switch_to.active_element.get_attribute("hash") == f"#{view}":
+                break
+        ActionChains(browser).send_keys(Keys.ENTER).perform()
+        find(browser, f"#view-{view}")
+    no_errors(browser)
+
+
 def test_an_event_of_another_process_appears(board, browser):
     show(browser, board, "events")
     state_is(browser, "ready")
@@ -269,11 +340,8 @@ def test_goes_on_when_the_service_comes_back(board, browser):
     find(browser, "#view-events input[placeholder^=text]").clear()
     find(browser, "#view-events input[placeholder^=text]").send_keys("back")
     wait(browser, lambda _: "back" in find(browser, "#view-events tbody").text)
-    # The page learns of it by the next call that is refused.
-    show(browser, board, "methods/Information/get_fapi_sw_version")
-    primary = find(browser, "article .primary")
-    board.fapictl("call", "system", "send_cmd_to_factory_svc", "1", "not-ready 3000")
-    primary.click()
+    # Whoever has made it so.
+    board.fapictl("call", "system", "send_cmd_to_factory_svc", "1", "not-ready 6000")
     state_is(browser, "not-ready")
     assert "not ready" in browser.find_element(By.ID, "banner").text
     state_is(browser, "ready")

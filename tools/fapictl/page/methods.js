@@ -65,7 +65,9 @@ function drawHistory() {
   parts.history.replaceChildren(...history.map((one) => h('tr', {}, h('td', {}, one.time), h('td', {}, `${one.owner}.${one.method}`),
     h('td', { class: 'mono clip' }, JSON.stringify(one.args)), h('td', {}, h('span', { class: `badge ${one.failed ? 'bad' : 'ok'}` }, one.status)),
     h('td', {}, button('Again', () => {
-      location.hash = `#methods/${one.owner}/${one.method}`;
+      // No hashchange, which would open the form anew and lose the answer.
+      wanted = `${one.owner}/${one.method}`;
+      window.history.replaceState(null, '', `#methods/${wanted}`);
       open(one.owner, one.method, one.args)?.();
     }, { 'aria-label': `${one.method} again` })))));
   parts.historyEmpty.hidden = history.length > 0;

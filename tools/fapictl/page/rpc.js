@@ -100,7 +100,7 @@ on('died', () => {
   settle();
 });
 
-/** Looks again whether the service is ready, after something that may have changed it. */
+/** Looks again whether the service is ready: after something that may have changed it, and now and then. */
 export function look() {
   if (connection.state === 'ready') {
     call('Information', 'get_fapi_sw_version').then((answer) => {
@@ -122,6 +122,8 @@ async function untilReady() {
   }
   if (own === settling) change('ready');
 }
+
+setInterval(() => { if (!document.hidden) look(); }, 2000);
 
 export function connect(pause = 250) {
   const source = new EventSource('stream');

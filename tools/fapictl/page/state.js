@@ -29,7 +29,7 @@ function build(root) {
   parts.debug = h('pre', { class: 'card scroll tall', tabIndex: 0, 'aria-label': 'What debug() tells' });
   parts.board = h('pre', { class: 'card scroll tall', tabIndex: 0, 'aria-label': 'The board’s printed state' });
   root.append(h('div', { class: 'row' }, h('h2', {}, 'State'), button('Refresh', refresh)), parts.server, parts.services,
-    h('div', { class: 'grid' }, h('div', {}, h('h3', {}, 'The service: clients, calls'), parts.debug),
+    h('div', { class: 'grid two' }, h('div', {}, h('h3', {}, 'The service: clients, calls'), parts.debug),
       h('div', {}, h('h3', {}, 'The board'), parts.board)));
   onConnection(refresh);
 }
