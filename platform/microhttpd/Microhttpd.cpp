@@ -12,7 +12,7 @@
 namespace {
 
 template <typename Function>
-Function* find(Function*, const char* name) {
+Function* find(const char* name) {
     static void* const sLibrary = dlopen(ZVTTV_MICROHTTPD_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     void* const function = sLibrary == nullptr ? nullptr : dlsym(sLibrary, name);
     if (function == nullptr) {
@@ -24,10 +24,10 @@ Function* find(Function*, const char* name) {
 }  // namespace
 
 // The library's function of the name, found once.
-#define LOADED(NAME)                                      \
-    ([] {                                                 \
-        static auto* const function = find(&NAME, #NAME); \
-        return function;                                  \
+#define LOADED(NAME)                                               \
+    ([] {                                                          \
+        static auto* const function = find<decltype(NAME)>(#NAME); \
+        return function;                                           \
     }())
 
 extern "C" {
