@@ -3,9 +3,27 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "simulator/board/ChipCall.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
+namespace {
+
+/** Whether there was the memory to do it. */
+template <typename Work>
+bool sayWhatIsLost(const Work& work) {
+    const auto done = [&work] {
+        work();
+        return kOk;
+    };
+    const bool enough = guarded(done) == kOk;
+    if (!enough) {
+        fprintf(stderr, "board: no memory for an event: it is lost\n");
+    }
+    return enough;
+}
+
+}  // namespace
 
 Dispatcher::Dispatcher() : mThread([this] { serve(); }) {}
 
@@ -29,14 +47,17 @@ bool Dispatcher::run(Task task, Clock::time_point when) {
             return false;
         }
         mOverflowing = mOverflowing && mWaiting.size() > kMaxWaiting / 2;
-        mWaiting.emplace(std::max(when, Clock::now()), std::move(task));
+        if (!sayWhatIsLost([&] { mWaiting.emplace(std::max(when, Clock::now()), std::move(task)); })) {
+            return false;
+        }
     }
     mChanged.notify_one();
     return true;
 }
 
 void Dispatcher::raise(Module& module, uint32_t type, Module::Payload payload) {
-    run([&module, type, payload = std::move(payload)] { deliver(module, type, payload); });
+    sayWhatIsLost(
+            [&] { run([&module, type, payload = std::move(payload)] { deliver(module, type, payload); }); });
 }
 
 void Dispatcher::deliver(Module& module, uint32_t type, const Module::Payload& payload) {
@@ -58,7 +79,7 @@ void Dispatcher::serve() {
             const Task task = std::move(mWaiting.begin()->second);
             mWaiting.erase(mWaiting.begin());
             lock.unlock();
-            task();
+            sayWhatIsLost(task);
             lock.lock();
         }
     }

@@ -29,8 +29,8 @@ class Dispatcher {
     Dispatcher(const Dispatcher&) = delete;
     Dispatcher& operator=(const Dispatcher&) = delete;
 
-    /** Does it after all that was given before, but not before the given time. False: refused, which is said
-     * on standard error once until there is room again. */
+    /** Does it after all that was given before, but not before the given time. False: refused, for lack of
+     * memory or of room, which is said on standard error; the latter once until there is room again. */
     bool run(Task task, Clock::time_point when = {});
 
     /** Raises the event after all that was given before. */

@@ -27,15 +27,16 @@ constexpr char kPipeName[] = "raise";
 
 // A line is read into memory whole; a writer that sends more without a line's end has it thrown away.
 constexpr size_t kMaxLine = 2 * 1024 * 1024;
+constexpr size_t kPiece = 4096;
 
 std::string tooLong() {
     return "the line is longer than " + std::to_string(kMaxLine) + " bytes";
 }
 
-void serve(Descriptor pipe) {
-    std::string text;
+/** The text is empty, with room for a line and a piece of the next. */
+void serve(Descriptor pipe, std::string text) {
     bool skipping = false;
-    char chunk[4096];
+    char chunk[kPiece];
     ssize_t got;
     while ((got = read(pipe.get(), chunk, sizeof(chunk))) > 0 || (got < 0 && errno == EINTR)) {
         text.append(chunk, got > 0 ? static_cast<size_t>(got) : 0);
@@ -141,8 +142,10 @@ void startEventPipe() {
     static const bool sStarted = [] {
         Descriptor pipe = openPipe();
         if (pipe) {
-            // For the rest of the process's life.
-            std::thread([](Descriptor end) { serve(std::move(end)); }, std::move(pipe)).detach();
+            // Its memory too is had before the thread; for the rest of the process's life.
+            std::string text;
+            text.reserve(kMaxLine + kPiece);
+            std::thread(serve, std::move(pipe), std::move(text)).detach();
         }
         return true;
     }();

@@ -92,7 +92,7 @@ int32_t readOpened(int folder, const std::string& name, size_t limit, std::strin
     }
     struct stat found {};
     if (fstat(file.get(), &found) != 0) {
-        return kIoError;
+        return statusOf(errno);
     }
     if (!S_ISREG(found.st_mode) || static_cast<uintmax_t>(found.st_size) > limit) {
         return kBadFile;
@@ -107,7 +107,7 @@ int32_t readOpened(int folder, const std::string& name, size_t limit, std::strin
         text.resize(done + (done == 0 ? static_cast<size_t>(found.st_size) : 0) + 1);
         const ssize_t count = read(file.get(), text.data() + done, text.size() - done);
         if (count < 0 && errno != EINTR) {
-            return kIoError;
+            return statusOf(errno);
         }
         if (count == 0) {
             text.resize(done);
@@ -172,6 +172,8 @@ int32_t statusOf(int error) {
         case ENOTEMPTY:  // something is put into a folder faster than it is emptied
             return kBusy;
         case ENOMEM:
+        case EMFILE:
+        case ENFILE:
             return kNoMemory;
         default:
             return kIoError;

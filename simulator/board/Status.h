@@ -24,7 +24,7 @@ namespace simulator {
     STATUS(kBadFile, -109, "bad file",                                                                       \
            "the file is there, but too large, not a plain file, not what it should be, or not one whose "    \
            "parameter can be changed safely")                                                                \
-    STATUS(kNoMemory, -110, "no memory", "no memory, or no thread")                                          \
+    STATUS(kNoMemory, -110, "no memory", "no memory, no thread, or no descriptor")                           \
     STATUS(kExists, -111, "exists already", "there is something of this name already")                       \
     STATUS(kDenied, -112, "denied",                                                                          \
            "the board does not allow it: write-protected, or permissions forbid it")                         \

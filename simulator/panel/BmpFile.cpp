@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <vector>
 
+#include "simulator/board/StateDirectory.h"
 #include "simulator/board/Status.h"
 
 namespace simulator {
@@ -28,7 +29,7 @@ int32_t readAt(int fd, int64_t offset, uint8_t* bytes, size_t count) {
             return kBadFile;
         }
         if (got < 0 && errno != EINTR) {
-            return kIoError;
+            return statusOf(errno);
         }
         done += got < 0 ? 0 : static_cast<size_t>(got);
     }
@@ -56,7 +57,7 @@ struct Layout {
 int32_t readLayout(int fd, Layout* layout) {
     struct stat status {};
     if (fstat(fd, &status) != 0) {
-        return kIoError;
+        return statusOf(errno);
     }
     if (!S_ISREG(status.st_mode)) {
         return kBadFile;

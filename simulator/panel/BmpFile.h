@@ -14,7 +14,7 @@ namespace simulator {
  *
  * Reads only the rows that are seen, one at a time. Returns kOk; kBadFile for any other file, one whose
  * pixels are not all there included: then nothing has been drawn, unless the file shrank meanwhile; or
- * kIoError.
+ * those of the disk.
  */
 int32_t drawBmp(int fd, int64_t x, int64_t y, Surface& surface);
 

@@ -45,7 +45,7 @@ int32_t writePicture(int folder, const std::string& name, const std::vector<uint
     }
     const std::unique_ptr<FILE, int (*)(FILE*)> file(fdopen(made.get(), "wb"), fclose);
     if (file == nullptr) {
-        return kNoMemory;
+        return statusOf(errno);
     }
     made.release();
     const int32_t result = writePng(file.get(), rgb);

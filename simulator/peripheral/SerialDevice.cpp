@@ -12,6 +12,8 @@
 namespace simulator {
 namespace {
 
+constexpr size_t kInputBytes = 4096;
+
 constexpr const char* kFormatNames[LineSettings::kFormats] = {"8N1", "8E1", "8O1", "7E1", "7O1", "8N2"};
 
 bool hasSevenBits(uint8_t format) {
@@ -101,6 +103,7 @@ bool SerialDevice::put(const char* bytes, size_t count) {
     if (count > kOutputBytes - mOutput.size()) {
         return false;
     }
+    mOutput.reserve(mOutput.size() + count);  // all of it, or without memory nothing
     for (size_t i = 0; i < count; ++i) {
         mOutput += onLine(bytes[i]);
     }
@@ -127,9 +130,9 @@ std::string SerialDevice::receive() {
         line.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         ioctl(mTerminalSide.get(), TCSETS2, &line);
     }
-    char chunk[4096];
-    const ssize_t count = read(mBoardSide.get(), chunk, sizeof(chunk));
-    std::string bytes(chunk, count > 0 ? static_cast<size_t>(count) : 0);
+    std::string bytes(kInputBytes, '\0');
+    const ssize_t count = read(mBoardSide.get(), bytes.data(), bytes.size());
+    bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
     for (char& c : bytes) {
         c = onLine(c);
     }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "simulator/board/Board.h"
+#include "simulator/board/ChipCall.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
 
@@ -19,6 +20,8 @@ namespace {
 constexpr const char* kFolder = "uart";
 constexpr const char* kUartNames[] = {"factory", "std"};
 constexpr size_t kMaxPipeName = 32;
+/** Before another attempt without memory. */
+constexpr int kPauseMilliseconds = 10;
 
 std::string portName(int port) {
     return "ttyS" + std::to_string(port);
@@ -47,6 +50,9 @@ int32_t SerialPorts::open() {
             return kIoError;
         }
     }
+    // First of all, since there may be no thread; it waits for the lock.
+    mClosing = false;
+    mThread = std::thread([this] { serve(); });
     // A process that was killed leaves the names of its own.
     for (const char* name : kUartNames) {
         withdraw(name);
@@ -55,8 +61,6 @@ int32_t SerialPorts::open() {
         mDevices[i] = ports[i];
         publish(portName(i), ports[i]->path());
     }
-    mClosing = false;
-    mThread = std::thread([this] { serve(); });
     return kOk;
 }
 
@@ -267,7 +271,11 @@ void SerialPorts::serve() {
         }
         pollfd& woken = polled[kPorts + 1];
         woken = {mWake.get(), POLLIN, 0};
-        if (poll(polled, kPorts + 2, -1) < 0 && errno != EINTR) {
+        if (poll(polled, kPorts + 2, -1) < 0) {
+            if (errno == EINTR || errno == EAGAIN || errno == ENOMEM) {
+                poll(nullptr, 0, kPauseMilliseconds);
+                continue;
+            }
             fprintf(stderr, "board: the serial ports have ended: %s\n", strerror(errno));
             return;
         }
@@ -276,8 +284,16 @@ void SerialPorts::serve() {
             continue;  // another look at it all does no harm
         }
         for (int i = 0; i <= kPipe; ++i) {
-            if ((polled[i].revents & POLLIN) != 0) {
+            if ((polled[i].revents & POLLIN) == 0) {
+                continue;
+            }
+            const auto take = [&] {
                 receive(i, *devices[i]);
+                return kOk;
+            };
+            if (guarded(take) != kOk) {
+                fprintf(stderr, "board: no memory for what comes in on a serial port: some of it is lost\n");
+                poll(nullptr, 0, kPauseMilliseconds);
             }
         }
     }

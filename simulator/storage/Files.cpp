@@ -22,24 +22,105 @@ constexpr mode_t kFileMode = 0644;
 constexpr mode_t kFolderMode = 0755;
 constexpr unsigned kModeBits = 07777;
 constexpr size_t kPiece = 64 * 1024;
+constexpr int kAttempts = 8;
 
+enum class Way { Replace, Append, Overwrite };
 struct WriteMode {
     const char* text;
-    int flags;
-    bool truncates;
+    Way way;
 };
 // As fopen() has them, without those that only read.
-constexpr WriteMode kWriteModes[] = {{"w", O_CREAT, true},
-                                     {"w+", O_CREAT, true},
-                                     {"a", O_CREAT | O_APPEND, false},
-                                     {"a+", O_CREAT | O_APPEND, false},
-                                     {"r+", 0, false}};
+constexpr WriteMode kWriteModes[] = {{"w", Way::Replace},
+                                     {"w+", Way::Replace},
+                                     {"a", Way::Append},
+                                     {"a+", Way::Append},
+                                     {"r+", Way::Overwrite}};
+constexpr char kWritten[] = ".write.tmp";
+
+int32_t writeAll(int file, const unsigned char* data, size_t length) {
+    for (size_t done = 0; done < length;) {
+        const ssize_t written = ::write(file, data + done, length - done);
+        if (written < 0 && errno != EINTR) {
+            return statusOf(errno);
+        }
+        done += written < 0 ? 0 : static_cast<size_t>(written);
+    }
+    return kOk;
+}
+
+int32_t append(int file, const unsigned char* data, size_t length) {
+    struct stat status {};
+    if (fstat(file, &status) != 0) {
+        return statusOf(errno);
+    }
+    const int32_t result = writeAll(file, data, length);
+    if (result != kOk && ftruncate(file, status.st_size) != 0) {
+        return kIoError;  // some of it may be there
+    }
+    return result;
+}
+
+/** Copies a file's content from the offset on, behind what the other one has. */
+int32_t copyRest(int from, uint64_t offset, int to) {
+    unsigned char piece[kPiece];
+    int32_t result = kOk;
+    for (size_t count = sizeof(piece); result == kOk && count == sizeof(piece); offset += count) {
+        result = readAt(from, piece, sizeof(piece), offset, &count);
+        result = result == kOk ? writeAll(to, piece, count) : result;
+    }
+    return result;
+}
+
+/**
+ * Another file in the place of this one, so that whatever goes wrong leaves the old content or the new. kBusy
+ * when somebody moves it meanwhile. One at a time, since they share the name that they make it under.
+ */
+int32_t replace(const Opened& file, const unsigned char* data, size_t length, bool keepRest) {
+    const Sandbox::Place place = boardFiles().placeOf(file);
+    struct stat status {};
+    if (place.status != kOk) {
+        return place.status;
+    }
+    if (fstat(file.file.get(), &status) != 0) {
+        return statusOf(errno);
+    }
+    const int folder = place.folder.get();
+    unlinkat(folder, kWritten, 0);  // of a process that was killed
+    const Descriptor made(
+            openat(folder, kWritten, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!made) {
+        return statusOf(errno);
+    }
+    int32_t result = writeAll(made.get(), data, length);
+    if (result == kOk && keepRest) {
+        result = copyRest(file.file.get(), length, made.get());
+    }
+    if (result == kOk && status.st_uid != geteuid() &&
+        fchown(made.get(), status.st_uid, status.st_gid) != 0 && errno != EPERM) {
+        result = statusOf(errno);
+    }
+    if (result == kOk && (fchmod(made.get(), status.st_mode & kModeBits) != 0 ||
+                          renameat(folder, kWritten, folder, place.name.c_str()) != 0)) {
+        result = statusOf(errno);
+    }
+    if (result != kOk) {
+        unlinkat(folder, kWritten, 0);
+    }
+    return result;
+}
+
+void removeOpened(const Opened& file) {
+    const Sandbox::Place place = boardFiles().placeOf(file);
+    if (place.status == kOk) {
+        unlinkat(place.folder.get(), place.name.c_str(), 0);
+    }
+}
 
 /** Puts what stands at the temporary name in the place of the path's own; what was there is removed. */
 int32_t moveInto(const Sandbox::Place& place, const std::string& temporary, bool replace) {
     const int folder = place.folder.get();
     // Either there is something to exchange it with, or there is not: unless others make and remove it.
-    for (int attempt = 0; attempt < 8; ++attempt) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
         if (replace &&
             renameat2(folder, temporary.c_str(), folder, place.name.c_str(), RENAME_EXCHANGE) == 0) {
             return removeTree(folder, temporary, Sandbox::kMaxDepth);
@@ -149,21 +230,28 @@ int32_t write(const char* path, const unsigned char* data, size_t length, const 
     // One write after the other, so that two at once leave the one or the other, not a mixture.
     static std::mutex& sWriting = *new std::mutex;
     const std::lock_guard<std::mutex> writing(sWriting);
-    const Opened opened = boardFiles().openFile(path, O_WRONLY | mode->flags, kFileMode);
-    if (opened.status != kOk) {
-        return opened.status;
-    }
-    if (mode->truncates && ftruncate(opened.file.get(), 0) != 0) {
-        return statusOf(errno);
-    }
-    for (size_t done = 0; done < length;) {
-        const ssize_t written = ::write(opened.file.get(), data + done, length - done);
-        if (written < 0 && errno != EINTR) {
-            return statusOf(errno);
+    int32_t result = kBusy;
+    for (int attempt = 0; result == kBusy && attempt < kAttempts; ++attempt) {
+        const int flags = mode->way == Way::Append      ? O_WRONLY | O_APPEND
+                          : mode->way == Way::Overwrite ? O_RDWR
+                                                        : O_WRONLY;
+        Opened opened = boardFiles().openFile(path, flags);
+        bool made = false;
+        if (opened.status == kNotFound && mode->way != Way::Overwrite) {
+            opened = boardFiles().openFile(path, flags | O_CREAT | O_EXCL, kFileMode);
+            made = opened.status == kOk;
         }
-        done += written < 0 ? 0 : static_cast<size_t>(written);
+        if (opened.status == kExists) {  // a link to what is not there
+            opened = boardFiles().openFile(path, flags | O_CREAT, kFileMode);
+        }
+        result = opened.status != kOk       ? opened.status
+                 : mode->way == Way::Append ? append(opened.file.get(), data, length)
+                                            : replace(opened, data, length, mode->way == Way::Overwrite);
+        if (made && result != kOk) {
+            removeOpened(opened);
+        }
     }
-    return kOk;
+    return result;
 }
 
 int32_t readLine(const char* path, unsigned char* data, size_t length, uint64_t offset) {

@@ -61,9 +61,10 @@ std::optional<Parameter> parameterName(const char* text) {
     return Parameter{std::string(section), std::string(key)};
 }
 
-bool parse(const std::string& text, CSimpleIniCaseA& ini) {
+int32_t parse(const std::string& text, CSimpleIniCaseA& ini) {
     // The parser ends at the first NUL.
-    return text.find('\0') == std::string::npos && ini.LoadData(text) >= 0;
+    const SI_Error error = text.find('\0') == std::string::npos ? ini.LoadData(text) : SI_FAIL;
+    return error == SI_NOMEM ? kNoMemory : error < 0 ? kBadFile : kOk;
 }
 
 }  // namespace
@@ -139,8 +140,8 @@ int32_t IniStore::load(const std::string& name, std::shared_ptr<const File>& fil
         return result;
     }
     const auto loaded = std::make_shared<File>(name, status);
-    if (!parse(text, loaded->ini)) {
-        return kBadFile;
+    if (const int32_t result = parse(text, loaded->ini); result != kOk) {
+        return result;
     }
     file = loaded;
 
@@ -226,7 +227,11 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
         // Whatever a file by other hands contains, the parser has the last word on whether values come back.
         CSimpleIniCaseA check;
         check.SetQuotes();
-        bool good = content.size() <= kMaxFileBytes && parse(content, check);
+        const int32_t parsed = content.size() <= kMaxFileBytes ? parse(content, check) : kBadFile;
+        if (parsed == kNoMemory) {
+            return parsed;
+        }
+        bool good = parsed == kOk;
         for (size_t i = 0; good && i < values.size(); ++i) {
             const char* stored = check.GetValue(asked[i].section.c_str(), asked[i].key.c_str());
             good = stored != nullptr && stored == values[i].second;
@@ -235,7 +240,7 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
             complain(mFolder.name() + "/" + name +
                      " would not give back what is set in it: it stays as it is");
         }
-        return good ? kOk : kBadFile;
+        return good ? int32_t{kOk} : kBadFile;
     });
 }
 

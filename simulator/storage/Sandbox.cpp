@@ -32,6 +32,13 @@ bool measure(const char* path, size_t* length, unsigned* depth) {
     return *length > 0 && *length < PATH_MAX && *depth <= Sandbox::kMaxDepth;
 }
 
+/** As the kernel knows it; empty when it does not tell. */
+std::string pathOf(int file) {
+    char path[PATH_MAX];
+    const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(file)).c_str(), path, sizeof(path));
+    return std::string(path, length > 0 ? static_cast<size_t>(length) : 0);
+}
+
 int openInRoot(int root, const char* path, int flags, mode_t mode) {
     open_how how{};
     // With a place alone, the kernel takes no flags about reading and writing.
@@ -102,7 +109,7 @@ Opened Sandbox::openFile(const char* path, int flags, mode_t mode) const {
         return opened;
     }
     if (fstat(opened.file.get(), &status) != 0) {
-        return {Descriptor(), kIoError};
+        return {Descriptor(), statusOf(errno)};
     }
     return S_ISREG(status.st_mode) ? std::move(opened) : Opened{Descriptor(), kBadFile};
 }
@@ -134,6 +141,33 @@ Sandbox::Place Sandbox::placeOf(const char* path) const {
     Opened folder = open(parent.c_str(), O_PATH | O_DIRECTORY);
     place.status = folder.status;
     return {std::move(folder.file), std::move(place.name), place.asFolder, place.depth, place.status};
+}
+
+Sandbox::Place Sandbox::placeOf(const Opened& file) const {
+    const Opened root = mState.openFolder(kFolder);
+    Place place;
+    place.status = root.status;
+    if (root.status != kOk) {
+        return place;
+    }
+    const std::string top = pathOf(root.file.get()) + "/";
+    const std::string path = pathOf(file.file.get());
+    place.status = kBusy;
+    if (path.compare(0, top.size(), top) != 0) {
+        return place;
+    }
+    const size_t slash = path.find_last_of('/');
+    place.name = path.substr(slash + 1);
+    const std::string parent = path.substr(top.size() - 1, slash + 1 - (top.size() - 1));
+    place.folder = Descriptor(openInRoot(root.file.get(), parent.c_str(), O_PATH | O_DIRECTORY, 0));
+    struct stat there {};
+    struct stat status {};
+    if (place.folder && fstatat(place.folder.get(), place.name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+        fstat(file.file.get(), &status) == 0 && there.st_dev == status.st_dev &&
+        there.st_ino == status.st_ino) {
+        place.status = kOk;
+    }
+    return place;
 }
 
 bool Sandbox::isRoot(const struct stat& status) const {

@@ -41,6 +41,8 @@ class Sandbox {
     };
     /** The parent must exist. kBadName when the last name is none, ".", "..", or too long. */
     Place placeOf(const char* path) const;
+    /** Of an open file, whatever links led to it; its depth is 0. kBusy when it has been moved or removed. */
+    Place placeOf(const Opened& file) const;
 
     /** Whether an open file is the root folder. */
     bool isRoot(const struct stat& status) const;
