@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+using namespace android;
 using namespace android::hardware;
 
 namespace {
@@ -15,7 +16,21 @@ const bool sQuiet = [] {
     return true;
 }();
 
+/** An object of another process, which has ended or answers nothing of use. */
+class Foreign final : public IBinder {
+    status_t transact(uint32_t code, const Parcel&, Parcel*, uint32_t, TransactCallback) override {
+        return code % 2 == 0 ? DEAD_OBJECT : OK;
+    }
+    status_t linkToDeath(const sp<DeathRecipient>&) override { return OK; }
+    status_t unlinkToDeath(const sp<DeathRecipient>&) override { return NAME_NOT_FOUND; }
+};
+
 }  // namespace
+
+/** A client may ask for 4 GiB: that there is no memory for it is as good a try, and a fast one. */
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1:max_allocation_size_mb=512";
+}
 
 namespace fuzz {
 
@@ -43,9 +58,10 @@ Objects::~Objects() {
     require(mNext == mEnd);
 }
 
-android::status_t Objects::takeObject(const uint8_t* form, android::sp<IBinder>*) {
+android::status_t Objects::takeObject(const uint8_t* form, android::sp<IBinder>* object) {
     dropObject(form);
-    return android::DEAD_OBJECT;
+    *object = new Foreign;
+    return android::OK;
 }
 
 void Objects::dropObject(const uint8_t* form) {

@@ -4,6 +4,7 @@ changes (platform/socket/Message.h)."""
 
 import pathlib
 import struct
+import zlib
 
 CORPUS = pathlib.Path(__file__).parent / "corpus"
 NO_PARENT = 0xFFFFFFFF
@@ -189,6 +190,138 @@ calls = {
     "ping": message(PING, base),
 }
 
+# Two bytes for the library behind the interface, then calls of its methods: the number, how many bytes choose the
+# arguments, how many spoil the message, and these (fuzz/Stubs.cpp).
+def all_methods(argument, outputs=0, results=0, spoil=b""):
+    return bytes([outputs, results]) + b"".join(
+        bytes([number, 64, len(spoil), *[argument] * 64]) + spoil for number in range(48))
+
+
+calls.update({
+    "all_methods_plainest": all_methods(0),
+    "all_methods_greatest": all_methods(1),
+    "all_methods_least": all_methods(2),
+    "all_methods_with_words": all_methods(7),
+    "all_methods_any_numbers": all_methods(0xEE),
+    "all_methods_outputs_full": all_methods(0, outputs=0xFF),
+    "all_methods_outputs_any": all_methods(4, outputs=1),
+    "all_methods_refused": all_methods(0, results=4),
+    "all_methods_any_results": all_methods(4, outputs=0x41, results=1),
+    "all_methods_first_scalar_spoiled": all_methods(4, spoil=bytes([144, 0, 255])),
+    "all_methods_piece_spoiled": all_methods(4, spoil=bytes([48, 0, 255])),
+})
+
+
+def checksummed(block):
+    return block + bytes([-sum(block) % 256])
+
+
+def firmware(target, version, payload):
+    head = struct.pack("<8sIII24s", b"BOARDFW1", target, len(payload), zlib.crc32(payload), version)
+    return head + struct.pack("<I", zlib.crc32(head)) + payload
+
+
+def bitmap(width, height, bits, size=None):
+    pixels = bytes(range(256)) * 16
+    head = struct.pack("<2sIHHI", b"BM", 54 + len(pixels), 0, 0, 54)
+    return head + struct.pack("<IiiHHIIiiII", 40, width, height, 1, bits, 0, len(pixels), 0, 0, 0, 0) + pixels[:size]
+
+
+def hdcp(bytes_before):
+    return bytes_before + struct.pack(">I", zlib.crc32(bytes_before))
+
+
+# The first byte chooses file and reader by its place in fuzz/Files.cpp; beyond its table are orders and EDIDs.
+EVENT, FORCE, DUMP, EDID = 30, 62, 94, 31
+files = {
+    "settings_of_sound": (0, b"[audio]\nvolume = 10\nbalance = -3\nmute = 1\n"),
+    "table_of_volumes": (1, b"a table\n0\n1\n65535\n"),
+    "table_of_volumes_too_large_a_gain": (1, b"a table\n65536\n"),
+    "aq_kept": (2, b"[aq]\nformat = 1\nname = hall\n[drc]\nratio = 35\n[speaker_eq]\nband9 = 80 -15 300\n"),
+    "aq_loaded": (3, b"[aq]\nformat = 1\nname = hall\n[drc]\nratio = 35\n[speaker_eq]\nband9 = 80 -15 300\n"),
+    "aq_of_another_format": (3, b"[aq]\nformat = 2\n"),
+    "settings_of_the_display": (4, b"[display]\nbrightness = 50\ncontrast = 101\n"),
+    "panel": (5, b"name = A\n[backlight]\npwm_min = 5\npwm_max = 4\n[tcon]\nversion = 4294967296\n[frc]\npresent = 2\n"),
+    "picture_quality": (6, b"[range]\nhue_min = 10\nhue_max = -10\n[version]\nmain_basic = 1.0.0\n"),
+    "bitmap_24": (7, bitmap(20, 20, 24)),
+    "bitmap_32_top_down": (7, bitmap(32, -30, 32)),
+    "bitmap_widest": (7, bitmap(4096, 0x7FFFFFFF, 24)),
+    "bitmap_cut": (7, bitmap(20, 20, 24, 700)),
+    "converter_firmware_too_short": (8, b"VEXA" + struct.pack("<III", 0x010203, 4, zlib.crc32(b"abcd")) + b"abcd"),
+    "settings_of_inputs": (9, b"[inputs]\nsource = 3\n"),
+    "tuner": (10, b"[channels]\n1 = 48250\n"),
+    "blocks": (11, b"[ip]\nav1 = 1\nhevc = 0\nmpeg2 = 2\n"),
+    "parameter_twice": (12, b"\xef\xbb\xbf[section]\r\nkey = 1\r\n[section]\r\nkey = \"2\"\r\n"),
+    "parameter_without_section": (12, b"key = 1\nsection:key = 2\n[section\nkey = 3"),
+    "remotes": (13, b"[remotes]\nfuzz = sirc\nhotel = rc7\n"),
+    "edid_version_kept": (14, b"[hdmi]\nedid_version_1 = 0\n"),
+    "edid_kept": (15, checksummed(bytes.fromhex("00ffffffffffff00") + bytes(119))),
+    "hdcp_kept": (16, hdcp(bytes(858))),
+    "eeprom": (17, bytes(range(256))),
+    "hdcp_loaded": (18, hdcp(bytes(288))),
+    "firmware": (19, firmware(1, b"7.1.0", b"payload")),
+    "firmware_of_another_target": (19, firmware(2, b"7.1.0", b"payload")),
+    "system_key": (20, bytes(32)),
+    "variables": (21, b"rtc_offset=5\ndataindex_path=/a\nfuzz=1\nfuzz=2\n"),
+    "area": (22, firmware(0, b"1.0.0", b"payload")),
+    "identity": (23, b"model = A\nserial = 1\ncustomer = B\n"),
+    "event_with_records": (EVENT, b"disp 0x40005 value=3 text=\"no signal\\x00\" | - | bytes=6869 (\"hi\") | -"),
+    "event_with_short_records": (EVENT, b"disp 0x10005 value=3,text=signal - bytes=00ff"),
+    "order_of_a_signal": (EVENT, b"signal hdmi1 lock 1920x1080i@50"),
+    "order_of_a_lost_signal": (EVENT, b"signal hdmi1 lost"),
+    "status_forced": (FORCE, b"sys_check_file -77 3"),
+    "not_ready": (FORCE, b"not-ready 86400000"),
+    "state_printed": (DUMP, b"disp"),
+    "edid_sent": (EDID, checksummed(bytes.fromhex("00ffffffffffff00") + bytes(118) + b"\1") + checksummed(bytes(127))),
+}
+files = {name: bytes([place]) + content for name, (place, content) in files.items()}
+
+
+# One of a few connections, and what is done on it (fuzz/Connections.cpp).
+def sent(connection, kind, target=0, code=0, content=0, reference=0, lie=0):
+    return bytes([connection, kind, target, code, 0, content, reference, lie])
+
+
+HELLO_CALL, HELLO_CONTROL, CALL_KIND, REPLY, ONE_WAY_KIND, HAND_OVER, RELEASE, WELCOME, DESCRIPTORS = range(1, 10)
+READ, SHUTDOWN, CLOSE, BYTES = 16, 20, 24, 28
+hello = sent(0, HELLO_CALL, content=1)
+connections = {
+    "hello_and_calls": hello + b"".join(sent(0, CALL_KIND, code=code) for code in range(8)) + bytes([READ]),
+    "call_before_hello": sent(0, CALL_KIND),
+    "hello_twice": hello + hello,
+    "hello_of_the_server": sent(0, HELLO_CALL, content=7),
+    "two_processes_of_one_name": hello + sent(1, HELLO_CONTROL, content=1) + sent(2, HELLO_CONTROL, content=1),
+    "one_way_messages": sent(0, HELLO_CONTROL, content=1) + sent(0, ONE_WAY_KIND) * 8,
+    "reply_to_nothing": hello + sent(0, REPLY),
+    "objects_of_nobody": hello + sent(0, CALL_KIND, code=1, content=3, reference=9),
+    "objects_of_the_server": hello + sent(0, CALL_KIND, code=1, content=3),
+    "object_that_is_not": hello + sent(0, CALL_KIND, target=130),
+    "handed_over": sent(0, HELLO_CONTROL, content=1) + sent(0, HAND_OVER, content=2) + sent(0, RELEASE, code=200),
+    "descriptors": hello + sent(0, DESCRIPTORS) + bytes([READ]) + sent(0, CALL_KIND, lie=2),
+    "half_a_message": hello + sent(0, CALL_KIND, content=250, lie=112) + bytes([SHUTDOWN, 1]),
+    "end_before_the_answer": hello + sent(0, CALL_KIND, code=7) + bytes([CLOSE]),
+    "no_message": bytes([BYTES, 8]) + b"GET / HT",
+    "head_that_lies": hello + sent(0, CALL_KIND, lie=132) + bytes([255]),
+}
+
+WORDS, JSON, COMMAND, SESSION = range(4)
+tool = {
+    "words_as_arguments": (WORDS, b"u32Value=0x10\n-1"),
+    "record_in_a_word": (WORDS, b"stObj.a=1\n{\"b\": [1, 2]}"),
+    "bytes_in_a_word": (WORDS, b"de:ad:be:ef"),
+    "list_of_arguments": (JSON, b'[1, "a", true, null, [1.5], {"a": {}}]'),
+    "arguments_by_name": (JSON, b'{"u32Value": "0xffffffffffffffff", "u32Value": 1}'),
+    "json_nested": (JSON, b"[" * 500 + b"]" * 500),
+    "command_call": (COMMAND, b"call\nsystem\nget_rtc_time\n--json=pretty"),
+    "command_post": (COMMAND, b"post\n0x40005\nvalue=3,text=a\n-\n--timeout"),
+    "command_introspect": (COMMAND, b"introspect\ndisp*\n--json"),
+    "session_call": (SESSION, b'{"jsonrpc": "2.0", "id": 1, "method": "call", "params": {"interface": "system", '
+                              b'"method": "get_rtc_time", "arguments": {}}}'),
+    "session_watch": (SESSION, b'{"jsonrpc": "2.0", "id": 1, "method": "watch", "params": {"match": ["value=3"]}}'),
+    "session_batch": (SESSION, b'[{"jsonrpc": "2.0", "method": "list"}, 1, {"jsonrpc": "2.0", "id": [], "method": 5}]'),
+}
+tool = {name: bytes([what, 20]) + content for name, (what, content) in tool.items()}
+
 names = {
     "a_name": b"vendor.example@1.0::IThing\ndefault\n",
     "separator_in_the_instance": b"vendor.example@1.0::IThing\na+b\n",
@@ -201,7 +334,8 @@ names = {
     "record_with_bytes_behind": b"a@1.0::I\nb\n",
 }
 
-for target, seeds in ("fuzz-parcel", parcels), ("fuzz-transaction", transactions), ("fuzz-information", calls), ("fuzz-registry", names):
+for target, seeds in ("fuzz-parcel", parcels), ("fuzz-transaction", transactions), ("fuzz-calls", calls), ("fuzz-registry", names), \
+        ("fuzz-files", files), ("fuzz-connections", connections), ("fuzz-tool", tool):
     folder = CORPUS / target
     folder.mkdir(parents=True, exist_ok=True)
     for stale in folder.iterdir():
