@@ -10,7 +10,6 @@
 #include "simulator/board/Refusals.h"
 #include "simulator/board/Status.h"
 #include "simulator/board/Text.h"
-#include "simulator/storage/IniParser.h"
 #include "simulator/storage/IniText.h"
 
 namespace simulator {
@@ -61,10 +60,11 @@ std::optional<Parameter> parameterName(const char* text) {
     return Parameter{std::string(section), std::string(key)};
 }
 
-int32_t parse(const std::string& text, CSimpleIniCaseA& ini) {
-    // The parser ends at the first NUL.
-    const SI_Error error = text.find('\0') == std::string::npos ? ini.LoadData(text) : SI_FAIL;
-    return error == SI_NOMEM ? kNoMemory : error < 0 ? kBadFile : kOk;
+/** A parameter as IniContents has it, which is as clients write it: with a colon of its own a key has one in
+ * front where it has no section. */
+std::string nameOf(std::string_view section, std::string_view key) {
+    const bool bare = section.empty() && key.find(':') == std::string_view::npos;
+    return bare ? std::string(key) : std::string(section).append(":").append(key);
 }
 
 }  // namespace
@@ -77,11 +77,7 @@ int32_t IniContents::read(const std::string& text) {
     for (const IniLine& line : iniLines(withoutMark(text))) {
         ++number;
         if (line.kind == IniLine::Parameter) {
-            const std::string section(*line.section), key(line.key);
-            // As clients write it, too: a key with a colon of its own has one in front where it has no
-            // section.
-            const bool bare = section.empty() && key.find(':') == std::string::npos;
-            Value& value = parameters[bare ? key : section + ":" + key];
+            Value& value = parameters[nameOf(*line.section, line.key)];
             value = {std::string(line.value), number, value.times + 1};
         } else if (line.kind == IniLine::Junk) {
             constexpr size_t kShown = 40;
@@ -106,13 +102,11 @@ std::vector<std::string> IniContents::faultLines() const {
 }
 
 struct IniStore::File {
-    File(std::string fileName, const struct stat& status) : name(std::move(fileName)), stamp(status) {
-        ini.SetQuotes();
-    }
+    File(std::string fileName, const struct stat& status) : name(std::move(fileName)), stamp(status) {}
 
     const std::string name;
     const FileStamp stamp;
-    CSimpleIniCaseA ini;
+    IniContents contents;
 };
 
 IniStore::IniStore(const StateDirectory& state, const char* folder)
@@ -140,7 +134,7 @@ int32_t IniStore::load(const std::string& name, std::shared_ptr<const File>& fil
         return result;
     }
     const auto loaded = std::make_shared<File>(name, status);
-    if (const int32_t result = parse(text, loaded->ini); result != kOk) {
+    if (const int32_t result = loaded->contents.read(text); result != kOk) {
         return result;
     }
     file = loaded;
@@ -177,15 +171,16 @@ int32_t IniStore::get(const char* file, const char* parameter, char* buffer, siz
     if (const int32_t result = load(name, loaded); result != kOk) {
         return result;
     }
-    const char* value = loaded->ini.GetValue(asked->section.c_str(), asked->key.c_str());
-    if (value == nullptr) {
+    const auto& parameters = loaded->contents.parameters;
+    const auto found = parameters.find(nameOf(asked->section, asked->key));
+    if (found == parameters.end()) {
         return kNotFound;
     }
-    const size_t length = strlen(value);
-    if (length >= size) {
+    const std::string& value = found->second.text;
+    if (value.size() >= size) {
         return kTooLong;
     }
-    memcpy(buffer, value, length + 1);
+    memcpy(buffer, value.c_str(), value.size() + 1);
     return kOk;
 }
 
@@ -224,17 +219,12 @@ int32_t IniStore::set(const char* file, const std::vector<std::pair<std::string,
         for (size_t i = 0; i < values.size(); ++i) {
             content = withIniValue(content, asked[i].section, asked[i].key, values[i].second);
         }
-        // Whatever a file by other hands contains, the parser has the last word on whether values come back.
-        CSimpleIniCaseA check;
-        check.SetQuotes();
-        const int32_t parsed = content.size() <= kMaxFileBytes ? parse(content, check) : kBadFile;
-        if (parsed == kNoMemory) {
-            return parsed;
-        }
-        bool good = parsed == kOk;
+        // Whatever a file by other hands contains, its reader has the last word on whether values come back.
+        IniContents check;
+        bool good = content.size() <= kMaxFileBytes && check.read(content) == kOk;
         for (size_t i = 0; good && i < values.size(); ++i) {
-            const char* stored = check.GetValue(asked[i].section.c_str(), asked[i].key.c_str());
-            good = stored != nullptr && stored == values[i].second;
+            const auto stored = check.parameters.find(nameOf(asked[i].section, asked[i].key));
+            good = stored != check.parameters.end() && stored->second.text == values[i].second;
         }
         if (!good) {
             complain(mFolder.name() + "/" + name +

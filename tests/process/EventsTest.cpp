@@ -11,11 +11,10 @@
 #include <mutex>
 #include <thread>
 
+#include "tests/process/Listening.h"
 #include "tests/process/ServiceFixture.h"
 #include "tests/support/Descriptors.h"
-#include "tools/fapictl/FactoryPackage.h"
 #include "tools/fapictl/Text.h"
-#include "tools/fapictl/Watcher.h"
 
 namespace {
 
@@ -28,25 +27,6 @@ using ::testing::Not;
 using ::testing::Value;
 using namespace ::vendor::zentrovi::tv::zvttvfactory::V1_0;
 using Record = ZvtTvFApiEventCommonObject;
-
-/** Events that this process receives, once it has begun and for as long as it is there. */
-class Listening {
-  public:
-    using Sink = std::function<void(const Event&)>;
-    explicit Listening(Sink sink)
-        : mListener(
-                  std::make_shared<fapictl::EventListener>(fapictl::EventListener{std::move(sink), [] {}})) {}
-    ~Listening() { mPlace.end(); }
-    Listening(const Listening&) = delete;
-
-    void begin() { mPlace = mWatches.add(mEngine, {}, mListener); }
-
-  private:
-    const std::shared_ptr<fapictl::EventListener> mListener;
-    fapictl::Engine mEngine{fapictl::factoryPackage()};
-    fapictl::Watches mWatches;
-    fapictl::Watches::Subscription mPlace;
-};
 
 int32_t post(uint32_t type, const Record& first = {}) {
     const Return<int32_t> posted =
