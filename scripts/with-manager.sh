@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# binder-bench.sh BIN [ARG...]: calls through the binder driver beside those over sockets; needs the driver's device.
-# Arguments go to the benchmark.
+# with-manager.sh BIN COMMAND...: runs the command while the binder driver's device has its context manager.
 set -euo pipefail
 bin=$1
 shift
@@ -16,4 +15,4 @@ until grep -q ready "$log"; do
     fi
     sleep 0.1
 done
-"$bin/bench-binder" "$@"
+"$@"
