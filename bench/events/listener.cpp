@@ -1,6 +1,7 @@
-// bench-listener default | threads <n> | raw <message bytes>: one of several clients that receive events,
-// with the pool of threads that a process has when it asks for none, or with one of n; or one that receives
-// messages of this length from its standard input instead. Answers a byte there after every kBatch of them.
+// bench-listener default | threads <n> | often <n> | raw <message bytes>: one of several clients that receive
+// events, with the pool of threads that a process has when it asks for none, or with one of n; one that is
+// registered n times; or one that receives messages of this length from its standard input instead. Answers a
+// byte there after every kBatch of them.
 
 #include <hidl/HidlTransportSupport.h>
 #include <unistd.h>
@@ -55,8 +56,10 @@ class Listener : public IZvtTvFApiCallbackManager {
 
 int main(int argc, char** argv) {
     const std::string kind = argc > 1 ? argv[1] : "";
-    if (argc != (kind == "default" ? 2 : 3) || (kind != "default" && kind != "threads" && kind != "raw")) {
-        std::fprintf(stderr, "usage: bench-listener default | threads <n> | raw <message bytes>\n");
+    if (argc != (kind == "default" ? 2 : 3) ||
+        (kind != "default" && kind != "threads" && kind != "often" && kind != "raw")) {
+        std::fprintf(stderr,
+                     "usage: bench-listener default | threads <n> | often <n> | raw <message bytes>\n");
         return 2;
     }
     if (kind == "raw") {
@@ -72,8 +75,13 @@ int main(int argc, char** argv) {
         android::hardware::configureRpcThreadpool(std::stoul(argv[2]), false);
     }
     const android::sp<IZvtTvFApiManager> manager = IZvtTvFApiManager::getService();
-    if (manager->a_hidl_a_zvttvfapi_mngr_set_callback(new Listener).withDefault(-1) != 0 ||
-        !bench::writeFully(STDIN_FILENO, "", 1)) {
+    const android::sp<Listener> listener = new Listener;
+    const unsigned long times = kind == "often" ? std::stoul(argv[2]) : 1;
+    bool good = true;
+    for (unsigned long i = 0; good && i < times; ++i) {
+        good = manager->a_hidl_a_zvttvfapi_mngr_set_callback(listener).withDefault(-1) == 0;
+    }
+    if (!good || !bench::writeFully(STDIN_FILENO, "", 1)) {
         std::fprintf(stderr, "bench-listener: not registered\n");
         return 2;
     }

@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <memory>
@@ -261,6 +262,28 @@ Table measurePosting(const Options& options, const TemporaryFolder& folder) {
     const Row& row = table.rows.back();
     table.rows.push_back(single("extra cost of it, per client", Unit::Nanoseconds, Limit{},
                                 row.difference / static_cast<double>(kClients)));
+
+    // Others wait for nothing that the end of one client costs, however often it was registered.
+    const auto longest = [&](Clock::time_point end) {
+        double most = 0;
+        while (Clock::now() < end) {
+            const Clock::time_point start = Clock::now();
+            manager->ping().assertOk();
+            most = std::max(most, nanosecondsSince(start));
+        }
+        return most;
+    };
+    constexpr std::chrono::milliseconds kTaken(500);
+    table.rows.push_back(compare(
+            "longest ping while a client ends, registered 40,000 times, beside no such client",
+            Unit::Nanoseconds, Limit{Limit::Kind::AtMost, 100e6}, options.rounds,
+            [&] { return longest(Clock::now() + kTaken); },
+            [&] {
+                Listener victim({"often", "40000"});
+                victim.await();
+                victim.kill();
+                return longest(Clock::now() + kTaken);
+            }));
     return table;
 }
 
