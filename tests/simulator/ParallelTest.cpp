@@ -1,9 +1,13 @@
 // What several threads do at once.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 #include <vector>
@@ -73,6 +77,51 @@ TEST(Parallel, WritesOfThreadsLoseNoneOfEachOther) {
         EXPECT_THAT(counted, HasSubstr(key + " = " + writer + "\n"));
         EXPECT_EQ(area[i], writer[0]) << i;
     }
+}
+
+TEST(Parallel, NothingExchangedBetweenALookAndItsUseLeadsOutOfTheSandbox) {
+    namespace fs = std::filesystem;
+    const fs::path files = ownState() / "files";
+    const fs::path outside = ownState() / "outside";
+    for (const fs::path& folder : {files / "in", outside}) {
+        fs::create_directories(folder);
+        std::ofstream(folder / "target") << (folder == outside ? "secret" : "");
+    }
+    fs::create_directory_symlink(outside, files / "link");
+    const fs::perms mode = fs::status(outside / "target").permissions();
+    std::atomic<bool> ends{false};
+    std::thread exchanging([&] {
+        while (!ends) {
+            renameat2(AT_FDCWD, (files / "in").c_str(), AT_FDCWD, (files / "link").c_str(), RENAME_EXCHANGE);
+        }
+    });
+    std::atomic<unsigned> done{0}, refused{0};
+    inThreads(2, [&](unsigned) {
+        for (unsigned round = 0; round < 2000; ++round) {
+            unsigned char read[16] = {};
+            unsigned got = 0;
+            const unsigned char* const path = bytes("/in/target");
+            const int32_t statuses[] = {
+                    a_zvttvfapi_sys_write_file(path, bytes("mine"), 4, bytes(round % 2 == 0 ? "w" : "a")),
+                    a_zvttvfapi_sys_read_file(path, read, sizeof(read) - 1, 0, &got),
+                    a_zvttvfapi_sys_change_file_mode(path, 0777),
+                    a_zvttvfapi_sys_copy_file(path, bytes("/copy"), true),
+                    a_zvttvfapi_sys_remove_file(bytes("/in/target")),
+                    a_zvttvfapi_sys_create_file(bytes("/in/target")),
+            };
+            for (const int32_t status : statuses) {
+                ++(status == kOk ? done : refused);
+            }
+            EXPECT_EQ(std::string(reinterpret_cast<char*>(read)).find("secret"), std::string::npos);
+        }
+    });
+    ends = true;
+    exchanging.join();
+    EXPECT_GT(done, 100u);
+    EXPECT_GT(refused, 100u);
+    EXPECT_EQ(contentOf(outside / "target"), "secret");
+    EXPECT_EQ(std::distance(fs::directory_iterator(outside), fs::directory_iterator()), 1);
+    EXPECT_EQ(fs::status(outside / "target").permissions(), mode);
 }
 
 TEST(Parallel, NoBandIsLostThatAnotherThreadSets) {
