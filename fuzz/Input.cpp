@@ -16,7 +16,6 @@ const bool sQuiet = [] {
     return true;
 }();
 
-/** An object of another process, which has ended or answers nothing of use. */
 class Foreign final : public IBinder {
     status_t transact(uint32_t code, const Parcel&, Parcel*, uint32_t, TransactCallback) override {
         return code % 2 == 0 ? DEAD_OBJECT : OK;
@@ -60,13 +59,17 @@ Objects::~Objects() {
 
 android::status_t Objects::takeObject(const uint8_t* form, android::sp<IBinder>* object) {
     dropObject(form);
-    *object = new Foreign;
+    *object = foreignObject();
     return android::OK;
 }
 
 void Objects::dropObject(const uint8_t* form) {
     require(form == mNext && form != mEnd);
     mNext += sizeof(ObjectReference);
+}
+
+sp<IBinder> foreignObject() {
+    return new Foreign;
 }
 
 ReceivedParcel received(const Message& message) {

@@ -32,6 +32,9 @@ class Objects final : public android::hardware::ObjectSource {
     const uint8_t* const mEnd;
 };
 
+/** An object of another process, which has ended or answers nothing of use. */
+android::sp<android::hardware::IBinder> foreignObject();
+
 /** The message as a parcel's source; the caller keeps the block until the parcel has ended. */
 android::hardware::ReceivedParcel received(const android::hardware::Message& message);
 

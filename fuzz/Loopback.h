@@ -8,7 +8,9 @@ namespace fuzz {
 
 /**
  * An object of this process as another process has it: a call becomes the bytes of a message, some of which
- * are spoiled if that is chosen, is checked and read as a foreign one is, and so is its reply.
+ * are spoiled if that is chosen, is checked and read as a foreign one is, and so is its reply. Or it becomes
+ * what the binder driver takes, and is read as the driver delivers it; nothing is spoiled then, as the driver
+ * has checked what it delivers.
  */
 class Loopback final : public android::hardware::IBinder {
   public:
@@ -16,6 +18,8 @@ class Loopback final : public android::hardware::IBinder {
 
     /** What spoils the bytes of the next calls. */
     void spoilBy(const Choices& choices) { mSpoil = choices; }
+    /** Whether the next calls go as they do through the driver. */
+    void goThroughDriver(bool driver) { mDriver = driver; }
     /** Whether the last call's bytes came through as they were, and its results fit a message. */
     bool wasSound() const { return mSound; }
 
@@ -32,6 +36,7 @@ class Loopback final : public android::hardware::IBinder {
     const android::sp<IBinder> mObject;
     Choices mSpoil;
     bool mSound = true;
+    bool mDriver = false;
 };
 
 /** Calls an object with a message that was received, and checks that its reply is one that can be received.

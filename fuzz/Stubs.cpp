@@ -2,7 +2,8 @@
 // serves: fuzz-board-audio on the simulated board, fuzz-chip-audio on a library that answers anything.
 //
 // An input is a message as a foreign process sends it, which begins with a message's magic, or two bytes for
-// the library (see ExtremeChipLayer.cpp) and calls: a method's number, how many bytes its arguments are
+// the library (see ExtremeChipLayer.h), whose second says by its highest bit that the calls go as they do
+// through the binder driver, and calls: a method's number, how many bytes its arguments are
 // chosen by, how many spoil the message, and these. A call that is not spoiled has to be answered.
 
 #include <hidl/HidlTransportSupport.h>
@@ -137,6 +138,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::Choices choices(data, size);
     const uint8_t outputs = choices.byte();
     const uint8_t results = choices.byte();
+    served().sent->goThroughDriver(results >= 128);
     if (setAnswers != nullptr) {
         setAnswers(outputs, results);
     }
