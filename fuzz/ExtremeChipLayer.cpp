@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
+#include <vector>
 
 #include "chiplayer/chiplayer.h"
 #include "chiplayer/custom.h"
@@ -14,6 +15,7 @@ namespace {
 uint8_t sOutputs = 0;
 uint8_t sResults = 0;
 uint32_t sNext = 1;
+std::vector<fapi_core::ZvtTvFApiEventHandler> sHandlers;
 volatile uint8_t sSeen;  // so that what is read is read
 
 uint32_t next() {
@@ -35,6 +37,15 @@ void setAnswers(uint8_t outputs, uint8_t results) {
     sNext = 1;
 }
 
+void raiseEvent(uint8_t module, uint32_t type, const std::string& text) {
+    const fapi_core::ZvtTvFApiEventCommonObject extreme{UINT32_MAX, std::string(100'000, '\xff'),
+                                                        std::vector<uint8_t>(100'000, 0xFF)};
+    const fapi_core::ZvtTvFApiEventCommonObject chosen{0, text, {text.begin(), text.end()}};
+    if (!sHandlers.empty()) {
+        sHandlers[module % sHandlers.size()](type, module < 128 ? chosen : extreme, chosen, {}, {});
+    }
+}
+
 // Named by what the functions are generated with.
 class FakeCall {
   public:
@@ -44,6 +55,9 @@ class FakeCall {
     template <typename T>
     FakeCall& value(const T& value) {
         see(&value, sizeof(value));
+        if constexpr (std::is_same_v<T, fapi_core::ZvtTvFApiEventHandler>) {
+            sHandlers.push_back(value);
+        }
         return *this;
     }
     FakeCall& text(const void* text) {

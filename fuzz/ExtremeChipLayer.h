@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 /**
  * What the library that takes the board's place does from now on; null where there is none. It writes every
@@ -11,3 +12,9 @@
  * @param results 0: 0; else one of the extremes, or for 1 ever another one. That it is ready stays true.
  */
 [[gnu::weak]] void setAnswers(uint8_t outputs, uint8_t results);
+
+/**
+ * Raises an event of one of the modules that have a handler, chosen by the number: its first record is of the
+ * extremes, its second has the text as text and bytes. Null where there is no such library.
+ */
+[[gnu::weak]] void raiseEvent(uint8_t module, uint32_t type, const std::string& text);

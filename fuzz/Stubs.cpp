@@ -9,6 +9,7 @@
 #include <hidl/HidlTransportSupport.h>
 #include <service/trace/TracedInterfaces.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/BpHwZvtTvFApiAudio.h>
+#include <vendor/zentrovi/tv/zvttvfactory/1.0/BpHwZvtTvFApiCallbackManager.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/BpHwZvtTvFApiDisplay.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/BpHwZvtTvFApiDisplayTest.h>
 #include <vendor/zentrovi/tv/zvttvfactory/1.0/BpHwZvtTvFApiInformation.h>
@@ -83,6 +84,9 @@ bool serve(const std::string& ending, const sp<Object>& object) {
     return true;
 }
 
+/** In place of a method's number: the library raises an event. */
+constexpr uint8_t kRaises = 255;
+
 void call(fuzz::Choices& choices) {
     const auto& methods = served().interface->methods;
     const uint8_t number = choices.byte();
@@ -90,6 +94,12 @@ void call(fuzz::Choices& choices) {
     const size_t spoilBytes = choices.byte();
     fuzz::Choices arguments = choices.take(argumentBytes);
     served().sent->spoilBy(choices.take(spoilBytes));
+    if (number == kRaises && raiseEvent != nullptr) {
+        const uint8_t module = arguments.byte();
+        const auto type = static_cast<uint32_t>(arguments.number(4));
+        raiseEvent(module, type, arguments.rest());
+        return;
+    }
     if (methods.empty()) {
         return;
     }
@@ -111,6 +121,11 @@ extern "C" int LLVMFuzzerInitialize(int*, char*** arguments) {
     const std::string name = program.substr(program.rfind('-') + 1);
     // It initialises the library for all of them.
     static const sp<ZvtTvFApiManager>& manager = *new sp<ZvtTvFApiManager>(new Traced<ZvtTvFApiManager>);
+    // Clients for its events: they take some, and have ended for others.
+    for (int i = 0; i < 2; ++i) {
+        fuzz::require(manager->a_hidl_a_zvttvfapi_mngr_set_callback(
+                              new BpHwZvtTvFApiCallbackManager(fuzz::foreignObject())) == 0);
+    }
     fuzz::require(serve<BpHwZvtTvFApiManager>(name, manager) ||
                   serve<BpHwZvtTvFApiAudio>(name, sp(new Traced<ZvtTvFApiAudio>)) ||
                   serve<BpHwZvtTvFApiDisplay>(name, sp(new Traced<ZvtTvFApiDisplay>)) ||

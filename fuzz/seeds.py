@@ -208,6 +208,8 @@ calls.update({
     "all_methods_refused": all_methods(0, results=4),
     "all_methods_through_the_driver": all_methods(4, outputs=0xFF, results=128),
     "all_methods_greatest_through_the_driver": all_methods(1, results=128),
+    "events_of_all_modules": bytes(2) + b"".join(
+        bytes([255, 9, 0, module, 5, 0, module % 16, 0]) + b"text" for module in (*range(8), *range(128, 136))),
     "all_methods_any_results": all_methods(4, outputs=0x41, results=1),
     "all_methods_first_scalar_spoiled": all_methods(4, spoil=bytes([144, 0, 255])),
     "all_methods_piece_spoiled": all_methods(4, spoil=bytes([48, 0, 255])),
