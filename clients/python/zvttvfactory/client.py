@@ -20,10 +20,6 @@ from ._calls import outcome
 from ._session import Session
 from .errors import DeadlineExceeded, Error, EventsLost, NotRegistered, ServiceDied, SessionError
 
-# The service's status while the library is not ready; nothing tells when that ends, but asking again.
-_NOT_READY = -5
-_READY_INTERVAL = 0.01  # s
-
 Words = Union[str, Iterable[str]]
 """One word or several."""
 
@@ -257,22 +253,10 @@ class Tv(interfaces.Interfaces):
              timeout: Optional[float] = None) -> List[Service]:
         """Waits until the interfaces are registered, all of the package when none is named, and with ready until the
         library behind them can be called. Raises NotRegistered when they are not in time."""
-        timeout = self.timeout if timeout is None else timeout
-        end = None if timeout is None else time.monotonic() + timeout
-        params: Dict[str, Any] = {"instance": instance or self._instance}
+        params: Dict[str, Any] = {"instance": instance or self._instance, "ready": ready}
         if interfaces:
             params["interfaces"] = list(interfaces)
-        found = [Service(one["interface"], one["instance"], one.get("pid"))
-                 for one in self._request("wait", params, timeout)]
-        while ready and self._is_not_ready(params["instance"], end):
-            if end is not None and time.monotonic() >= end:
-                raise NotRegistered(f"the library is not ready within {timeout} s")
-            time.sleep(_READY_INTERVAL)
-        return found
-
-    def _is_not_ready(self, instance: str, end: Optional[float]) -> bool:
-        left = None if end is None else max(_READY_INTERVAL, end - time.monotonic())
-        return self.call("information", "get_fapi_sw_version", instance=instance, timeout=left).status == _NOT_READY
+        return [Service(one["interface"], one["instance"], one.get("pid")) for one in self._request("wait", params, timeout)]
 
     def post(self, type: Union[int, str], *records: Union[Record, Mapping[str, Any], str], check: bool = True,
              timeout: Optional[float] = None) -> Optional[interfaces.Status]:
