@@ -100,14 +100,15 @@ TEST(Parallel, NothingExchangedBetweenALookAndItsUseLeadsOutOfTheSandbox) {
         for (unsigned round = 0; round < 2000; ++round) {
             unsigned char read[16] = {};
             unsigned got = 0;
-            const unsigned char* const path = bytes("/in/target");
+            const std::string target = "/in/target";
+            const unsigned char* const path = bytes(target);
             const int32_t statuses[] = {
                     a_zvttvfapi_sys_write_file(path, bytes("mine"), 4, bytes(round % 2 == 0 ? "w" : "a")),
                     a_zvttvfapi_sys_read_file(path, read, sizeof(read) - 1, 0, &got),
                     a_zvttvfapi_sys_change_file_mode(path, 0777),
                     a_zvttvfapi_sys_copy_file(path, bytes("/copy"), true),
-                    a_zvttvfapi_sys_remove_file(bytes("/in/target")),
-                    a_zvttvfapi_sys_create_file(bytes("/in/target")),
+                    a_zvttvfapi_sys_remove_file(path),
+                    a_zvttvfapi_sys_create_file(path),
             };
             for (const int32_t status : statuses) {
                 ++(status == kOk ? done : refused);
