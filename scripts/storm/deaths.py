@@ -6,7 +6,7 @@ import signal
 import threading
 import time
 
-from service import Session, check, compare, eventually, latencies
+from service import Compared, Session, check, eventually
 
 SURVIVORS = 5
 STOPPED = 100
@@ -71,16 +71,16 @@ def deaths(service, session, seconds, clients_least):
 
 def stopped(service, session):
     """Clients stand still while they should take events."""
-    before = latencies(session)
-    clients = [service.watcher() for _ in range(STOPPED)]
-    eventually(lambda: service.clients(session) == STOPPED)
-    for client in clients:
-        client.send_signal(signal.SIGSTOP)
-    for number in range(50):
-        session("post", type="0x10000", records=[f"value={number}"])
-    compare(f"{STOPPED} stopped clients", session, before)
-    for client in clients:
-        client.kill()
-    for client in clients:
-        client.wait()
-    check(eventually(lambda: service.clients(session) == 0), f"{STOPPED} stopped clients: none is left")
+    with Compared(f"{STOPPED} stopped clients", session) as compared:
+        clients = [service.watcher() for _ in range(STOPPED)]
+        eventually(lambda: service.clients(session) == STOPPED)
+        for client in clients:
+            client.send_signal(signal.SIGSTOP)
+        for number in range(50):
+            session("post", type="0x10000", records=[f"value={number}"])
+        compared.measure()
+        for client in clients:
+            client.kill()
+        for client in clients:
+            client.wait()
+        check(eventually(lambda: service.clients(session) == 0), f"{STOPPED} stopped clients: none is left")

@@ -7,7 +7,7 @@ import socket
 import threading
 import time
 
-from service import Session, check, compare, eventually, latencies
+from service import Compared, Session, check, eventually
 
 SILENT = 200
 
@@ -35,27 +35,27 @@ def flood(names, block, made):
 
 def large_events(service, session):
     """Two clients take events of 56 KiB, so many that they have a part of the machine's time: some thirty a second."""
-    before = latencies(session)
-    clients = [service.watcher() for _ in range(2)]
-    eventually(lambda: service.clients(session) == len(clients))
-    poster = Session(service.environment)
     stop = threading.Event()
     posted = []
 
-    def post():
+    def post(poster, pause):
         while not stop.is_set():
             posted.append(poster("post", type="0x10000", records=[{"bytes": "5a" * 14_000}] * 4)["failed"])
-            time.sleep(before[0] * 300e-6)
+            time.sleep(pause)
 
-    thread = threading.Thread(target=post)
-    thread.start()
-    compare("large events", session, before)
-    stop.set()
-    thread.join()
-    poster.end()
-    for client in clients:
-        client.kill()
-        client.wait()
+    with Compared("large events", session) as compared:
+        clients = [service.watcher() for _ in range(2)]
+        eventually(lambda: service.clients(session) == len(clients))
+        poster = Session(service.environment)
+        thread = threading.Thread(target=post, args=(poster, compared.before[0] * 300e-6))
+        thread.start()
+        compared.measure()
+        stop.set()
+        thread.join()
+        poster.end()
+        for client in clients:
+            client.kill()
+            client.wait()
     check(posted and not any(posted), f"large events: {len(posted)} posted, {sum(posted)} of them not told to somebody")
 
 
@@ -108,12 +108,12 @@ def floods(service, session):
     names = service.sockets()
     check(len(names) > 0, f"floods: {len(names)} sockets to flood")
     for title, block in (("connections without a word", b""), ("half messages", b"HTZ2\0\1\0\0\3\0"), ("garbage", os.urandom(4096))):
-        before = latencies(session)
         made = multiprocessing.Value("L", 0)
-        flooder = multiprocessing.Process(target=flood, args=(names, block, made), daemon=True)
-        flooder.start()
-        eventually(lambda made=made: made.value >= SILENT)
-        compare(f"flood of {title}", session, before)
-        flooder.kill()
-        flooder.join()
+        with Compared(f"flood of {title}", session) as compared:
+            flooder = multiprocessing.Process(target=flood, args=(names, block, made), daemon=True)
+            flooder.start()
+            eventually(lambda made=made: made.value >= SILENT)
+            compared.measure()
+            flooder.kill()
+            flooder.join()
         check(made.value >= SILENT, f"flood of {title}: {made.value} connections")

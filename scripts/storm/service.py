@@ -157,7 +157,23 @@ def latencies(session):
     return min(each[0] for each in rounds), min(each[1] for each in rounds)
 
 
-def compare(name, session, before):
-    after = latencies(session)
-    check(after[0] <= before[0] * 1.2 and after[1] <= before[1] * 2,
-          f"{name}: median {before[0]:.0f} to {after[0]:.0f} us, 99th percentile {before[1]:.0f} to {after[1]:.0f} us")
+class Compared:
+    """Latencies while a storm lasts, beside those before it and behind it, of which the slower count: a machine has its moods."""
+
+    def __init__(self, name, session):
+        self.name, self.session = name, session
+
+    def __enter__(self):
+        self.before = latencies(self.session)
+        return self
+
+    def measure(self):
+        self.during = latencies(self.session)
+
+    def __exit__(self, kind, *_):
+        if kind is not None:
+            return
+        without = [max(both) for both in zip(self.before, latencies(self.session))]
+        check(self.during[0] <= without[0] * 1.2 and self.during[1] <= without[1] * 2,
+              f"{self.name}: median {without[0]:.0f} to {self.during[0]:.0f} us, "
+              f"99th percentile {without[1]:.0f} to {self.during[1]:.0f} us")
